@@ -1,0 +1,47 @@
+#ifndef OSTREVANHVK3_CALLBACKS_H
+#define OSTREVANHVK3_CALLBACKS_H
+
+/// @file
+/// The client's callbacks.
+///
+/// All of them run on the worker thread of the channel, never on a thread of the client. `handle`
+/// is the number that the client gave to `StartCapture` (to `EnableEvents` for the event callback),
+/// `channel` the channel number, `user` the pointer given beside the callback. A null callback is
+/// skipped.
+///
+/// Images and texts are lent: they are valid until the callback returns, belong to the plug-in and
+/// must not be freed or changed. Copy what is to be kept. An image begins with a
+/// `tagBITMAPINFOHEADER` (see image_block.h).
+///
+/// A callback must not throw, must not wait for a thread that is inside `StopCapture`, and must not
+/// call `StopCapture` (number 65) or `DestroyFrameGrabber` (ignored). While an image callback runs,
+/// no further frame is fetched: a slow callback slows capture.
+
+#include "ostrevanhvk3/enumerations.h"
+
+/// A frame for the live view.
+typedef void (*ClLiveImageCallback)(int handle, unsigned int channel, unsigned char* image,
+                                    void* user);
+
+/// A finished finger image; `type` is the capture mode's number (1 for plain).
+typedef void (*ClDetectedFingerCallback)(int handle, unsigned int channel, int type,
+                                         unsigned char* image, void* user);
+
+/// The failure that ended capture, as "<text> error: <number>". At most once per capture; the stop
+/// callback follows, and the client must still call `StopCapture`.
+typedef void (*ClErrorCallback)(int handle, unsigned int channel, const char* text, void* user);
+
+/// A warning; capture goes on.
+typedef void (*ClWarningCallback)(int handle, unsigned int channel, const char* text, void* user);
+
+/// Capture has started: called once, before any other callback of this capture.
+typedef void (*ClStartCallback)(int handle, unsigned int channel, void* user);
+
+/// Capture has ended: called once, after every other callback of this capture.
+typedef void (*ClStopCallback)(int handle, unsigned int channel, void* user);
+
+/// An event of the scanner. `grabber` is always `eFG_HVK3`, `type` one of `eFG_HVK3_Events`.
+typedef void (*ClEventCallback)(int handle, unsigned int channel, eFGs grabber, unsigned int type,
+                                void* user);
+
+#endif

@@ -1,0 +1,22 @@
+#ifndef OSTREVANHVK3_DEVICE_INFO_H
+#define OSTREVANHVK3_DEVICE_INFO_H
+
+/// @file
+/// The record of one scanner in the list that `AvailableDevices` copies out.
+
+/// One attached scanner. 204 bytes, a binary format between client and plug-in.
+struct DeviceInfo {
+  /// The serial number: 8 bytes as the scanner gives them, not necessarily text and without a
+  /// promised terminator; the remaining 92 bytes are zero.
+  char szSerialNumber[100];
+
+  /// Zero.
+  char szReserved[100];
+
+  /// The interface number, 0 to 127: what `SetActiveDevice` takes.
+  unsigned int nInterface;
+};
+
+static_assert(sizeof(DeviceInfo) == 204, "the record is a binary contract");
+
+#endif

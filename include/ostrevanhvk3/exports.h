@@ -1,0 +1,98 @@
+#ifndef OSTREVANHVK3_EXPORTS_H
+#define OSTREVANHVK3_EXPORTS_H
+
+/// @file
+/// What `libostrevanhvk3.so` exports.
+///
+/// A client loads the library at run time and looks the symbols up by the names below; it links
+/// nothing. See `symbol` for names and `GetFrameGrabberFunction` and its like for pointer types.
+
+#include "ostrevanhvk3/feature.h"
+#include "ostrevanhvk3/framegrabber.h"
+
+#define OSTREVANHVK3_EXPORT __attribute__((visibility("default")))
+
+namespace Osv {
+namespace lx {
+class ClOstrevanHVK3Framegrabber;
+class ClDummyFramegrabber;
+}  // namespace lx
+}  // namespace Osv
+
+extern "C" {
+
+/// The frame grabber of this process, built at the first call.
+///
+/// Touches no scanner and loads nothing but the optional logging facility. When it can't be built,
+/// the result is an object of which every operation returns the failure's number OR 0x10000000 and
+/// `GetLastError` the text; the next call tries again. Its `GetLastError` reports the size without
+/// the terminating zero and wants a buffer of at least that size plus 2.
+/// @return never null; owned by the plug-in until `DestroyFrameGrabber`
+/// @note One client thread calls this and `DestroyFrameGrabber`, and no other is inside meanwhile.
+OSTREVANHVK3_EXPORT Osv::lx::ClFramegrabber* GetFrameGrabber();
+
+/// Destroys the frame grabber and closes the scanner; does nothing without one.
+///
+/// Stop capture first: a destruction during capture can wait for ever on a worker that waits for
+/// the driver. From inside a callback it does nothing.
+OSTREVANHVK3_EXPORT void DestroyFrameGrabber();
+
+/// `ClFramegrabber::CurrentFrameInfo` with its failures turned into results. Never blocks.
+/// @param handle ignored
+/// @param reserved ignored
+/// @param type 0: `info` receives one double, the liveness score of the last frame of fake finger
+///   detection; 1: the same and behind it a signed 32-bit state of the detector
+/// @param info 8 bytes for type 0, 12 for type 1
+/// @return 0; 0x10000017 without a frame grabber; 0x1000003C when `info` is null; 0x10000039 for
+///   another type
+OSTREVANHVK3_EXPORT unsigned long FGCurrentFrameInfo(unsigned long handle, unsigned long reserved,
+                                                     unsigned int type, void* info);
+
+/// The real frame grabber, null before `GetFrameGrabber` and after `DestroyFrameGrabber`.
+OSTREVANHVK3_EXPORT extern Osv::lx::ClOstrevanHVK3Framegrabber* m_pFG;
+
+/// The object that reports a failed construction, or null.
+OSTREVANHVK3_EXPORT extern Osv::lx::ClDummyFramegrabber* m_pDummy;
+
+}  // extern "C"
+
+/// Reads a feature. Opens the scanner.
+/// @param channel 1; another one gives 2, bare
+/// @param feature `id` says which; `data`, `size` and `count` as the feature documents
+/// @return 0; a refusal of the feature as a bare number (12 unknown, 17, 52, 53, 60, 82); other
+///   failures OR 0x10000000; 0x10000017 without a frame grabber
+OSTREVANHVK3_EXPORT unsigned long LXSP_GetFeature(unsigned int channel, osvlx3_feature* feature);
+
+/// Writes a feature. Opens the scanner. Arguments and results as with `LXSP_GetFeature`.
+OSTREVANHVK3_EXPORT unsigned long LXSP_SetFeature(unsigned int channel,
+                                                  const osvlx3_feature* feature);
+
+/// Releases memory that the feature functions allocated for the client; null does nothing.
+/// @return 0
+OSTREVANHVK3_EXPORT unsigned long LXSP_Free(void* memory);
+
+namespace Osv {
+namespace lx {
+
+typedef ClFramegrabber* (*GetFrameGrabberFunction)();
+typedef void (*DestroyFrameGrabberFunction)();
+typedef unsigned long (*CurrentFrameInfoFunction)(unsigned long, unsigned long, unsigned int,
+                                                  void*);
+typedef unsigned long (*GetFeatureFunction)(unsigned int, osvlx3_feature*);
+typedef unsigned long (*SetFeatureFunction)(unsigned int, const osvlx3_feature*);
+typedef unsigned long (*FreeFunction)(void*);
+
+/// The names to look up. The feature functions carry their parameter types in their symbols.
+namespace symbol {
+constexpr char GetFrameGrabber[] = "GetFrameGrabber";
+constexpr char DestroyFrameGrabber[] = "DestroyFrameGrabber";
+constexpr char CurrentFrameInfo[] = "FGCurrentFrameInfo";
+constexpr char GetFeature[] = "_Z15LXSP_GetFeaturejP14osvlx3_feature";
+constexpr char SetFeature[] = "_Z15LXSP_SetFeaturejPK14osvlx3_feature";
+constexpr char Free[] = "_Z9LXSP_FreePv";
+}  // namespace symbol
+
+}  // namespace lx
+}  // namespace Osv
+
+#endif

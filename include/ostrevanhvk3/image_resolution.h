@@ -1,0 +1,52 @@
+#ifndef OSTREVANHVK3_IMAGE_RESOLUTION_H
+#define OSTREVANHVK3_IMAGE_RESOLUTION_H
+
+/// @file
+/// A horizontal and a vertical image resolution.
+
+namespace Osv {
+namespace lx {
+
+/// A resolution in pixels per metre. 500 dots per inch are 19685.
+class ClImageResolution {
+ public:
+  ClImageResolution() : m_nX(0), m_nY(0) {}
+
+  /// Takes pixels per metre, not dots per inch.
+  ClImageResolution(unsigned int x, unsigned int y) : m_nX(x), m_nY(y) {}
+
+  ClImageResolution(const ClImageResolution& other) : m_nX(other.m_nX), m_nY(other.m_nY) {}
+
+  virtual ~ClImageResolution() {}
+
+  ClImageResolution& operator=(const ClImageResolution& other) {
+    if (this != &other) {
+      m_nX = other.m_nX;
+      m_nY = other.m_nY;
+    }
+    return *this;
+  }
+
+  bool operator==(const ClImageResolution& other) const {
+    return m_nX == other.m_nX && m_nY == other.m_nY;
+  }
+  bool operator!=(const ClImageResolution& other) const { return !(*this == other); }
+
+  /// Sets the resolution from dots per inch; the pixels per metre are cut to whole numbers.
+  void put_DPI(unsigned int x, unsigned int y) {
+    m_nX = static_cast<unsigned int>(x * 39.37);
+    m_nY = static_cast<unsigned int>(y * 39.37);
+  }
+
+  unsigned int get_x() const { return m_nX; }  ///< pixels per metre
+  unsigned int get_y() const { return m_nY; }  ///< pixels per metre
+
+ private:
+  unsigned int m_nX;
+  unsigned int m_nY;
+};
+
+}  // namespace lx
+}  // namespace Osv
+
+#endif

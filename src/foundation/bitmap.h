@@ -1,0 +1,106 @@
+#pragma once
+
+#include <memory>
+
+#include "ostrevanhvk3/image_block.h"
+
+/// @file
+/// The image of the whole plug-in.
+
+namespace Osv::utilities {
+
+/// Owns one image block: header, palette, pixel rows. Empty without one.
+///
+/// Row `y` begins `y` strides behind the first pixel; the class attaches no direction to rows. A
+/// byte of an 8-bit image is its gray level. Queries answer 0 or null on an empty bitmap and
+/// setters do nothing. No lock: one thread owns a bitmap at a time.
+class ClSimpleBitmap {
+ public:
+  ClSimpleBitmap() = default;
+  ClSimpleBitmap(const ClSimpleBitmap& other);
+  ~ClSimpleBitmap() = default;
+
+  /// A deep copy, of one allocation and one block copy.
+  ClSimpleBitmap& operator=(const ClSimpleBitmap& other);
+
+  /// Releases the block.
+  void Clear() { m_pBlock.reset(); }
+
+  /// Makes a block with a header and, for depths of 1 to 8, the gray ramp. Pixels have no
+  /// particular content.
+  /// @throws CXMemoryAllocException when memory runs out, or when a size overflows or does not fit
+  ///   the header; the bitmap is then empty
+  void Create(unsigned long width, unsigned long height, unsigned long bits,
+              unsigned long compression);
+
+  /// Copies the block of `source`, which stays with its owner; null empties the bitmap.
+  /// @throws CXMemoryAllocException with the bitmap empty
+  void Copy(const tagBITMAPINFOHEADER* source);
+
+  /// Takes ownership of a block from array `new`.
+  void Attach(tagBITMAPINFOHEADER* block);
+
+  /// Gives the block to the caller, who releases it with array `delete`.
+  unsigned char* Detach() { return m_pBlock.release(); }
+
+  bool Empty() const { return m_pBlock == nullptr; }
+  tagBITMAPINFOHEADER* BI() const;
+  unsigned long Width() const;
+  unsigned long Height() const;
+  unsigned long BitCount() const;
+  unsigned long XPels() const;  ///< horizontal pixels per metre
+  unsigned long YPels() const;  ///< vertical pixels per metre
+  unsigned long BPRow() const;  ///< bytes from one row to the next
+  unsigned long PalSize() const { return PalSize(BI()); }
+  unsigned long PixelSize() const { return Height() * BPRow(); }  ///< bytes of all rows
+  unsigned long FullSize() const { return FullSize(BI()); }       ///< bytes of the whole block
+  std::uint32_t* Palette() const;
+  unsigned char* Pixel() { return Pixel(BI()); }
+  const unsigned char* Pixel() const { return Pixel(BI()); }
+
+  static unsigned long PalSize(const tagBITMAPINFOHEADER* bi);
+  static unsigned char* Pixel(tagBITMAPINFOHEADER* bi);
+  static unsigned long FullSize(const tagBITMAPINFOHEADER* bi);
+  static unsigned long BPRow(unsigned long width, unsigned long bits);
+
+  /// Writes header, ramp and colour masks into a block; null does nothing. The masks take 24 bytes
+  /// from the palette's start, twice what readers of 32-bit words expect, and are to stay so.
+  static void FillBI(tagBITMAPINFOHEADER* bi, unsigned long width, unsigned long height,
+                     unsigned long bits, unsigned long compression);
+
+  /// Stores pixels per metre as given.
+  void SetPels(unsigned long x, unsigned long y);
+
+  /// Stores dots per inch as pixels per metre, cut to whole numbers.
+  void SetResolution(unsigned long x, unsigned long y);
+
+  void SetBlack();
+  void SetWhite();
+
+  /// The colour of a pixel; x and y are not checked. At 16 and 32 bits the masks are applied to 1
+  /// for any pixel that is not black and to 0 for a black one, not to the pixel's number: that is
+  /// required.
+  unsigned int GetPixel(unsigned long x, unsigned long y) const;
+
+  /// Sets a pixel; x and y are not checked. Up to 8 bits a colour that is not in the palette
+  /// changes nothing.
+  void SetPixel(unsigned long x, unsigned long y, unsigned int colour);
+
+  /// Index of the lowest set bit of a mask, 32 for none, and the length of the run from there.
+  void MaskData(long mask, long& position, long& length) const;
+
+  /// Turns the rows upside down.
+  void FlipY();
+  static void FlipY(unsigned long width, unsigned long height, unsigned long bits,
+                    unsigned char* pixels);
+
+  /// Complements every byte of the rows, padding included; the palette stays.
+  void Invert();
+  static void Invert(unsigned long width, unsigned long height, unsigned long bits,
+                     unsigned char* pixels);
+
+ private:
+  std::unique_ptr<unsigned char[]> m_pBlock;
+};
+
+}  // namespace Osv::utilities

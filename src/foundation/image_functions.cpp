@@ -1,0 +1,160 @@
+#include "foundation/image_functions.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+#include "foundation/exceptions.h"
+
+namespace Osv::img {
+namespace {
+
+constexpr unsigned long kHeaderSize = sizeof(tagBITMAPINFOHEADER);
+constexpr unsigned long kLargestPaletteDepth = 8;
+constexpr std::uint32_t kColourMasks = 3;
+
+unsigned char* allocate(unsigned long size, bool use_malloc) {
+  auto* const block = use_malloc ? static_cast<unsigned char*>(std::malloc(size))
+                                 : new (std::nothrow) unsigned char[size];
+  if (block == nullptr) {
+    throw CXMemoryAllocException();
+  }
+  return block;
+}
+
+}  // namespace
+
+unsigned long dpi2pels(unsigned long dpi) {
+  return static_cast<unsigned long>(static_cast<double>(dpi) * 39.37);
+}
+
+unsigned long image_bpr(unsigned long width, unsigned long bits) {
+  return (((width * bits + 7) >> 3) + 3) & ~3UL;
+}
+
+unsigned long bmp_bpr(const tagBITMAPINFOHEADER* bi) {
+  return image_bpr(static_cast<unsigned long>(bi->biWidth), bi->biBitCount);
+}
+
+unsigned long bmp_pixel_size(unsigned long width, unsigned long height, unsigned long bits) {
+  return image_bpr(width, bits) * height;
+}
+
+unsigned long bmp_size(unsigned long width, unsigned long height, unsigned long bits) {
+  return (4UL << bits) + bmp_pixel_size(width, height, bits) + kHeaderSize;
+}
+
+unsigned long bmp_size(const tagBITMAPINFOHEADER* bi) {
+  return bmp_bpr(bi) * static_cast<unsigned long>(bi->biHeight) + 4 * bmp_palette_size(bi) +
+         kHeaderSize;
+}
+
+unsigned long bmp_palette_size(const tagBITMAPINFOHEADER* bi) {
+  if (bi->biBitCount > kLargestPaletteDepth) {
+    return bi->biClrUsed;
+  }
+  if (bi->biClrUsed == 0) {
+    return 1UL << bi->biBitCount;
+  }
+  return bi->biCompression == kColourMasks ? 3 : bi->biClrUsed;
+}
+
+unsigned char* bmp_pixel(tagBITMAPINFOHEADER* bi) {
+  return behind_header(bi) + 4 * bmp_palette_size(bi);
+}
+
+const unsigned char* bmp_pixel(const tagBITMAPINFOHEADER* bi) {
+  return bmp_pixel(const_cast<tagBITMAPINFOHEADER*>(bi));
+}
+
+void image_invert(unsigned long width, unsigned long height, unsigned long bits,
+                  unsigned char* pixels) {
+  invert_bytes(pixels, bmp_pixel_size(width, height, bits));
+}
+
+tagBITMAPINFOHEADER* clip_bitmap(const tagBITMAPINFOHEADER* /*bi*/, unsigned long /*x*/,
+                                 unsigned long /*y*/, unsigned long /*width*/,
+                                 unsigned long /*height*/, unsigned long /*xpels*/,
+                                 unsigned long /*ypels*/, bool /*use_malloc*/) {
+  return nullptr;
+}
+
+void fill_image_data(unsigned char* dst, const unsigned char* src, unsigned long width,
+                     unsigned long height, unsigned long bits) {
+  const unsigned long stride = image_bpr(width, bits);
+  for (unsigned long row = 0; row < height; ++row) {
+    std::memcpy(dst + row * stride, src + (height - 1 - row) * width, width);
+  }
+}
+
+unsigned char* create_bmp_copy(const tagBITMAPINFOHEADER* bi, bool use_malloc) {
+  const unsigned long size = bmp_size(bi);
+  unsigned char* const copy = allocate(size, use_malloc);
+  std::memcpy(copy, bi, size);
+  return copy;
+}
+
+unsigned char* create_bmp(unsigned long width, unsigned long height, unsigned long bits,
+                          unsigned long xpels, unsigned long ypels, const unsigned char* data,
+                          bool use_malloc) {
+  unsigned char* const block = allocate(bmp_size(width, height, bits), use_malloc);
+  auto* const bi = reinterpret_cast<tagBITMAPINFOHEADER*>(block);
+  fill_header(bi, width, height, bits, 0);
+  bi->biXPelsPerMeter = static_cast<std::int32_t>(xpels);
+  bi->biYPelsPerMeter = static_cast<std::int32_t>(ypels);
+  fill_gray_ramp(bi, bits);
+  if (data != nullptr) {
+    std::memcpy(bmp_pixel(bi), data, bmp_pixel_size(width, height, bits));
+  }
+  return block;
+}
+
+void fill_header(tagBITMAPINFOHEADER* bi, unsigned long width, unsigned long height,
+                 unsigned long bits, unsigned long compression) {
+  *bi = tagBITMAPINFOHEADER{};
+  bi->biSize = kHeaderSize;
+  bi->biWidth = static_cast<std::int32_t>(width);
+  bi->biHeight = static_cast<std::int32_t>(height);
+  bi->biPlanes = 1;
+  bi->biBitCount = static_cast<std::uint16_t>(bits);
+  bi->biCompression = static_cast<std::uint32_t>(compression);
+  bi->biSizeImage = static_cast<std::uint32_t>(bmp_pixel_size(width, height, bits));
+}
+
+void fill_gray_ramp(tagBITMAPINFOHEADER* bi, unsigned long bits) {
+  if (bits == 0 || bits > kLargestPaletteDepth) {
+    return;
+  }
+  const std::uint32_t entries = 1U << bits;
+  const std::uint32_t step = 255 / (entries - 1);
+  auto* const palette = reinterpret_cast<std::uint32_t*>(behind_header(bi));
+  for (std::uint32_t entry = 0; entry < entries; ++entry) {
+    palette[entry] = entry * step * 0x010101U;
+  }
+}
+
+void invert_bytes(unsigned char* bytes, std::size_t size) {
+  for (std::size_t i = 0; i < size; ++i) {
+    bytes[i] = static_cast<unsigned char>(~bytes[i]);
+  }
+}
+
+void swap_rows(unsigned char* __restrict first, unsigned char* __restrict second,
+               std::size_t size) {
+  for (std::size_t i = 0; i < size; ++i) {
+    const unsigned char kept = first[i];
+    first[i] = second[i];
+    second[i] = kept;
+  }
+}
+
+void swap_and_invert_rows(unsigned char* __restrict first, unsigned char* __restrict second,
+                          std::size_t size) {
+  for (std::size_t i = 0; i < size; ++i) {
+    const auto kept = static_cast<unsigned char>(~first[i]);
+    first[i] = static_cast<unsigned char>(~second[i]);
+    second[i] = kept;
+  }
+}
+
+}  // namespace Osv::img
