@@ -4,7 +4,6 @@
 #include <array>
 #include <bit>
 #include <cstring>
-#include <limits>
 #include <new>
 
 #include "foundation/exceptions.h"
@@ -26,21 +25,6 @@ std::unique_ptr<unsigned char[]> allocate(unsigned long size) {
     throw CXMemoryAllocException();
   }
   return block;
-}
-
-/// Refuses what the header can't hold, which also keeps every product below from overflowing.
-void check_size(unsigned long width, unsigned long height, unsigned long bits,
-                unsigned long compression) {
-  constexpr unsigned long kLargestSide = std::numeric_limits<std::int32_t>::max();
-  constexpr unsigned long kLargest32 = std::numeric_limits<std::uint32_t>::max();
-  if (width > kLargestSide || height > kLargestSide ||
-      bits > std::numeric_limits<std::uint16_t>::max() || compression > kLargest32) {
-    throw CXMemoryAllocException();
-  }
-  unsigned long pixels = 0;
-  if (__builtin_mul_overflow(img::image_bpr(width, bits), height, &pixels) || pixels > kLargest32) {
-    throw CXMemoryAllocException();
-  }
 }
 
 /// Where a mask lies within a pixel, and how many bits it has.
@@ -116,7 +100,7 @@ ClSimpleBitmap& ClSimpleBitmap::operator=(const ClSimpleBitmap& other) {
 void ClSimpleBitmap::Create(unsigned long width, unsigned long height, unsigned long bits,
                             unsigned long compression) {
   Clear();
-  check_size(width, height, bits, compression);
+  img::check_block(width, height, bits, compression);
   unsigned long size = kHeaderSize + img::bmp_pixel_size(width, height, bits);
   if (bits <= kLargestPaletteDepth) {
     size += 4UL << bits;

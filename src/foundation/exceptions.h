@@ -16,14 +16,14 @@ namespace Osv {
 /// Root of the family. `What` names the failure.
 class ClOstrevanException : public std::exception {
  public:
-  virtual const char* What() const = 0;
+  virtual const char* What() const noexcept = 0;
 };
 
 /// Answers both `what` and `What` with the description.
 class CXException : public ClOstrevanException {
  public:
   const char* what() const noexcept override { return GetDescription(); }
-  const char* What() const override { return GetDescription(); }
+  const char* What() const noexcept override { return GetDescription(); }
   virtual const char* GetDescription() const noexcept = 0;
 };
 
@@ -115,6 +115,18 @@ class CLiveDetectionException : public CXOtherException {
 /// The scanner's hardware, or the level of its library, lacks a function.
 class ClKR9NOTImplException : public CXOtherException {
   using CXOtherException::CXOtherException;
+};
+
+/// A bare number of the feature interface. It stands outside the family: no handler for
+/// `std::exception` sees it.
+class CLX3ModuleException {
+ public:
+  explicit CLX3ModuleException(unsigned int value) : m_nValue(value) {}
+
+  unsigned int value() const { return m_nValue; }
+
+ private:
+  unsigned int m_nValue;
 };
 
 }  // namespace lx

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <new>
 
 #include "foundation/exceptions.h"
@@ -11,6 +12,7 @@ namespace {
 
 constexpr unsigned long kHeaderSize = sizeof(tagBITMAPINFOHEADER);
 constexpr unsigned long kLargestPaletteDepth = 8;
+constexpr unsigned long kLargestDepth = 32;
 constexpr std::uint32_t kColourMasks = 3;
 
 unsigned char* allocate(unsigned long size, bool use_malloc) {
@@ -97,6 +99,10 @@ unsigned char* create_bmp_copy(const tagBITMAPINFOHEADER* bi, bool use_malloc) {
 unsigned char* create_bmp(unsigned long width, unsigned long height, unsigned long bits,
                           unsigned long xpels, unsigned long ypels, const unsigned char* data,
                           bool use_malloc) {
+  check_block(width, height, bits, 0);
+  if (bits > kLargestDepth) {
+    throw CXMemoryAllocException();  // the palette that `bmp_size` counts would overflow
+  }
   unsigned char* const block = allocate(bmp_size(width, height, bits), use_malloc);
   auto* const bi = reinterpret_cast<tagBITMAPINFOHEADER*>(block);
   fill_header(bi, width, height, bits, 0);
@@ -107,6 +113,20 @@ unsigned char* create_bmp(unsigned long width, unsigned long height, unsigned lo
     std::memcpy(bmp_pixel(bi), data, bmp_pixel_size(width, height, bits));
   }
   return block;
+}
+
+void check_block(unsigned long width, unsigned long height, unsigned long bits,
+                 unsigned long compression) {
+  constexpr unsigned long kLargestSide = std::numeric_limits<std::int32_t>::max();
+  constexpr unsigned long kLargest32 = std::numeric_limits<std::uint32_t>::max();
+  if (width > kLargestSide || height > kLargestSide ||
+      bits > std::numeric_limits<std::uint16_t>::max() || compression > kLargest32) {
+    throw CXMemoryAllocException();
+  }
+  unsigned long pixels = 0;
+  if (__builtin_mul_overflow(image_bpr(width, bits), height, &pixels) || pixels > kLargest32) {
+    throw CXMemoryAllocException();
+  }
 }
 
 void fill_header(tagBITMAPINFOHEADER* bi, unsigned long width, unsigned long height,

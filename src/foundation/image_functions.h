@@ -54,13 +54,21 @@ void fill_image_data(unsigned char* dst, const unsigned char* src, unsigned long
                      unsigned long height, unsigned long bits);
 
 /// A copy of a block, from `malloc` or from array `new`; the caller owns it.
+/// @throws CXMemoryAllocException
 unsigned char* create_bmp_copy(const tagBITMAPINFOHEADER* bi, bool use_malloc);
 
 /// A new block of plain rows with a gray ramp, from `malloc` or from array `new`; the caller owns
 /// it. `data` holds padded rows, or is null for pixels without particular content.
+/// @throws CXMemoryAllocException also for sizes that a header can't hold
 unsigned char* create_bmp(unsigned long width, unsigned long height, unsigned long bits,
                           unsigned long xpels, unsigned long ypels, const unsigned char* data,
                           bool use_malloc);
+
+/// Refuses sizes that overflow or that a header can't hold, which also keeps every product of them
+/// from overflowing.
+/// @throws CXMemoryAllocException
+void check_block(unsigned long width, unsigned long height, unsigned long bits,
+                 unsigned long compression);
 
 /// Writes the header fields of a plain or masked block; leaves palette and pixels alone.
 void fill_header(tagBITMAPINFOHEADER* bi, unsigned long width, unsigned long height,

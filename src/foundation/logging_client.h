@@ -33,8 +33,12 @@ class ClLoggingFacilityClient : public CXDynamicLibrary {
 
   ~ClLoggingFacilityClient() override = default;
 
- private:
+ protected:
+  /// Opens the facility as `Initialize` does.
   ClLoggingFacilityClient();
+
+  /// Closes the facility, if it is open, and opens it with both entry points.
+  /// @throws CXOtherException -201 or -202
   void Initialize();
 };
 
