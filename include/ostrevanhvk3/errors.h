@@ -80,6 +80,7 @@ constexpr char CalibrationIsCorrupt[] = "The calibration data is corrupt.";
 constexpr char CalibrationAreCorrupt[] = "The calibration data are corrupt.";
 constexpr char ApiVersion[] = "The KR9 API version isn't more supported";
 constexpr char NotEnoughStorage[] = "Not enough storage is available to complete this operation";
+constexpr char DetectionDisabled[] = "The live detection is disabled";
 constexpr char InvalidState[] = "The scanner has invalid state.";
 constexpr char ScannerCanceled[] = "The user canceled the action";
 constexpr char ScannerHardware[] = "The hardware is incompatible";

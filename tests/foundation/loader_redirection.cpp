@@ -2,17 +2,16 @@
 
 #include <dlfcn.h>
 
-#include <cstring>
+#include <map>
 
 namespace Osv::testing_support {
 namespace {
 
-constexpr char kFacility[] = "libostrevanlf.so";
-constexpr char kAbsent[] = "/nonexistent/libostrevanlf.so";
+constexpr char kClosed[] = "libostrevan";
 
-std::string& replacement() {
-  static std::string path = kAbsent;
-  return path;
+std::map<std::string, std::string>& replacements() {
+  static std::map<std::string, std::string> paths;
+  return paths;
 }
 
 std::vector<LoaderCall>& calls() {
@@ -28,8 +27,8 @@ void* real_dlopen(const char* name, int mode) {
 
 }  // namespace
 
-void put_in_place_of_logging_facility(const std::string& path) {
-  replacement() = path.empty() ? kAbsent : path;
+void put_in_place_of(const std::string& name, const std::string& path) {
+  replacements()[name] = path;
   calls().clear();
 }
 
@@ -39,9 +38,11 @@ const std::vector<LoaderCall>& loader_calls() { return calls(); }
 
 extern "C" __attribute__((visibility("default"))) void* dlopen(const char* name, int mode) {
   using namespace Osv::testing_support;
-  if (name == nullptr || std::strcmp(name, kFacility) != 0) {
+  if (name == nullptr || std::string(name).rfind(kClosed, 0) != 0) {
     return real_dlopen(name, mode);
   }
   calls().push_back({name, mode});
-  return real_dlopen(replacement().c_str(), mode);
+  const std::string& path = replacements()[name];
+  return real_dlopen(path.empty() ? ("/nonexistent/" + std::string(name)).c_str() : path.c_str(),
+                     mode);
 }

@@ -4,21 +4,22 @@
 #include <vector>
 
 /// @file
-/// The test program's own `dlopen`: a library that the machine may have is never loaded, only what
-/// a test put in its place.
+/// The test program's own `dlopen`: a closed library that the machine may have is never loaded,
+/// only what a test put in its place.
 
 namespace Osv::testing_support {
 
-/// Puts `path` in the place of the logging facility; an empty one makes the facility absent.
-void put_in_place_of_logging_facility(const std::string& path);
+/// Forgets the calls so far and puts `path` in the place of the library `name`; an empty path makes
+/// it absent, as it is at first.
+void put_in_place_of(const std::string& name, const std::string& path);
 
-/// One call of `dlopen`.
+/// One call of `dlopen` for a closed library.
 struct LoaderCall {
   std::string name;
   int mode;
 };
 
-/// The calls since the last `put_in_place_of_logging_facility`.
+/// The calls since the last `put_in_place_of`.
 const std::vector<LoaderCall>& loader_calls();
 
 }  // namespace Osv::testing_support

@@ -41,7 +41,7 @@ class LoggingClient : public testing::Test {
   }
 
   static void use(const char* path) {
-    testing_support::put_in_place_of_logging_facility(path);
+    testing_support::put_in_place_of("libostrevanlf.so", path);
     journal().clear();
   }
 

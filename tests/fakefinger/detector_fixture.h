@@ -1,0 +1,48 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "fakefinger/scripted_detector.h"
+#include "foundation/exceptions.h"
+#include "foundation/loader_redirection.h"
+
+namespace Osv::testing_support {
+
+constexpr char kDetectorName[] = "libostrevanfakefingerdetection.so";
+
+using Lines = std::vector<std::string>;
+
+/// Puts a freshly scripted detector in the place of the closed one.
+class DetectorFixture : public testing::Test {
+ protected:
+  DetectorFixture() {
+    detector() = ScriptedDetector();
+    use_functions(10);
+  }
+
+  /// The stand-in that has the first `count` functions in the order of look-up.
+  static void use_functions(int count) {
+    put_in_place_of(kDetectorName, HVK3_DETECTOR_STAND_IN + std::to_string(count) + ".so");
+  }
+
+  static void use_none() { put_in_place_of(kDetectorName, ""); }
+
+  static Lines journal() { return detector().journal; }
+
+  /// The failure of an action that has to fail in class `Failure`.
+  template <typename Failure, typename Action>
+  static Failure failure_of(Action action) {
+    try {
+      action();
+    } catch (const Failure& failure) {
+      return failure;
+    }
+    ADD_FAILURE() << "nothing was thrown";
+    return Failure("", 0);
+  }
+};
+
+}  // namespace Osv::testing_support
