@@ -37,9 +37,7 @@ bool ClPlainFingerDetection::LineDetect(const unsigned char* line, unsigned long
     sum += line[i];
     sum += line[i + 1];
   }
-  const auto limit =
-      static_cast<double>(width) * static_cast<double>(m_nThreshold & kThresholdMask);
-  return sum < static_cast<unsigned long>(limit + 0.5);
+  return sum < width * (m_nThreshold & kThresholdMask);
 }
 
 }  // namespace Osv::lx

@@ -13,6 +13,7 @@ namespace Osv::lx {
 namespace {
 
 struct PlainProbe : ClPlainFingerDetection {
+  explicit PlainProbe(const ClPlainFingerDetection& other) : ClPlainFingerDetection(other) {}
   using ClPlainFingerDetection::m_nThreshold;
 };
 
@@ -36,7 +37,8 @@ TEST(ImageDetection, Mode4GivesThePreviewStrategy) { expect_strategy<ClPreviewDe
 
 TEST(ImageDetection, ThePlainStrategyIsMadeWithThreshold240) {
   const std::unique_ptr<ClImageDetection> made(ClImageDetection::Create(eCapturePlain));
-  EXPECT_EQ(static_cast<PlainProbe&>(*made).m_nThreshold, 240U);
+  const PlainProbe probe(dynamic_cast<ClPlainFingerDetection&>(*made));
+  EXPECT_EQ(probe.m_nThreshold, 240U);
 }
 
 TEST(ImageDetection, AModeAbove4HasNoStrategy) {
