@@ -1,0 +1,111 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+#include "capture/hvk3_channel.h"
+#include "detection/images.h"
+#include "foundation/wait.h"
+
+namespace {
+
+std::atomic<long> g_allocations{0};
+
+void* count_and_allocate(std::size_t size) noexcept {
+  ++g_allocations;
+  return std::malloc(size == 0 ? 1 : size);
+}
+
+void* count_and_allocate_or_throw(std::size_t size) {
+  void* const block = count_and_allocate(size);
+  if (block == nullptr) {
+    throw std::bad_alloc();
+  }
+  return block;
+}
+
+// Not inlined, or g++ takes the pair of a new and a delete that it sees half of for a mismatch.
+[[gnu::noinline]] void release(void* block) noexcept { std::free(block); }
+
+}  // namespace
+
+void* operator new(std::size_t size) { return count_and_allocate_or_throw(size); }
+void* operator new[](std::size_t size) { return count_and_allocate_or_throw(size); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return count_and_allocate(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+  return count_and_allocate(size);
+}
+void operator delete(void* block) noexcept { release(block); }
+void operator delete[](void* block) noexcept { release(block); }
+void operator delete(void* block, std::size_t) noexcept { release(block); }
+void operator delete[](void* block, std::size_t) noexcept { release(block); }
+
+namespace Osv::lx {
+namespace {
+
+constexpr long kFirst = 3;
+constexpr long kPasses = 100;
+
+/// Delivers fingers and counts what is allocated from one of its frames to another.
+struct CountingScanner : ClFramegrabberSDK {
+  unsigned long SetActiveChannel(ClFrameGrabberChannel& /*channel*/,
+                                 utilities::ClSimpleBitmap& bitmap) override {
+    bitmap = test::gray_image(120, 90, 100);
+    return 0;
+  }
+  void GetLiveBitmap(ClFrameGrabberChannel& channel, utilities::ClSimpleBitmap&) override {
+    ++frames;
+    if (frames == kFirst) {
+      allocations = -g_allocations;
+    } else if (frames == kFirst + kPasses) {
+      allocations += g_allocations;
+      channel.m_bRunning = false;
+    }
+  }
+  bool IsDirty(ClFrameGrabberChannel& /*channel*/) override { return false; }
+  void FreezeSDK(ClFrameGrabberChannel& /*channel*/, bool /*freeze*/) override {}
+
+  long frames = 0;
+  long allocations = 0;
+};
+
+/// What a channel of this kind allocates in `kPasses` passes; the callbacks are counted.
+template <typename Channel>
+long allocations_in(eCaptureModeIDs mode, int& images) {
+  struct Still : Channel {
+    bool Start() override { return true; }
+  } channel;
+  CountingScanner scanner;
+  ClFrameGrabberChannel::m_pFramegrabberSDK = &scanner;
+  const WaitFunction before = ExchangeWaitFunction([](eWait, int) {});
+  channel.StartCapture(
+      1, mode, [](int, unsigned int, unsigned char*, void* user) { ++*static_cast<int*>(user); },
+      [](int, unsigned int, int, unsigned char*, void* user) { ++*static_cast<int*>(user); },
+      nullptr, nullptr, &images);
+  channel.Work();
+  ExchangeWaitFunction(before);
+  return scanner.allocations;
+}
+
+TEST(Allocations, APassInLiveModeAllocatesNothing) {
+  int images = 0;
+  EXPECT_EQ(allocations_in<ClOstrevanHVK3Channel>(eCaptureLive, images), 0);
+  EXPECT_EQ(images, kFirst + kPasses - 1);
+}
+
+TEST(Allocations, APassInPlainModeAllocatesTheFinishedImageAlone) {
+  int images = 0;
+  EXPECT_EQ(allocations_in<ClOstrevanHVK3Channel>(eCapturePlain, images), kPasses);
+  EXPECT_EQ(images, 2 * (kFirst + kPasses - 1));
+}
+
+TEST(Allocations, TurningTheFramesAllocatesNothing) {
+  int images = 0;
+  EXPECT_EQ(allocations_in<ClFrameGrabberChannel>(eCaptureLive, images), 0);
+}
+
+}  // namespace
+}  // namespace Osv::lx

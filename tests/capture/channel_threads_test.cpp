@@ -1,0 +1,190 @@
+#include <future>
+#include <latch>
+#include <thread>
+
+#include "capture/channel_bench.h"
+
+namespace Osv::lx {
+namespace {
+
+using test::Client;
+using test::Failure;
+using test::failure_of;
+using testing::ElementsAre;
+using utilities::ClSimpleBitmap;
+
+/// A bench with a real worker thread, whose waits give up the processor.
+struct ChannelThreads : test::ChannelBench<ClOstrevanHVK3Channel> {
+  ~ChannelThreads() override { channel.StopCapture(); }
+
+  test::WaitRecorder waits;
+};
+
+TEST_F(ChannelThreads, AfterAStopNoCallbackComes) {
+  start(eCaptureLive);
+  ASSERT_TRUE(journal.await("live", 3));
+  EXPECT_TRUE(channel.StopCapture());
+  const auto entries = journal.entries();
+  EXPECT_EQ(entries.at(entries.size() - 2), "stop");
+  EXPECT_EQ(entries.back(), "UnLock");
+}
+
+TEST_F(ChannelThreads, EveryCallbackComesOnTheWorker) {
+  bool all_on_worker = true;
+  const auto check = [&] {
+    all_on_worker =
+        all_on_worker && channel.IsCurrentThread() && ClFrameGrabberChannel::IsWorkerThread();
+  };
+  client.on_start = client.on_stop = check;
+  client.on_live = client.on_finger = [&](const Client::Image&) { check(); };
+  start(eCapturePlain);
+  ASSERT_TRUE(journal.await("finger 1"));
+  channel.StopCapture();
+  EXPECT_TRUE(all_on_worker);
+  EXPECT_FALSE(channel.IsCurrentThread());
+}
+
+TEST_F(ChannelThreads, AStopRightAfterTheStartGivesBothCallbacksOrNone) {
+  for (int run = 0; run < 300; ++run) {
+    start(eCaptureLive);
+    channel.StopCapture();
+    ASSERT_EQ(journal.count("start"), journal.count("stop"));
+  }
+}
+
+TEST_F(ChannelThreads, AStopFromACallbackFailsAndCaptureGoesOn) {
+  std::promise<int> number;
+  client.on_live = [&](const Client::Image&) {
+    if (journal.count("live") == 1) {
+      number.set_value(failure_of([this] { channel.StopCapture(); }).first);
+    }
+  };
+  start(eCaptureLive);
+  EXPECT_EQ(number.get_future().get(), 65);
+  EXPECT_TRUE(journal.await("live", 5));
+}
+
+TEST_F(ChannelThreads, AfterAFailureCaptureResumesOnlyAfterAStop) {
+  scanner.when("InitializeSDK", [](ClSimpleBitmap&) { throw ClLXException("no", 9); });
+  start(eCaptureLive);
+  ASSERT_TRUE(journal.await("stop"));
+  EXPECT_EQ(failure_of([this] { start(eCaptureLive); }), Failure(77, ""));
+  EXPECT_TRUE(channel.StopCapture());
+  scanner.when("InitializeSDK", nullptr);
+  EXPECT_TRUE(start(eCaptureLive));
+  EXPECT_TRUE(journal.await("live"));
+}
+
+TEST_F(ChannelThreads, AFreezeStopsTheFramesWithinOnePass) {
+  start(eCaptureLive);
+  ASSERT_TRUE(journal.await("live"));
+  channel.m_bFreeze = true;
+  ASSERT_TRUE(journal.await("FreezeSDK true"));
+  const long frames = journal.count("GetLiveBitmap");
+  channel.StopCapture();
+  EXPECT_EQ(journal.count("GetLiveBitmap"), frames);
+  EXPECT_EQ(journal.count("FreezeSDK true"), 1);
+  EXPECT_EQ(journal.count("stop"), 1);
+}
+
+TEST_F(ChannelThreads, UnfreezingBringsTheFramesBack) {
+  channel.m_bFreeze = true;
+  start(eCaptureLive);
+  ASSERT_TRUE(journal.await("FreezeSDK true"));
+  EXPECT_EQ(journal.count("live"), 0);
+  channel.m_bFreeze = false;
+  EXPECT_TRUE(journal.await("live"));
+  EXPECT_EQ(journal.count("FreezeSDK false"), 1);
+}
+
+TEST_F(ChannelThreads, TwoStopsAtOnceBothReturnAfterTheStopCallback) {
+  for (int run = 1; run <= 50; ++run) {
+    start(eCaptureLive);
+    ASSERT_TRUE(journal.await("start", run));
+    std::thread other([&] {
+      EXPECT_TRUE(channel.StopCapture());
+      EXPECT_EQ(journal.count("stop"), run);
+    });
+    EXPECT_TRUE(channel.StopCapture());
+    EXPECT_EQ(journal.count("stop"), run);
+    other.join();
+  }
+}
+
+TEST_F(ChannelThreads, AThreadThatCannotBeCreatedBringsNoCallbackAndAnotherStartWorks) {
+  struct Huge : ClOstrevanHVK3Channel {
+    unsigned long GetStackSize() const override { return stack_size; }
+    unsigned long stack_size = 1UL << 60;
+  } huge;
+  const auto start_huge = [&] {
+    return huge.StartCapture(1, eCaptureLive, &Client::live, nullptr, nullptr, nullptr, &client);
+  };
+  EXPECT_FALSE(start_huge());
+  EXPECT_TRUE(huge.StopCapture());
+  EXPECT_TRUE(journal.entries().empty());
+  huge.stack_size = 0;
+  EXPECT_TRUE(start_huge());
+  EXPECT_TRUE(journal.await("live"));
+  huge.StopCapture();
+}
+
+TEST_F(ChannelThreads, SettersMayRunDuringCapture) {
+  scanner.dirty = true;
+  scanner.when("SetActiveChannel", [this](ClSimpleBitmap&) {
+    channel.ChangeCamera([](ClLXCamera& camera) { camera.put_DPI(500, 500); });
+  });
+  start(eCapturePlain);
+  for (int run = 0; run < 200; ++run) {
+    channel.SetCamera(eCamera5, eColorModeGray);
+    channel.SetFilter(eFilterIDs{1});
+    channel.SetCallbacks(&Client::start, &Client::stop);
+    scanner.suppresses = run % 2 == 0;
+    EXPECT_TRUE(channel.CheckCameraSet());
+    EXPECT_FALSE(channel.IsFreezed());
+  }
+  EXPECT_TRUE(journal.await("live"));
+}
+
+// The start and stop callbacks.
+
+TEST_F(ChannelThreads, CallbacksCanBeSetInsideTheStartCallback) {
+  client.on_start = [this] { channel.SetCallbacks(&Client::start, nullptr); };
+  start(eCaptureLive);
+  ASSERT_TRUE(journal.await("live"));
+  channel.StopCapture();
+  EXPECT_EQ(journal.count("start"), 1);
+  EXPECT_EQ(journal.count("stop"), 0);
+}
+
+TEST_F(ChannelThreads, SettingCallbacksWaitsForTheCallbackThatRuns) {
+  std::latch setting(1);
+  std::thread setter;
+  client.on_start = [&] {
+    setter = std::thread([&] {
+      setting.count_down();
+      channel.SetCallbacks(nullptr, nullptr);
+      journal.add("set");
+    });
+    setting.wait();
+    for (int turn = 0; turn < 1000; ++turn) {
+      std::this_thread::yield();
+    }
+    journal.add("callback ends");
+  };
+  channel.m_Callbacks.OnStart(1, 1, &client);
+  setter.join();
+  EXPECT_THAT(journal.entries(), ElementsAre("start", "callback ends", "set"));
+}
+
+TEST_F(ChannelThreads, ACallbackThatThrowsLeavesTheCallbacksUnlocked) {
+  client.on_start = [] { throw 1; };
+  client.on_stop = [] { throw 2; };
+  EXPECT_THROW(channel.m_Callbacks.OnStart(1, 1, &client), int);
+  EXPECT_THROW(channel.m_Callbacks.OnStop(1, 1, &client), int);
+  std::thread([this] { channel.SetCallbacks(nullptr, nullptr); }).join();
+  channel.m_Callbacks.OnStart(1, 1, &client);
+  EXPECT_EQ(journal.count("start"), 1);
+}
+
+}  // namespace
+}  // namespace Osv::lx
