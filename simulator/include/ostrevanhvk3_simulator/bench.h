@@ -1,0 +1,257 @@
+#ifndef OSTREVANHVK3_SIMULATOR_BENCH_H
+#define OSTREVANHVK3_SIMULATOR_BENCH_H
+
+/// @file
+/// The bench: the control of the simulated scanners, in process.
+///
+/// The simulator is a set of stand-ins for the closed libraries, with their file names. They share
+/// one bench, which holds the scene (scanners and finger), the journal of all calls and the fault
+/// plan. Link `libostrevan-simulator.so`, or load it and look up `ostrevan_simulator_bench`: the
+/// class below has virtual operations only, so a program that loads it needs no link.
+///
+/// ```
+/// Osv::simulator::Bench& bench = *ostrevan_simulator_bench();
+/// bench.reset();
+/// bench.set_pace(0);
+/// bench.set_timeline(Osv::simulator::Timeline::settled_finger());
+/// bench.set_faults("ftrScanGetImageByVariableDose call 3 fails with 121");
+/// ```
+///
+/// Without any control the default scene stands: one scanner at interface 0, on which a finger
+/// comes, presses, stays and lifts again and again, at 15 frames per second. Every operation may be
+/// called from any thread, also from the callbacks of a client, while calls are under way.
+///
+/// Interfaces are numbered from 0 to 127; another number throws std::out_of_range. Operations on an
+/// interface that never had a device do too.
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace Osv::simulator {
+
+/// Size of the frames that every simulated scanner delivers, in pixels.
+constexpr int kRawWidth = 640;
+constexpr int kRawHeight = 480;
+
+/// Size of the images that the calibration engine makes of them. They have 500 dots per inch.
+constexpr int kFinalWidth = 498;
+constexpr int kFinalHeight = 438;
+constexpr int kPixelsPerMetre = 19685;
+
+/// Number of interfaces.
+constexpr unsigned int kInterfaceCount = 128;
+
+/// Frames per second of the default scene.
+constexpr unsigned int kDefaultPace = 15;
+
+/// An 8-bit gray picture: rows from the top, `width` bytes each, no padding; 0 is black.
+struct GrayImage {
+  int width = 0;
+  int height = 0;
+  std::vector<unsigned char> pixels;
+};
+
+/// Where a picture comes to lie: column and row of its upper left pixel in the final image, counted
+/// from the upper left corner. Negative for a picture larger than the image, which is then cut.
+struct Place {
+  int x = 0;
+  int y = 0;
+};
+
+/// What a scanner's extended memory holds.
+enum class eMemory {
+  Calibrated,  ///< the calibration block of the unit, with the payload for its own optics
+  Blank,       ///< memory, but zeros in place of a block
+  None         ///< no extended memory
+};
+
+/// Four parts of a version; `kAbsentPart` in the third or fourth means that it is absent.
+using Version = std::array<std::uint16_t, 4>;
+constexpr std::uint16_t kAbsentPart = 0xFFFF;
+
+using SevenBytes = std::array<unsigned char, 7>;
+
+/// A scanner as it is plugged in.
+struct Device {
+  std::string serial = "HVK30001";  ///< its first 8 bytes count; a shorter one is filled with zeros
+  unsigned char model = 1;          ///< 1 and 4 are scanners of the family
+  unsigned int seed = 1;            ///< makes light, fixed pattern and noise of this unit
+  eMemory memory = eMemory::Calibrated;
+  std::size_t memory_size = 0;  ///< bytes; 0: block and some room (Calibrated), 4096 (Blank)
+  std::string revision = "simulated unit 1";  ///< of the block; its first 16 bytes count
+  std::string description = "simulator";      ///< of the block, up to 255 bytes
+  Version second_version = {2, 1, kAbsentPart, kAbsentPart};
+  Version third_version = {3, 4, 5, kAbsentPart};
+  SevenBytes control_bytes = {};
+  SevenBytes authorization_code = {};
+  SevenBytes secret = {};
+};
+
+/// What a scanner looks like from outside at this moment.
+struct DeviceState {
+  bool plugged_in = false;
+  std::string serial;  ///< 8 bytes
+  unsigned int options = 0;
+  unsigned char green = 0;  ///< level of the LED
+  unsigned char red = 0;
+  SevenBytes control_bytes = {};
+  SevenBytes authorization_code = {};
+  SevenBytes secret = {};
+  unsigned int open_handles = 0;  ///< handles of this device not yet closed, dead ones too
+};
+
+/// What happens on the platens, counted in dose frames delivered by all scanners together since the
+/// timeline was set. Phases of 0 frames are left out.
+struct Timeline {
+  unsigned int empty = 15;
+  unsigned int coming = 10;  ///< touching and pressing: contact grows
+  unsigned int staying = 45;
+  unsigned int lifting = 5;
+  bool again = true;  ///< from the beginning after the last phase; otherwise its last frame stays
+
+  static constexpr Timeline empty_platen() { return {1, 0, 0, 0, false}; }
+  static constexpr Timeline settled_finger() { return {0, 0, 1, 0, false}; }
+};
+
+/// One call into a stand-in.
+struct Call {
+  std::string function;
+  std::string arguments;         ///< in words, as in "handle 1, dose 60"
+  std::string result;            ///< as in "1", "-21, size 219188", "handle 2"
+  std::uint32_t last_error = 0;  ///< of the scanner library, behind the call
+
+  /// As in "ftrScanSetOptions(handle 1, mask 4, flags 4) = 1".
+  std::string text() const { return function + "(" + arguments + ") = " + result; }
+};
+
+/// Where the logging stand-in writes its lines.
+enum class eLogTarget { Nowhere, StandardError, File };
+
+/// The control of the simulator. Owned by the library; never delete it.
+class Bench {
+ public:
+  /// Brings back the default scene, an empty journal that does not record, no faults and a log that
+  /// goes nowhere. Blocked calls are released, and all scanner handles are gone.
+  virtual void reset() = 0;
+
+  /// @name Scanners
+  /// @{
+
+  /// Plugs a scanner in; one that was there is unplugged first. All its handles stay dead.
+  virtual void plug_in(unsigned int interface, const Device& device) = 0;
+
+  /// Takes a scanner off. Its handles are dead from now on: every call with them fails with 259.
+  virtual void unplug(unsigned int interface) = 0;
+
+  /// Brings back what was last unplugged here, with its memory and settings; LEDs are off.
+  virtual void plug_in_again(unsigned int interface) = 0;
+
+  /// Leaves no scanner at any interface.
+  virtual void unplug_all() = 0;
+
+  virtual DeviceState state(unsigned int interface) const = 0;
+
+  /// The scanner's whole extended memory.
+  virtual std::vector<unsigned char> memory(unsigned int interface) const = 0;
+
+  /// Replaces the extended memory, its size included.
+  virtual void set_memory(unsigned int interface, const std::vector<unsigned char>& bytes) = 0;
+
+  /// The number that `ftrSetBaseInterface` has set last, at first 0.
+  virtual int base_interface() const = 0;
+
+  /// With true, interfaces below the base interface report no device in the list, so that the list
+  /// begins with the scanner at the base. By default the list does not depend on the base.
+  virtual void list_from_base(bool on) = 0;
+  /// @}
+
+  /// @name Finger and frames
+  /// @{
+
+  /// Sets what happens on the platens, and starts its clock anew.
+  virtual void set_timeline(const Timeline& timeline) = 0;
+
+  /// Dose frames delivered since the timeline was set.
+  virtual unsigned int frame_count() const = 0;
+
+  /// Takes an 8-bit gray PNG or BMP file as the finger, ridges dark, 500 dots per inch.
+  /// @throws std::runtime_error for a file that can't be read, or is no such picture
+  virtual void load_finger(const std::string& path) = 0;
+
+  /// Takes a picture as the finger. @throws std::invalid_argument for an inconsistent one
+  virtual void set_finger(const GrayImage& picture) = 0;
+
+  /// Takes the built-in print as the finger.
+  virtual void set_built_in_finger() = 0;
+
+  /// The picture that is the finger now.
+  virtual GrayImage finger() const = 0;
+
+  /// Where a picture of this size lies in the final image, one pixel on one pixel.
+  virtual Place place(int width, int height) const = 0;
+
+  /// Frames per second; the frame calls wait for their time. 0: they don't wait.
+  virtual void set_pace(unsigned int frames_per_second) = 0;
+  /// @}
+
+  /// @name Journal
+  /// @{
+
+  /// Starts or stops recording. Calls are counted always; stopped, nothing is allocated for a call.
+  virtual void record(bool on) = 0;
+
+  /// The recorded calls, in the order in which they ended.
+  virtual std::vector<Call> calls() const = 0;
+
+  /// Calls of a function since the journal was cleared, recorded or not.
+  /// @throws std::invalid_argument for a name that no stand-in has
+  virtual unsigned int count(const std::string& function) const = 0;
+
+  /// Forgets recorded calls and counts.
+  virtual void clear_journal() = 0;
+  /// @}
+
+  /// @name Fault plan
+  /// @{
+
+  /// Replaces the fault plan and counts calls anew from 1 for it. Blocked calls are released.
+  /// @param words faults, separated by line ends or semicolons, in the words of docs/simulator.md
+  /// @throws std::invalid_argument naming the word that is not understood; the old plan stays
+  virtual void set_faults(const std::string& words) = 0;
+
+  /// As `set_faults` with no faults.
+  virtual void clear_faults() = 0;
+
+  /// Lets all calls go on that are blocked at this moment.
+  virtual void release() = 0;
+
+  /// Waits until a call of the function is blocked by the fault plan.
+  /// @throws std::invalid_argument for a name that no stand-in has
+  virtual void wait_until_blocked(const std::string& function) = 0;
+  /// @}
+
+  /// @name Logging stand-in
+  /// @{
+
+  /// Sets where log lines go. A file is created with mode 0600 or appended to.
+  /// @param path of the file, unused for other targets
+  /// @throws std::runtime_error for a file that can't be opened
+  virtual void set_log(eLogTarget target, const std::string& path) = 0;
+
+  /// Writes only lines of this level or a more severe one: 3 errors, 4 warnings too, 7 everything.
+  virtual void set_log_level(int level) = 0;
+  /// @}
+
+ protected:
+  ~Bench() = default;
+};
+
+}  // namespace Osv::simulator
+
+/// The one bench of the process.
+extern "C" __attribute__((visibility("default"))) Osv::simulator::Bench* ostrevan_simulator_bench();
+
+#endif
