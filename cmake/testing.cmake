@@ -8,3 +8,13 @@ function(hvk3_unit_tests name)
   target_link_libraries(${name} PRIVATE hvk3_objects GTest::gmock GTest::gtest_main)
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120)
 endfunction()
+
+# Unit tests that use the simulator: hvk3_simulator_tests(NAME SOURCE...) links the bench too, and
+# gives the executable a dlopen of its own, see tests/support/closed_libraries.h.
+function(hvk3_simulator_tests name)
+  hvk3_unit_tests(${name} ${ARGN} "${PROJECT_SOURCE_DIR}/tests/support/closed_libraries.cpp")
+  target_link_libraries(${name} PRIVATE ostrevan-simulator)
+  target_compile_definitions(${name} PRIVATE "HVK3_SIMULATOR_DIR=\"${CMAKE_BINARY_DIR}/simulator\"")
+  set_target_properties(${name} PROPERTIES ENABLE_EXPORTS ON)
+  add_dependencies(${name} hvk3_simulator)
+endfunction()

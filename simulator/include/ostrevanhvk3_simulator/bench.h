@@ -33,19 +33,19 @@
 namespace Osv::simulator {
 
 /// Size of the frames that every simulated scanner delivers, in pixels.
-constexpr int kRawWidth = 640;
-constexpr int kRawHeight = 480;
+inline constexpr int kRawWidth = 640;
+inline constexpr int kRawHeight = 480;
 
 /// Size of the images that the calibration engine makes of them. They have 500 dots per inch.
-constexpr int kFinalWidth = 498;
-constexpr int kFinalHeight = 438;
-constexpr int kPixelsPerMetre = 19685;
+inline constexpr int kFinalWidth = 498;
+inline constexpr int kFinalHeight = 438;
+inline constexpr int kPixelsPerMetre = 19685;
 
 /// Number of interfaces.
-constexpr unsigned int kInterfaceCount = 128;
+inline constexpr unsigned int kInterfaceCount = 128;
 
 /// Frames per second of the default scene.
-constexpr unsigned int kDefaultPace = 15;
+inline constexpr unsigned int kDefaultPace = 15;
 
 /// An 8-bit gray picture: rows from the top, `width` bytes each, no padding; 0 is black.
 struct GrayImage {
@@ -70,7 +70,7 @@ enum class eMemory {
 
 /// Four parts of a version; `kAbsentPart` in the third or fourth means that it is absent.
 using Version = std::array<std::uint16_t, 4>;
-constexpr std::uint16_t kAbsentPart = 0xFFFF;
+inline constexpr std::uint16_t kAbsentPart = 0xFFFF;
 
 using SevenBytes = std::array<unsigned char, 7>;
 

@@ -1,0 +1,97 @@
+#include "ostrevanhvk3_simulator/bench.h"
+
+#include <stdexcept>
+
+#include "bench/picture_file.h"
+#include "bench/print.h"
+#include "bench/simulation.h"
+
+namespace Osv::simulator {
+namespace {
+
+eFunction known_function(const std::string& name) {
+  const auto function = function_named(name);
+  if (!function.has_value()) {
+    throw std::invalid_argument("no stand-in has a function '" + name + "'");
+  }
+  return *function;
+}
+
+/// The bench over the parts of the simulation.
+class SimulationBench final : public Bench {
+ public:
+  void reset() override {
+    m_cAll.faults.set({});
+    m_cAll.scene.reset();
+    m_cAll.journal.record(false);
+    m_cAll.journal.clear();
+    m_cAll.log.set_target(eLogTarget::Nowhere, "");
+    m_cAll.log.set_level(LogSink::kEverything);
+    m_cAll.last_error = 0;
+  }
+
+  void plug_in(unsigned int interface, const Device& device) override {
+    m_cAll.scene.plug_in(interface, device);
+  }
+  void unplug(unsigned int interface) override { m_cAll.scene.unplug(interface); }
+  void plug_in_again(unsigned int interface) override { m_cAll.scene.plug_in_again(interface); }
+  void unplug_all() override { m_cAll.scene.unplug_all(); }
+  DeviceState state(unsigned int interface) const override { return m_cAll.scene.state(interface); }
+  std::vector<unsigned char> memory(unsigned int interface) const override {
+    return m_cAll.scene.memory(interface);
+  }
+  void set_memory(unsigned int interface, const std::vector<unsigned char>& bytes) override {
+    m_cAll.scene.set_memory(interface, bytes);
+  }
+  int base_interface() const override { return m_cAll.scene.base_interface(); }
+  void list_from_base(bool on) override { m_cAll.scene.list_from_base(on); }
+
+  void set_timeline(const Timeline& timeline) override { m_cAll.scene.set_timeline(timeline); }
+  unsigned int frame_count() const override { return m_cAll.scene.frame_count(); }
+  void load_finger(const std::string& path) override {
+    m_cAll.scene.set_finger(read_picture(path));
+  }
+  void set_finger(const GrayImage& picture) override { m_cAll.scene.set_finger(picture); }
+  void set_built_in_finger() override { m_cAll.scene.set_finger(built_in_print()); }
+  GrayImage finger() const override { return m_cAll.scene.finger(); }
+  Place place(int width, int height) const override { return centered(width, height); }
+  void set_pace(unsigned int frames_per_second) override {
+    m_cAll.scene.set_pace(frames_per_second);
+  }
+
+  void record(bool on) override { m_cAll.journal.record(on); }
+  std::vector<Call> calls() const override { return m_cAll.journal.calls(); }
+  unsigned int count(const std::string& function) const override {
+    return m_cAll.journal.count(known_function(function));
+  }
+  void clear_journal() override { m_cAll.journal.clear(); }
+
+  void set_faults(const std::string& words) override { m_cAll.faults.set(parse_faults(words)); }
+  void clear_faults() override { m_cAll.faults.set({}); }
+  void release() override { m_cAll.faults.release(); }
+  void wait_until_blocked(const std::string& function) override {
+    m_cAll.faults.wait_until_blocked(known_function(function));
+  }
+
+  void set_log(eLogTarget target, const std::string& path) override {
+    m_cAll.log.set_target(target, path);
+  }
+  void set_log_level(int level) override { m_cAll.log.set_level(level); }
+
+ private:
+  Simulation& m_cAll = simulation();
+};
+
+}  // namespace
+
+Simulation& simulation() {
+  static auto* const all = new Simulation;
+  return *all;
+}
+
+}  // namespace Osv::simulator
+
+Osv::simulator::Bench* ostrevan_simulator_bench() {
+  static Osv::simulator::SimulationBench bench;
+  return &bench;
+}

@@ -1,0 +1,272 @@
+#include "bench/fault.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdlib>
+#include <initializer_list>
+#include <stdexcept>
+#include <string_view>
+
+namespace Osv::simulator {
+namespace {
+
+using Functions = std::initializer_list<eFunction>;
+
+// Who can give what. All other effects go with every function.
+constexpr Functions kHandleGivers = {eFunction::ftrScanOpenDeviceOnInterface,
+                                     eFunction::CalibrateCreate,
+                                     eFunction::FakeFingerDetectionCreateHandle};
+constexpr Functions kDescriptionGivers = {eFunction::CalibrateGetErrorDescription,
+                                          eFunction::FakeFingerDetectionGetErrorDescriptionA};
+constexpr Functions kTextGivers = {eFunction::CalibrateGetOption,
+                                   eFunction::FakeFingerDetectionGetPropertyA};
+constexpr Functions kFrameSizeGivers = {eFunction::ftrScanGetImageSize};
+constexpr Functions kNumberGivers = {eFunction::ftrScanGetExtMemorySize,
+                                     eFunction::ContaminationDetection,
+                                     eFunction::FakeFingerDetectionEvaluateLiveliness};
+constexpr Functions kSizeGivers = {eFunction::Calibrate};
+
+[[noreturn]] void refuse(std::string_view word) {
+  throw std::invalid_argument("fault not understood at '" + std::string(word) + "'");
+}
+
+/// The words of one fault, read from left to right. A quoted text is one word.
+class Words {
+ public:
+  explicit Words(std::string_view text) : m_sText(text) { advance(); }
+
+  bool ended() const { return m_sWord.empty() && !m_bQuoted; }
+  std::string_view word() const { return m_sWord; }
+
+  /// Goes on behind `word` if it is the present one.
+  bool accept(std::string_view word) {
+    const bool fits = !m_bQuoted && m_sWord == word;
+    if (fits) {
+      advance();
+    }
+    return fits;
+  }
+
+  void expect(std::string_view word) {
+    if (!accept(word)) {
+      refuse_here();
+    }
+  }
+
+  [[noreturn]] void refuse_here() const { refuse(ended() ? "end of fault" : m_sWord); }
+
+  std::string quoted() {
+    if (!m_bQuoted) {
+      refuse_here();
+    }
+    std::string text(m_sWord);
+    advance();
+    return text;
+  }
+
+  /// A decimal or, behind 0x, hexadecimal number.
+  long whole_number() {
+    const std::string text(m_sWord);
+    char* end = nullptr;
+    const int base = text.find("0x") == std::string::npos ? 10 : 16;
+    const long value = std::strtol(text.c_str(), &end, base);
+    if (m_bQuoted || text.empty() || *end != '\0') {
+      refuse_here();
+    }
+    advance();
+    return value;
+  }
+
+  double number() {
+    double value = 0;
+    const char* const end = m_sWord.data() + m_sWord.size();
+    if (m_bQuoted || std::from_chars(m_sWord.data(), end, value).ptr != end || m_sWord.empty()) {
+      refuse_here();
+    }
+    advance();
+    return value;
+  }
+
+  void advance() {
+    constexpr std::string_view kBlanks = " \t\r";
+    m_sText.remove_prefix(std::min(m_sText.find_first_not_of(kBlanks), m_sText.size()));
+    m_bQuoted = m_sText.starts_with('\'');
+    if (m_bQuoted) {
+      take_quoted();
+      return;
+    }
+    m_sWord = m_sText.substr(0, m_sText.find_first_of(kBlanks));
+    m_sText.remove_prefix(m_sWord.size());
+  }
+
+ private:
+  void take_quoted() {
+    const std::size_t end = m_sText.find('\'', 1);
+    if (end == std::string_view::npos) {
+      refuse(m_sText);
+    }
+    m_sWord = m_sText.substr(1, end - 1);
+    m_sText.remove_prefix(end + 1);
+  }
+
+  std::string_view m_sText;
+  std::string_view m_sWord;
+  bool m_bQuoted = false;
+};
+
+/// One fault in the making.
+class FaultReader {
+ public:
+  explicit FaultReader(std::string_view text) : m_cWords(text) {}
+
+  Fault read() {
+    read_function();
+    read_calls();
+    read_effect();
+    if (!m_cWords.ended()) {
+      m_cWords.refuse_here();
+    }
+    return m_sFault;
+  }
+
+ private:
+  void read_function() {
+    const auto function = function_named(m_cWords.word());
+    if (!function.has_value()) {
+      m_cWords.refuse_here();
+    }
+    m_sFault.function = *function;
+    m_cWords.advance();
+    if (m_cWords.accept("of")) {
+      m_sFault.subject = m_cWords.quoted();
+    }
+  }
+
+  void read_calls() {
+    if (m_cWords.accept("call") || m_cWords.accept("calls")) {
+      m_sFault.first = call_number();
+      m_sFault.last = m_cWords.accept("to") ? call_number() : m_sFault.first;
+    } else if (m_cWords.accept("from")) {
+      m_cWords.expect("call");
+      m_sFault.first = call_number();
+      m_cWords.expect("on");
+    } else {
+      m_cWords.accept("always");
+    }
+  }
+
+  unsigned int call_number() {
+    const std::string word(m_cWords.word());
+    const long number = m_cWords.whole_number();
+    if (number < 1 || number > std::numeric_limits<int>::max()) {
+      refuse(word);
+    }
+    return static_cast<unsigned int>(number);
+  }
+
+  void read_effect() {
+    if (m_cWords.accept("fails")) {
+      m_cWords.expect("with");
+      m_sFault.effects.fails_with = m_cWords.whole_number();
+    } else if (m_cWords.accept("blocks")) {
+      m_cWords.expect("until");
+      m_cWords.expect("told");
+      m_sFault.effects.blocks = true;
+    } else if (m_cWords.accept("answers")) {
+      read_answer();
+    } else {
+      m_cWords.expect("gives");
+      read_gift();
+    }
+  }
+
+  void read_answer() {
+    if (word_for(kTextGivers, "text")) {
+      m_sFault.effects.text = m_cWords.quoted();
+      return;
+    }
+    m_sFault.effects.answer = m_cWords.whole_number();
+    if (m_cWords.ended()) {
+      return;
+    }
+    m_cWords.expect("with");
+    if (m_cWords.accept("error")) {
+      m_sFault.effects.error = m_cWords.whole_number();
+    } else if (word_for(kSizeGivers, "size") || word_for(kTextGivers, "length")) {
+      m_sFault.effects.number = static_cast<double>(m_cWords.whole_number());
+    } else {
+      m_cWords.refuse_here();
+    }
+  }
+
+  void read_gift() {
+    if (word_for(kHandleGivers, "a")) {
+      m_cWords.expect("null");
+      m_cWords.expect("handle");
+      m_sFault.effects.null_handle = true;
+    } else if (word_for(kDescriptionGivers, "no")) {
+      m_cWords.expect("text");
+      m_sFault.effects.no_text = true;
+    } else if (is_one_of(kFrameSizeGivers)) {
+      const int width = static_cast<int>(m_cWords.whole_number());
+      m_cWords.expect("x");
+      m_sFault.effects.frame_size = {width, static_cast<int>(m_cWords.whole_number())};
+    } else if (is_one_of(kNumberGivers)) {
+      m_sFault.effects.number = m_cWords.number();
+    } else {
+      m_cWords.refuse_here();
+    }
+  }
+
+  bool is_one_of(Functions functions) const {
+    return std::find(functions.begin(), functions.end(), m_sFault.function) != functions.end();
+  }
+
+  bool word_for(Functions functions, std::string_view word) {
+    return is_one_of(functions) && m_cWords.accept(word);
+  }
+
+  Words m_cWords;
+  Fault m_sFault;
+};
+
+}  // namespace
+
+void Effects::add(const Effects& other) {
+  const auto take = [](auto& mine, const auto& others) {
+    if (others) {
+      mine = others;
+    }
+  };
+  take(fails_with, other.fails_with);
+  take(answer, other.answer);
+  take(error, other.error);
+  take(number, other.number);
+  take(frame_size, other.frame_size);
+  take(text, other.text);
+  take(null_handle, other.null_handle);
+  take(no_text, other.no_text);
+  take(blocks, other.blocks);
+}
+
+std::vector<Fault> parse_faults(const std::string& words) {
+  std::vector<Fault> faults;
+  std::string_view rest = words;
+  while (!rest.empty()) {
+    // A semicolon inside quotes belongs to the text.
+    bool quoted = false;
+    std::size_t end = 0;
+    for (; end < rest.size() && (quoted || (rest[end] != ';' && rest[end] != '\n')); ++end) {
+      quoted ^= rest[end] == '\'';
+    }
+    const std::string_view line = rest.substr(0, end);
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+    if (line.find_first_not_of(" \t\r") != std::string_view::npos) {
+      faults.push_back(FaultReader(line).read());
+    }
+  }
+  return faults;
+}
+
+}  // namespace Osv::simulator

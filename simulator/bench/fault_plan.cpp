@@ -1,0 +1,58 @@
+#include "bench/fault_plan.h"
+
+#include <utility>
+
+namespace Osv::simulator {
+
+void FaultPlan::set(std::vector<Fault> faults) {
+  {
+    const std::lock_guard<std::mutex> lock(m_cLock);
+    m_vFaults = std::move(faults);
+    m_aCalls = {};
+    m_bActive = !m_vFaults.empty();
+  }
+  release();
+}
+
+Effects FaultPlan::on_call(eFunction function, const char* subject) {
+  if (!m_bActive) {
+    return {};
+  }
+  std::unique_lock<std::mutex> lock(m_cLock);
+  Effects effects = collect(function, subject);
+  if (effects.blocks) {
+    const std::uint64_t releases = m_nReleases;
+    ++m_aBlocked[index_of(function)];
+    m_cChanged.notify_all();
+    m_cChanged.wait(lock, [&] { return m_nReleases != releases; });
+    --m_aBlocked[index_of(function)];
+  }
+  return effects;
+}
+
+Effects FaultPlan::collect(eFunction function, const char* subject) {
+  Effects effects;
+  const unsigned int call = ++m_aCalls[index_of(function)];
+  for (const Fault& fault : m_vFaults) {
+    if (fault.function == function && fault.first <= call && call <= fault.last &&
+        (!fault.subject.has_value() || (subject != nullptr && *fault.subject == subject))) {
+      effects.add(fault.effects);
+    }
+  }
+  return effects;
+}
+
+void FaultPlan::release() {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  ++m_nReleases;
+  m_cChanged.notify_all();
+}
+
+void FaultPlan::wait_until_blocked(eFunction function) {
+  std::unique_lock<std::mutex> lock(m_cLock);
+  // A call that was released but hasn't yet woken counts still; it is no matter for a test, which
+  // waits for a call before it releases it.
+  m_cChanged.wait(lock, [&] { return m_aBlocked[index_of(function)] > 0; });
+}
+
+}  // namespace Osv::simulator

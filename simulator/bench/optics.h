@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "payload/payload.h"
+
+/// @file
+/// The optics of one unit: what differs from scanner to scanner.
+
+namespace Osv::simulator {
+
+/// Reflectance of the empty platen and of skin in full contact.
+inline constexpr float kEmptyReflectance = 0.10F;
+inline constexpr float kSkinReflectance = 0.95F;
+
+/// Per pixel of the raw frame, rows from the top, in levels of the sensor at the nominal dose.
+struct Optics {
+  std::vector<float> offset;  ///< level without any light
+  std::vector<float> gain;    ///< level that full reflectance adds
+};
+
+/// Payload of a simulated unit without its levels: sizes and geometry, which all units share.
+Payload common_payload();
+
+/// Light and fixed pattern of the unit of that seed. Kept for the next call.
+std::shared_ptr<const Optics> optics_of(unsigned int seed);
+
+/// The payload that corrects frames of these optics.
+std::vector<unsigned char> payload_of(const Optics& optics);
+
+/// The noise of one pixel: a hash of its argument.
+std::uint32_t scramble(std::uint32_t value);
+
+}  // namespace Osv::simulator

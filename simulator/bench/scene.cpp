@@ -1,0 +1,251 @@
+#include "bench/scene.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "bench/print.h"
+#include "bench/simulation.h"
+
+namespace Osv::simulator {
+namespace {
+
+void check_interface(unsigned int interface) {
+  if (interface >= kInterfaceCount) {
+    throw std::out_of_range("there is no interface " + std::to_string(interface));
+  }
+}
+
+/// Part `frame` + 1 of a way of `frames` frames that never quite arrives.
+float part_of_way(unsigned int frame, unsigned int frames) {
+  return static_cast<float>(frame + 1) / static_cast<float>(frames + 1);
+}
+
+}  // namespace
+
+float contact_at(const Timeline& timeline, unsigned int frame) {
+  const unsigned int length =
+      timeline.empty + timeline.coming + timeline.staying + timeline.lifting;
+  if (length == 0) {
+    return 0;
+  }
+  frame = timeline.again ? frame % length : std::min(frame, length - 1);
+  if (frame < timeline.empty) {
+    return 0;
+  }
+  frame -= timeline.empty;
+  if (frame < timeline.coming) {
+    return part_of_way(frame, timeline.coming);
+  }
+  frame -= timeline.coming;
+  if (frame < timeline.staying) {
+    return 1;
+  }
+  return 1 - part_of_way(frame - timeline.staying, timeline.lifting);
+}
+
+Scene::Scene() { reset(); }
+
+void Scene::reset() {
+  forget_units();
+  plug_in(0, Device());
+  set_finger(built_in_print());
+  set_timeline(Timeline());
+  set_pace(kDefaultPace);
+}
+
+void Scene::forget_units() {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  for (auto& unit : m_aUnits) {
+    unit.reset();
+  }
+  m_mHandles.clear();
+  m_nLastHandle = 0;
+  m_nBaseInterface = 0;
+  m_bListFromBase = false;
+}
+
+Unit* Scene::unit_of(std::uint32_t handle) {
+  const auto found = m_mHandles.find(handle);
+  if (found == m_mHandles.end()) {
+    return nullptr;
+  }
+  Unit* const unit = m_aUnits[found->second.interface].get();
+  const bool alive = unit != nullptr && unit->plugged_in && unit->plugged == found->second.plugged;
+  return alive ? unit : nullptr;
+}
+
+Unit& Scene::known_unit(unsigned int interface) const {
+  check_interface(interface);
+  if (m_aUnits[interface] == nullptr) {
+    throw std::out_of_range("there was never a scanner at interface " + std::to_string(interface));
+  }
+  return *m_aUnits[interface];
+}
+
+std::uint32_t Scene::open(int interface, std::uint32_t& handle) {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  handle = 0;
+  const auto index = static_cast<unsigned int>(interface);
+  if (index >= kInterfaceCount || m_aUnits[index] == nullptr || !m_aUnits[index]->plugged_in) {
+    return kNoDevice;
+  }
+  handle = ++m_nLastHandle;
+  m_mHandles[handle] = {index, m_aUnits[index]->plugged};
+  return 0;
+}
+
+std::uint32_t Scene::close(std::uint32_t handle) {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  return m_mHandles.erase(handle) == 0 ? kNoDevice : 0;
+}
+
+bool Scene::listed(unsigned int interface) const {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  const bool left_out = m_bListFromBase && interface < static_cast<unsigned int>(m_nBaseInterface);
+  return !left_out && m_aUnits[interface] != nullptr && m_aUnits[interface]->plugged_in;
+}
+
+std::uint32_t Scene::set_base_interface(int interface) {
+  if (static_cast<unsigned int>(interface) >= kInterfaceCount) {
+    return kNoDevice;
+  }
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  m_nBaseInterface = interface;
+  return 0;
+}
+
+int Scene::base_interface() const {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  return m_nBaseInterface;
+}
+
+const Finger& Scene::laid_down_finger() {
+  if (!m_sFinger.has_value()) {
+    m_sFinger = lay_down(m_sPicture);
+  }
+  return *m_sFinger;
+}
+
+std::uint32_t Scene::take_frame(std::uint32_t handle, eLight light, int dose,
+                                unsigned char* buffer) {
+  if (buffer == nullptr) {
+    return kInvalidParameter;
+  }
+  const std::uint32_t error = with_unit(handle, [](Unit&) { return 0U; });
+  if (error != 0) {
+    return error;
+  }
+  // Dark and backlight frames come along with a dose frame and take no time of their own.
+  if (light == eLight::Dose) {
+    m_cPacer.wait();
+  }
+  return with_unit(handle, [&](Unit& unit) {
+    const Exposure exposure = {light, dose, contact_at(m_sTimeline, m_nFrames)};
+    unit.frames().fill(exposure, laid_down_finger(), buffer);
+    m_nFrames += light == eLight::Dose ? 1 : 0;
+    return 0U;
+  });
+}
+
+std::uint32_t Scene::look_for_finger(std::uint32_t handle) {
+  return with_unit(
+      handle, [&](Unit&) { return contact_at(m_sTimeline, m_nFrames) > 0 ? 0U : kEmptyFrame; });
+}
+
+void Scene::plug_in(unsigned int interface, const Device& device) {
+  check_interface(interface);
+  auto unit = std::make_unique<Unit>(device);
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  if (m_aUnits[interface] != nullptr) {
+    unit->plugged = m_aUnits[interface]->plugged + 1;
+  }
+  m_aUnits[interface] = std::move(unit);
+}
+
+void Scene::unplug(unsigned int interface) {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  known_unit(interface).plugged_in = false;
+}
+
+void Scene::plug_in_again(unsigned int interface) {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  Unit& unit = known_unit(interface);
+  if (!unit.plugged_in) {
+    unit.plugged_in = true;
+    ++unit.plugged;
+    unit.green = 0;
+    unit.red = 0;
+  }
+}
+
+void Scene::unplug_all() {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  for (const auto& unit : m_aUnits) {
+    if (unit != nullptr) {
+      unit->plugged_in = false;
+    }
+  }
+}
+
+DeviceState Scene::state(unsigned int interface) const {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  DeviceState state = known_unit(interface).state();
+  state.open_handles = static_cast<unsigned int>(
+      std::count_if(m_mHandles.begin(), m_mHandles.end(),
+                    [&](const auto& entry) { return entry.second.interface == interface; }));
+  return state;
+}
+
+std::vector<unsigned char> Scene::memory(unsigned int interface) {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  return known_unit(interface).memory();
+}
+
+void Scene::set_memory(unsigned int interface, const std::vector<unsigned char>& bytes) {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  known_unit(interface).memory() = bytes;
+}
+
+void Scene::list_from_base(bool on) {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  m_bListFromBase = on;
+}
+
+void Scene::set_timeline(const Timeline& timeline) {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  m_sTimeline = timeline;
+  m_nFrames = 0;
+}
+
+unsigned int Scene::frame_count() const {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  return m_nFrames;
+}
+
+void Scene::set_finger(const GrayImage& picture) {
+  if (picture.width < 1 || picture.height < 1 ||
+      picture.pixels.size() !=
+          static_cast<std::size_t>(picture.width) * static_cast<std::size_t>(picture.height)) {
+    throw std::invalid_argument("the pixels of a picture must fit its size");
+  }
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  if (picture.width == m_sPicture.width && picture.pixels == m_sPicture.pixels) {
+    return;
+  }
+  m_sPicture = picture;
+  m_sFinger.reset();
+  for (const auto& unit : m_aUnits) {
+    if (unit != nullptr) {
+      unit->forget_frames();
+    }
+  }
+}
+
+GrayImage Scene::finger() const {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  return m_sPicture;
+}
+
+Scene& scene() { return simulation().scene; }
+
+}  // namespace Osv::simulator

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+#include "bench/fault_plan.h"
+#include "bench/journal.h"
+#include "bench/log_sink.h"
+#include "bench/scene.h"
+
+/// @file
+/// Everything that the bench is made of.
+
+namespace Osv::simulator {
+
+struct Simulation {
+  Journal journal;
+  FaultPlan faults;
+  std::atomic<std::uint32_t> last_error = 0;
+  LogSink log;
+  Scene scene;
+};
+
+/// The one of this process. It is never destroyed: threads of a program that ends may still be in a
+/// call.
+Simulation& simulation();
+
+}  // namespace Osv::simulator

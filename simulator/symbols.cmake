@@ -1,0 +1,26 @@
+# The closed libraries and the functions that each of them exports.
+set(HVK3_LIBRARIES KR9ScanAPI ostrevancalibratesdk ostrevanfakefingerdetection ostrevanlf)
+
+set(HVK3_SYMBOLS_KR9ScanAPI
+    ftrScanOpenDeviceOnInterface ftrScanCloseDevice ftrScanSetOptions ftrScanGetOptions
+    ftrScanGetDeviceInfo ftrScanGetImageSize ftrScanGetFrame ftrScanGetBacklightImage
+    ftrScanGetDarkImage ftrScanGetImage ftrScanIsFingerPresent ftrScanSave7Bytes
+    ftrScanRestore7ControlBytes ftrScanGetDiodesStatus ftrScanSetDiodesStatus ftrScanGetInterfaces
+    ftrSetBaseInterface ftrGetBaseInterfaceNumber ftrScanSaveSerialNumber
+    ftrScanGetImageByVariableDose ftrScanGetImage2 ftrScanGetLastError ftrScanSetLastError
+    ftrScanGetExtMemorySize ftrScanSaveExtMemory ftrScanRestoreExtMemory ftrScanGetSerialNumber
+    ftrScanGetVersion ftrScanSetNewAuthorizationCode ftrScanSaveSecret7Bytes
+    ftrScanRestoreSecret7Bytes ftrScanGlobalSetOptions)
+
+set(HVK3_SYMBOLS_ostrevancalibratesdk
+    CalibrateCreate Calibrate CalibrateDelete CalibrateSetData CalibrateGetErrorDescription
+    ContaminationDetection CalibrateSetOption CalibrateGetOption)
+
+set(HVK3_SYMBOLS_ostrevanfakefingerdetection
+    FakeFingerDetectionInitialize FakeFingerDetectionUninitialize FakeFingerDetectionCreateHandle
+    FakeFingerDetectionDestroyHandle FakeFingerDetectionReset
+    FakeFingerDetectionEvaluateLiveliness FakeFingerDetectionSetImage
+    FakeFingerDetectionSetPropertyA FakeFingerDetectionGetPropertyA
+    FakeFingerDetectionGetErrorDescriptionA)
+
+set(HVK3_SYMBOLS_ostrevanlf OsvLFLog OsvLFFlush)
