@@ -9,7 +9,6 @@ namespace Osv::simulator {
 namespace {
 
 constexpr std::size_t kPixels = std::size_t{kRawWidth} * kRawHeight;
-constexpr std::size_t kLevels = 256;
 
 /// Noise of -2 to 2 levels, small values being more frequent.
 class NoiseTable {
@@ -57,36 +56,29 @@ Look look_of(eLight light) {
   return {kEmptyReflectance, kSkinReflectance - kEmptyReflectance, 0.0F};
 }
 
-using Weights = std::array<float, kLevels>;
+/// How strongly the finger shows at a distance from its centre: `strength` up to the edge, where it
+/// falls to nothing with a slope.
+struct Profile {
+  float strength;
+  float reach;
+  float slope;
 
-/// Contact by distance from the finger's centre. It begins in the middle, weakly, and spreads; the
-/// settled finger has all of it everywhere.
-Weights contact_weights(float contact) {
-  constexpr float kSoftness = 4;
-  Weights weights = {};
-  if (contact > 0) {
-    const float reach = 0.45F + 1.35F * contact;
-    const float strength = 0.65F + 0.35F * contact;
-    for (std::size_t i = 0; i < kLevels; ++i) {
-      const float distance = static_cast<float>(i) * kDistanceStep;
-      weights[i] = strength * std::clamp((reach - distance) * kSoftness, 0.0F, 1.0F);
-    }
+  float at(float distance) const {
+    const float part = (reach - distance) * slope;
+    const float rest = part < 0 ? 0 : part;
+    return strength * (rest > 1 ? 1 : rest);
   }
-  return weights;
+};
+
+/// Contact begins in the middle, weakly, and spreads; the settled finger has all of it everywhere.
+Profile contact_profile(float contact) {
+  return contact > 0 ? Profile{0.65F + 0.35F * contact, 0.45F + 1.35F * contact, 4.0F}
+                     : Profile{0, 0, 0};
 }
 
-/// The finger's body: wider than the ridges that touch, with a soft edge.
-Weights body_weights(float contact) {
-  constexpr float kReach = 1.05F;
-  constexpr float kSoftness = 3;
-  Weights weights = {};
-  if (contact > 0) {
-    for (std::size_t i = 0; i < kLevels; ++i) {
-      const float distance = static_cast<float>(i) * kDistanceStep;
-      weights[i] = std::clamp((kReach - distance) * kSoftness, 0.0F, 1.0F);
-    }
-  }
-  return weights;
+/// The finger's body: wider than the ridges that touch.
+Profile body_profile(float contact) {
+  return contact > 0 ? Profile{1.0F, 1.05F, 3.0F} : Profile{0, 0, 0};
 }
 
 }  // namespace
@@ -114,23 +106,27 @@ void FrameMaker::fill(const Exposure& exposure, const Finger& finger, unsigned c
 }
 
 void FrameMaker::expose(const Exposure& exposure, const Finger& finger, Clean& clean) const {
-  const Look look = look_of(exposure.light);
-  const Weights contact = contact_weights(exposure.contact);
-  const Weights body = body_weights(exposure.contact);
-  const float dose = static_cast<float>(std::max(exposure.dose, 0)) / kNominalDose;
   constexpr float kBlack = 255;
-  std::array<float, kLevels> ink = {};
-  for (std::size_t i = 0; i < kLevels; ++i) {
-    ink[i] = look.ink * static_cast<float>(i) / kBlack;
-  }
-  const Optics& optics = *m_pOptics;
+  Look look = look_of(exposure.light);
+  look.ink /= kBlack;
+  const Profile contact = contact_profile(exposure.contact);
+  const Profile body = body_profile(exposure.contact);
+  const float dose = static_cast<float>(std::max(exposure.dose, 0)) / kNominalDose;
   clean.pixels.resize(kPixels);
+  const float* const offset = m_pOptics->offset.data();
+  const float* const gain = m_pOptics->gain.data();
+  const unsigned char* const ink = finger.ink.data();
+  const unsigned char* const distance = finger.distance.data();
+  unsigned char* const pixels = clean.pixels.data();
+  // Sums over plain arrays, without tables and branches: compilers make vectors of them.
   for (std::size_t i = 0; i < kPixels; ++i) {
-    const unsigned char distance = finger.distance[i];
-    const float reflectance =
-        look.empty + ink[finger.ink[i]] * contact[distance] + look.body * body[distance];
-    const float level = optics.offset[i] + optics.gain[i] * reflectance * dose;
-    clean.pixels[i] = static_cast<unsigned char>(std::clamp(level + 0.5F, 0.0F, kBlack));
+    const float away = static_cast<float>(distance[i]) * kDistanceStep;
+    const float reflectance = look.empty +
+                              static_cast<float>(ink[i]) * look.ink * contact.at(away) +
+                              look.body * body.at(away);
+    const float level = offset[i] + gain[i] * reflectance * dose + 0.5F;
+    const float rest = level < 0 ? 0 : level;
+    pixels[i] = static_cast<unsigned char>(static_cast<int>(rest > kBlack ? kBlack : rest));
   }
   clean.exposure = exposure;
   clean.fresh = true;
