@@ -1,6 +1,7 @@
 #include "capture/capture_channel.h"
 
 #include <memory>
+#include <thread>
 
 #include "capture/channel_bench.h"
 
@@ -265,6 +266,7 @@ TEST_F(Stopping, InTheStopCallbackAfterTheClientsStopDoesNothing) {
 
 TEST_F(Stopping, ForgetsTheThreadWhoseNumberTheSystemMayGiveAgain) {
   start(eCaptureLive);
+  std::thread([this] { channel.SetCurrentThread(); }).join();
   channel.StopCapture();
   EXPECT_EQ(channel.m_nThreadId, pthread_t{});
 }
