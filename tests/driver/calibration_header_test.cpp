@@ -120,7 +120,7 @@ class CalibrationHeader : public testing::Test {
   }
 
   void expect_corrupt(const Bytes& memory) {
-    expect_failure<lx::ClLXException>(memory, 37, "The calibration data is corrupt.");
+    expect_failure<ClHeaderFormatException>(memory, -1, "The calibration data is corrupt.");
   }
 
   ClKR9CalibrationHeader m_header;
@@ -296,7 +296,7 @@ TEST_F(CalibrationHeader, CutsALongerBlockWhenItBuildsAShorterOne) {
 
 TEST_F(CalibrationHeader, WritesEverythingAnewOverABlockOfTheSameSize) {
   put({1, 2, 3}, "old");
-  present() += 24 * 60 * 60;
+  present() += 24L * 60 * 60;
   m_header.PutCalibrationData(Bytes{4, 5, 6}.data(), 3, Bytes(16, 'r').data(), "new");
   EXPECT_EQ(
       m_header.Block(),
@@ -332,7 +332,7 @@ TEST_F(CalibrationHeader, KeepsTheLowBitsOfAFarYear) {
   unsigned long position = 0;
   m_header.SetDate(date, position);
   EXPECT_EQ(date, (Bytes{31, 12, 255}));
-  present() += 24 * 60 * 60;
+  present() += 24L * 60 * 60;
   position = 0;
   m_header.SetDate(date, position);
   EXPECT_EQ(date, (Bytes{1, 1, 0}));

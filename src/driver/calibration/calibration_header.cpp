@@ -21,8 +21,7 @@ constexpr unsigned long kLongestDescription = 255;
 constexpr int kFormatError = -1;
 
 [[noreturn]] void throw_corrupt() {
-  throw lx::ClLXException(lx::error_text::CalibrationIsCorrupt,
-                          lx::error_number::CalibrationCorrupt);
+  throw ClHeaderFormatException(lx::error_text::CalibrationIsCorrupt, kFormatError);
 }
 
 }  // namespace

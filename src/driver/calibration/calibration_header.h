@@ -34,8 +34,8 @@ class ClKR9CalibrationHeader {
   /// Reads `size` bytes from the stream's present position, normally the whole memory. A size of 0
   /// changes nothing. `data` then points to the payload inside this object until its next read or
   /// write, or is null for an empty one.
-  /// @throws ClHeaderFormatException -1 "The calibration data are corrupt." for another version;
-  ///   ClLXException 37 "The calibration data is corrupt." for a block that does not fit the memory
+  /// @throws ClHeaderFormatException -1 "The calibration data are corrupt." for another version,
+  ///   "The calibration data is corrupt." for a block that does not fit the memory
   void ReadFromStream(CXStream* stream, unsigned long size, unsigned char** data,
                       unsigned int& dataSize);
 
