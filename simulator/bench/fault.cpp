@@ -191,7 +191,7 @@ class FaultReader {
       return;
     }
     m_cWords.expect("with");
-    if (m_cWords.accept("error")) {
+    if (is_of_scanner() && m_cWords.accept("error")) {
       m_sFault.effects.error = m_cWords.whole_number();
     } else if (word_for(kSizeGivers, "size") || word_for(kTextGivers, "length")) {
       m_sFault.effects.number = static_cast<double>(m_cWords.whole_number());
@@ -217,6 +217,11 @@ class FaultReader {
     } else {
       m_cWords.refuse_here();
     }
+  }
+
+  /// Only the scanner library has a last error.
+  bool is_of_scanner() const {
+    return std::string_view(name_of(m_sFault.function)).starts_with("ftr");
   }
 
   bool is_one_of(Functions functions) const {

@@ -28,7 +28,8 @@ class PlaceMap {
   }
 
   Point at(int x, int y) const {
-    const Point* const node = m_vNodes.data() + y / kGrid * kGridWidth + x / kGrid;
+    const Point* const node = &m_vNodes[static_cast<std::size_t>(y) / kGrid * kGridWidth +
+                                        static_cast<std::size_t>(x) / kGrid];
     const double u = x % kGrid / double{kGrid};
     const double v = y % kGrid / double{kGrid};
     return {
@@ -69,7 +70,10 @@ class Sampler {
   double pixel(int x, int y) const {
     constexpr double kWhite = 255;
     const bool outside = x < 0 || y < 0 || x >= m_cPicture.width || y >= m_cPicture.height;
-    return outside ? kWhite : m_cPicture.pixels[static_cast<std::size_t>(y * m_cPicture.width + x)];
+    const auto width = static_cast<std::size_t>(m_cPicture.width);
+    return outside ? kWhite
+                   : m_cPicture
+                         .pixels[static_cast<std::size_t>(y) * width + static_cast<std::size_t>(x)];
   }
 
   const GrayImage& m_cPicture;

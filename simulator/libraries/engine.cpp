@@ -89,8 +89,9 @@ class Blocks {
 
  private:
   unsigned char* corner(int block) const {
-    return m_pImage + static_cast<std::size_t>(block / m_nColumns * kSide) * m_nStride +
-           block % m_nColumns * kSide;
+    const auto column = static_cast<std::size_t>(block % m_nColumns);
+    const auto row = static_cast<std::size_t>(block / m_nColumns);
+    return m_pImage + kSide * (row * m_nStride + column);
   }
 
   std::size_t m_nStride;

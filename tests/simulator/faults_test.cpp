@@ -265,6 +265,7 @@ TEST_F(Faults, AFaultThatIsNotUnderstoodIsRefusedWithTheWord) {
 TEST_F(Faults, AnEffectThatAFunctionCanNotHaveIsRefused) {
   EXPECT_NE(refusal("ftrScanSetOptions gives a null handle"), "none");
   EXPECT_NE(refusal("ftrScanSetOptions gives no text"), "none");
+  EXPECT_NE(refusal("Calibrate answers 0 with error 5"), "none");
   EXPECT_NE(refusal("ftrScanSetOptions gives 640 x 480"), "none");
   EXPECT_NE(refusal("ftrScanSetOptions answers text 'x'"), "none");
 }

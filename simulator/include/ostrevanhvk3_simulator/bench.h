@@ -133,6 +133,8 @@ enum class eLogTarget { Nowhere, StandardError, File };
 /// The control of the simulator. Owned by the library; never delete it.
 class Bench {
  public:
+  virtual ~Bench() = default;
+
   /// Brings back the default scene, an empty journal that does not record, no faults and a log that
   /// goes nowhere. Blocked calls are released, and all scanner handles are gone.
   virtual void reset() = 0;
@@ -244,9 +246,6 @@ class Bench {
   /// Writes only lines of this level or a more severe one: 3 errors, 4 warnings too, 7 everything.
   virtual void set_log_level(int level) = 0;
   /// @}
-
- protected:
-  ~Bench() = default;
 };
 
 }  // namespace Osv::simulator
