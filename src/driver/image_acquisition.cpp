@@ -28,8 +28,12 @@ class PassLock {
   ClFramegrabberSDK& m_sdk;
 };
 
-/// A bitmap for a raw frame. Sizes that no image has, negative ones too, are refused.
+/// A bitmap for a raw frame. Sizes that no frame has are refused, negative ones by `Create`: the
+/// scanner would fill a buffer that isn't there.
 void create_raw(utilities::ClSimpleBitmap& bitmap, const __FTRSCAN_IMAGE_SIZE& size) {
+  if (size.nWidth == 0 || size.nHeight == 0) {
+    throw CXMemoryAllocException();
+  }
   bitmap.Create(static_cast<unsigned long>(size.nWidth), static_cast<unsigned long>(size.nHeight),
                 kBitsPerPixel, 0);
 }
@@ -57,15 +61,16 @@ bool ClOstrevanHVK3SDK::SupressFingerDetection() const {
 
 bool ClOstrevanHVK3SDK::IsWorkersBitmap(const ClFrameGrabberChannel& channel,
                                         const ClSimpleBitmap& bitmap) {
-  // Only the worker may look at its bitmap's owner; a snap from inside a callback has its own bitmap.
+  // Only the worker may look at its bitmap's owner; a snap from inside a callback has its own
+  // bitmap.
   return channel.IsCurrentThread() && &bitmap == channel.get_currrent_bitmap();
 }
 
 bool ClOstrevanHVK3SDK::NeedsPreparation(const ClFrameGrabberChannel& channel,
                                          const ClSimpleBitmap& bitmap) const {
-  return bitmap.Empty() || channel.m_nChannel != m_nActiveChannel ||
+  return bitmap.Empty() || channel.m_nChannel != m_nActiveChannel || m_nRawOpening != m_nOpening ||
          (IsWorkersBitmap(channel, bitmap) && m_nShapedOpening != m_nOpening) ||
-         bitmap.FullSize() < m_nCalibratedSize;
+         bitmap.FullSize() < m_nBlockSize;
 }
 
 unsigned long ClOstrevanHVK3SDK::SetActiveChannel(ClFrameGrabberChannel& channel,
@@ -101,6 +106,7 @@ void ClOstrevanHVK3SDK::Prepare(ClFrameGrabberChannel& channel, ClSimpleBitmap& 
   if (IsWorkersBitmap(channel, bitmap)) {
     m_nShapedOpening = opening;
   }
+  m_nRawOpening = opening;
   m_nActiveChannel = channel.m_nChannel;
 }
 
@@ -123,6 +129,7 @@ void ClOstrevanHVK3SDK::ShapeBitmap(ClSimpleBitmap& bitmap) {
   block.release();
   bitmap.Attach(header);
   bitmap.SetWhite();
+  m_nBlockSize = bitmap.FullSize();
 }
 
 __FTRSCAN_IMAGE_SIZE ClOstrevanHVK3SDK::ReadImageSize() {
@@ -293,6 +300,9 @@ unsigned long ClOstrevanHVK3SDK::Snap(unsigned int channel, unsigned char** imag
 
 void ClOstrevanHVK3SDK::GetRowLiveBitmap(ClSimpleBitmap& bitmap) {
   OSV_LOG(OsvLFTrace, "KR9 scanner. The calibration isn't initializeted.");
+  if (bitmap.Empty()) {
+    return;
+  }
   if (m_pScanner->GetImageByDose(bitmap.Pixel(), Dose())) {
     PrepareImage(bitmap);
   } else if (CheckScannerError(m_pScanner->GetLastError())) {

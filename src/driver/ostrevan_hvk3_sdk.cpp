@@ -1,5 +1,6 @@
 #include "driver/ostrevan_hvk3_sdk.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "driver/get_item.h"
@@ -80,13 +81,13 @@ unsigned long ClOstrevanHVK3SDK::InitializeScanner() {
   if (m_nActiveScanner == kNoActiveScanner) {
     return ChooseFirstScanner();
   }
+  m_nOpening = m_nOpening + 1;  // before another unit can be open
   if (!m_pScanner->Initialize()) {
     return m_pScanner->GetLastError();
   }
   SwitchToLongImage();
   RequireExtendedApi();
   m_pCalibration.reset(ReadCalibration());
-  m_nOpening = m_nOpening + 1;
   m_bInitialized = true;
   return 0;
 }

@@ -110,6 +110,7 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   unsigned long Snap(unsigned int channel, unsigned char** image);
 
   /// A frame straight from the scanner, turned and complemented but not corrected.
+  /// @param bitmap has to have the size of the scanner's frames; an empty one stays empty
   void GetRowLiveBitmap(ClSimpleBitmap& bitmap);
 
   /// A frame straight from the scanner, as it comes.
@@ -167,6 +168,10 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   static constexpr unsigned int kNoActiveChannel = 65535;
   static constexpr unsigned int kNoActiveScanner = 0xFFFFFFFF;
 
+  /// Refuses a scanner library without the extended functions. A step of the opening.
+  /// @throws ClLXException 40
+  void RequireExtendedApi();
+
   /// @name Steps of a frame, with `m_cLock` held by the caller
   /// @{
   void CaptureBmp(ClSimpleBitmap& bitmap);
@@ -208,7 +213,6 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   std::shared_ptr<CXCalibration> ReadCalibration();
   unsigned long ChooseFirstScanner();
   void SwitchToLongImage();
-  void RequireExtendedApi();
   void SelectInterface(unsigned long index);
   void ReadSerialNumber();
   void AddVersion();
@@ -227,9 +231,11 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
 
   mutable std::mutex m_cErrorLock;  // leaf
 
-  // A bitmap shaped before the present opening may be too small for the unit that is open now.
-  TXRelaxed<unsigned int> m_nOpening = 0;
-  TXRelaxed<unsigned int> m_nShapedOpening = 0;
+  // What was shaped before the present opening may be too small for the unit that is open now.
+  TXRelaxed<unsigned int> m_nOpening = 0;        // counts the openings begun
+  TXRelaxed<unsigned int> m_nShapedOpening = 0;  // the one that the worker's bitmap was shaped for
+  unsigned int m_nRawOpening = 0;                // the one of m_cRawBitmap; guarded by m_cLock
+  unsigned long m_nBlockSize = 0;  // bytes of the block last shaped; guarded by m_cLock
 };
 
 }  // namespace Osv::lx
