@@ -1,0 +1,38 @@
+#include "driver/support/mutex_watch.h"
+
+#include <atomic>
+
+namespace Osv::testing_support {
+namespace {
+
+std::atomic<pthread_mutex_t*> s_pWatched{nullptr};
+std::atomic<int> s_nLocks{0};
+
+}  // namespace
+
+LockCount::LockCount(CXMutex& mutex) {
+  s_nLocks = 0;
+  s_pWatched = system_mutex(mutex);
+}
+
+LockCount::~LockCount() { s_pWatched = nullptr; }
+
+int LockCount::so_far() const { return s_nLocks; }
+
+}  // namespace Osv::testing_support
+
+extern "C" {
+
+// NOLINTBEGIN(bugprone-reserved-identifier): the linker gives these names.
+int __real_pthread_mutex_lock(pthread_mutex_t* mutex);
+int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex);
+
+int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
+  using namespace Osv::testing_support;
+  if (mutex == s_pWatched.load(std::memory_order_relaxed)) {
+    s_nLocks.fetch_add(1, std::memory_order_relaxed);
+  }
+  return __real_pthread_mutex_lock(mutex);
+}
+// NOLINTEND(bugprone-reserved-identifier)
+}
