@@ -1,0 +1,108 @@
+#include "driver/logging_callback.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+#include "driver/driver_fixture.h"
+
+namespace Osv::lx {
+namespace {
+
+using ::testing::Each;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+constexpr auto kUnknownEvent = static_cast<OsvLFCBEventstag>(2);
+
+/// The scanner library can't log and warns each time that it is asked to: that shows which events
+/// reach it.
+class LoggingCallback : public DriverFixture {
+ protected:
+  LoggingCallback() { Driver::m_pCBData = &driver; }
+  ~LoggingCallback() override {
+    CBLoggingFacility(OsvLFCBStop, nullptr);
+    Driver::m_pCBData = nullptr;
+  }
+
+  void start() {
+    ASSERT_EQ(CBLoggingFacility(OsvLFCBStart, data.data()), 0UL);
+    bench.clear_journal();
+  }
+
+  void expect_one_warning() const {
+    EXPECT_THAT(log_lines(), SizeIs(1));
+    EXPECT_THAT(log_lines(), Each("4 The installed version of KR9ScanAPI doesn't support the "
+                                  "logging facility"));
+  }
+
+  bool is_on() {
+    bench.clear_journal();
+    CBLoggingFacility(OsvLFCBLevel, data.data());
+    return !log_lines().empty();
+  }
+
+  std::array<char, 1024> data{};
+};
+
+TEST_F(LoggingCallback, NobodyIsRegistered) {
+  Driver::m_pCBData = nullptr;
+  const Driver another;
+  EXPECT_EQ(Driver::m_pCBData, nullptr);
+}
+
+TEST_F(LoggingCallback, StartSwitchesTheScannersLogOn) {
+  EXPECT_EQ(CBLoggingFacility(OsvLFCBStart, data.data()), 0UL);
+  expect_one_warning();
+  EXPECT_TRUE(is_on());
+}
+
+TEST_F(LoggingCallback, StartDoesNothingWhileTheLogIsOn) {
+  start();
+  EXPECT_EQ(CBLoggingFacility(OsvLFCBStart, data.data()), 0UL);
+  EXPECT_THAT(log_lines(), IsEmpty());
+}
+
+TEST_F(LoggingCallback, StartWithoutDataDoesNothing) {
+  EXPECT_EQ(CBLoggingFacility(OsvLFCBStart, nullptr), 0UL);
+  EXPECT_THAT(log_lines(), IsEmpty());
+  EXPECT_FALSE(is_on());
+}
+
+TEST_F(LoggingCallback, StartWithoutADriverDoesNothing) {
+  Driver::m_pCBData = nullptr;
+  EXPECT_EQ(CBLoggingFacility(OsvLFCBStart, data.data()), 0UL);
+  Driver::m_pCBData = &driver;
+  EXPECT_FALSE(is_on());
+}
+
+TEST_F(LoggingCallback, StopSwitchesTheLogOff) {
+  start();
+  EXPECT_EQ(CBLoggingFacility(OsvLFCBStop, data.data()), 0UL);
+  EXPECT_FALSE(is_on());
+}
+
+TEST_F(LoggingCallback, StopWhileTheLogIsOffTouchesNothing) {
+  EXPECT_EQ(CBLoggingFacility(OsvLFCBStop, data.data()), 0UL);
+  EXPECT_THAT(story(), IsEmpty());
+}
+
+TEST_F(LoggingCallback, ALevelReachesTheScannerWhileTheLogIsOn) {
+  start();
+  EXPECT_EQ(CBLoggingFacility(OsvLFCBLevel, data.data()), 0UL);
+  expect_one_warning();
+}
+
+TEST_F(LoggingCallback, ALevelDoesNothingWhileTheLogIsOff) {
+  EXPECT_EQ(CBLoggingFacility(OsvLFCBLevel, data.data()), 0UL);
+  EXPECT_THAT(story(), IsEmpty());
+}
+
+TEST_F(LoggingCallback, AnyOtherEventDoesNothing) {
+  start();
+  EXPECT_EQ(CBLoggingFacility(kUnknownEvent, data.data()), 0UL);
+  EXPECT_THAT(story(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace Osv::lx
