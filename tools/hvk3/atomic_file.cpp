@@ -1,0 +1,46 @@
+#include "hvk3/atomic_file.h"
+
+#include <fcntl.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+#include "hvk3/failure.h"
+
+namespace hvk3 {
+
+AtomicFile::AtomicFile(const std::string& path) : m_sPath(path), m_sTemporary(path + ".XXXXXX") {
+  const int file = ::mkostemp(m_sTemporary.data(), O_CLOEXEC);  // creates it with mode 0600
+  if (file < 0) {
+    m_sTemporary.clear();
+    fail();
+  }
+  m_pStream.reset(::fdopen(file, "wb"));
+  if (m_pStream == nullptr) {
+    ::close(file);
+    ::unlink(m_sTemporary.c_str());
+    fail();
+  }
+}
+
+AtomicFile::~AtomicFile() {
+  if (!m_sTemporary.empty()) {
+    ::unlink(m_sTemporary.c_str());
+  }
+}
+
+void AtomicFile::commit() {
+  if (std::fflush(stream()) != 0 || ::fsync(::fileno(stream())) != 0 ||
+      std::rename(m_sTemporary.c_str(), m_sPath.c_str()) != 0) {
+    fail();
+  }
+  m_sTemporary.clear();
+}
+
+void AtomicFile::fail() const {
+  throw Failure(ExitStatus::OutputFailed, m_sPath + ": " + std::generic_category().message(errno));
+}
+
+}  // namespace hvk3

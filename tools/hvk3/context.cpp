@@ -1,0 +1,18 @@
+#include "hvk3/context.h"
+
+namespace hvk3 {
+
+Context::Context(const Options& options, Console& console, Report& report)
+    : m_cOptions(options), m_cConsole(console), m_cReport(report) {
+  if (options.simulate) {
+    Scene scene = options.scene;
+    scene.log_to_stderr = options.verbose;
+    m_cSimulation.emplace(scene);
+  } else {
+    console.detail("the plug-in's own log goes where the installed logging facility puts it");
+  }
+  m_cPlugin.emplace(options.plugin);
+  console.detail("loaded " + m_cPlugin->name());
+}
+
+}  // namespace hvk3

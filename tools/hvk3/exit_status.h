@@ -1,0 +1,23 @@
+#pragma once
+
+/// @file
+/// How the program ends. docs/hvk3.md lists the numbers for users; keep both alike.
+
+namespace hvk3 {
+
+enum class ExitStatus {
+  Ok = 0,
+  Internal = 1,           ///< something that should not happen
+  Usage = 2,              ///< wrong options, or a scene that can't be simulated
+  NoScanner = 3,          ///< none attached, or none at the interface that was asked for
+  ScannerFailed = 4,      ///< an operation of the plug-in failed, or capture ended with an error
+  Timeout = 5,            ///< the wanted images did not come in time
+  OutputFailed = 6,       ///< the image or standard output can't be written
+  PluginUnavailable = 7,  ///< the plug-in or the simulator can't be loaded
+  Interrupted = 128       ///< plus the number of the signal: 130 for Ctrl-C
+};
+
+/// The status in words, as the JSON output has it.
+const char* name_of(ExitStatus status);
+
+}  // namespace hvk3

@@ -1,0 +1,60 @@
+#include "hvk3/interruption.h"
+
+#include <array>
+#include <atomic>
+#include <csignal>
+
+#include "hvk3/failure.h"
+
+namespace hvk3 {
+namespace {
+
+constexpr std::array<int, 3> kSignals = {SIGINT, SIGTERM, SIGHUP};
+
+// Lock-free, so a signal handler may use them.
+std::atomic<const Wakeup*> s_pWakeup = nullptr;
+std::atomic<int> s_nSignal = 0;
+
+extern "C" void take_signal(int number) {
+  s_nSignal = number;
+  if (const Wakeup* const wakeup = s_pWakeup) {
+    wakeup->notify();
+  }
+}
+
+bool is_ignored(int number) {
+  struct sigaction action = {};
+  return ::sigaction(number, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
+}  // namespace
+
+Interruption::Interruption(const Wakeup& wakeup) {
+  s_nSignal = 0;
+  s_pWakeup = &wakeup;
+  struct sigaction action = {};
+  action.sa_handler = &take_signal;
+  action.sa_flags = static_cast<int>(SA_RESETHAND) | SA_RESTART;
+  for (const int number : kSignals) {
+    if (!is_ignored(number)) {
+      ::sigaction(number, &action, nullptr);
+    }
+  }
+}
+
+Interruption::~Interruption() {
+  for (const int number : kSignals) {
+    if (!is_ignored(number)) {
+      std::signal(number, SIG_DFL);
+    }
+  }
+  s_pWakeup = nullptr;
+}
+
+void Interruption::check() const {
+  if (const int number = s_nSignal; number != 0) {
+    throw Failure::interrupted(number);
+  }
+}
+
+}  // namespace hvk3

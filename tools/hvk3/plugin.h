@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+
+#include "hvk3/shared_library.h"
+#include "ostrevanhvk3/exports.h"
+
+/// @file
+/// The loaded plug-in with its frame grabber.
+
+namespace hvk3 {
+
+/// Loads the plug-in and gets the frame grabber; gives it back and unloads the plug-in at the end.
+/// Capture must have been stopped by then.
+class Plugin {
+ public:
+  /// @param path of the plug-in; empty: the one beside this program's installation, or else the
+  ///   one that the loader finds
+  explicit Plugin(const std::string& path);
+  ~Plugin();
+  Plugin(const Plugin&) = delete;
+  Plugin& operator=(const Plugin&) = delete;
+
+  Osv::lx::ClFramegrabber& grabber() { return *m_pGrabber; }
+
+  /// What was given to the loader.
+  const std::string& name() const { return m_sName; }
+
+ private:
+  std::string m_sName;
+  SharedLibrary m_cLibrary;
+  Osv::lx::ClFramegrabber* m_pGrabber;
+};
+
+}  // namespace hvk3

@@ -1,0 +1,84 @@
+#include "hvk3/simulation.h"
+
+#include <array>
+#include <filesystem>
+#include <stdexcept>
+
+#include "hvk3/failure.h"
+#include "hvk3/installation.h"
+#include "ostrevanhvk3_simulator/bench.h"
+
+namespace hvk3 {
+namespace {
+
+using Osv::simulator::Bench;
+
+// The control stands first: its address is asked for.
+constexpr std::array<const char*, 5> kLibraries = {
+    "libostrevan-simulator.so", "libKR9ScanAPI.so", "libostrevancalibratesdk.so",
+    "libostrevanfakefingerdetection.so", "libostrevanlf.so"};
+
+std::filesystem::path folder_of(const Scene& scene) {
+  const std::filesystem::path folder = scene.libraries.empty()
+                                           ? installation_prefix() / "simulator"
+                                           : std::filesystem::path(scene.libraries);
+  return std::filesystem::absolute(folder);
+}
+
+void plug_in_scanners(Bench& bench, unsigned int count) {
+  bench.unplug_all();
+  for (unsigned int interface = 0; interface < count; ++interface) {
+    constexpr unsigned int kFirstSerial = 30001;
+    Osv::simulator::Device device;
+    device.serial = "HVK" + std::to_string(kFirstSerial + interface);
+    device.seed = interface + 1;
+    bench.plug_in(interface, device);
+  }
+  // A plug-in opens the first scanner of the list, so the list has to begin with the chosen one.
+  bench.list_from_base(true);
+}
+
+void set_finger(Bench& bench, const Scene& scene) {
+  if (scene.empty) {
+    bench.set_timeline(Osv::simulator::Timeline::empty_platen());
+  } else if (!scene.finger.empty()) {
+    bench.load_finger(scene.finger);
+  }
+}
+
+void set_log(Bench& bench, const Scene& scene) {
+  using Osv::simulator::eLogTarget;
+  if (!scene.log_file.empty()) {
+    bench.set_log(eLogTarget::File, scene.log_file);
+  } else if (scene.log_to_stderr) {
+    bench.set_log(eLogTarget::StandardError, "");
+  }
+}
+
+void set_scene(Bench& bench, const Scene& scene) {
+  bench.reset();
+  plug_in_scanners(bench, scene.scanners);
+  set_finger(bench, scene);
+  bench.set_pace(scene.pace);
+  set_log(bench, scene);
+  bench.set_faults(scene.faults);
+}
+
+}  // namespace
+
+Simulation::Simulation(const Scene& scene) {
+  const std::filesystem::path folder = folder_of(scene);
+  m_vLibraries.reserve(kLibraries.size());
+  for (const char* const name : kLibraries) {
+    m_vLibraries.emplace_back((folder / name).string());
+  }
+  Bench& bench = *m_vLibraries.front().function<decltype(&ostrevan_simulator_bench)>(
+      "ostrevan_simulator_bench")();
+  try {
+    set_scene(bench, scene);
+  } catch (const std::exception& error) {
+    throw Failure(ExitStatus::Usage, error.what());
+  }
+}
+
+}  // namespace hvk3

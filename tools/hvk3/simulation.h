@@ -1,0 +1,25 @@
+#pragma once
+
+#include <vector>
+
+#include "hvk3/scene.h"
+#include "hvk3/shared_library.h"
+
+/// @file
+/// Simulated scanners in place of attached ones.
+
+namespace hvk3 {
+
+/// Loads the simulator's stand-ins. Later openings of the same file names get these, so the plug-in
+/// that is loaded behind them works on simulated scanners and touches no real library.
+class Simulation {
+ public:
+  /// @throws Failure `PluginUnavailable` for stand-ins that can't be loaded, `Usage` for a scene
+  ///   that can't be set
+  explicit Simulation(const Scene& scene);
+
+ private:
+  std::vector<SharedLibrary> m_vLibraries;
+};
+
+}  // namespace hvk3

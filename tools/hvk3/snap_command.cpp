@@ -1,0 +1,43 @@
+#include <memory>
+
+#include "hvk3/commands.h"
+#include "hvk3/delivery.h"
+#include "hvk3/interruption.h"
+#include "hvk3/scanner.h"
+
+namespace hvk3 {
+namespace {
+
+Image snap(Osv::lx::ClFramegrabber& grabber) {
+  constexpr unsigned int kChannel = 1;
+  unsigned char* block = nullptr;
+  check(grabber, grabber.GetImage(kChannel, &block));
+  if (block == nullptr) {  // a library that fails without a reason lets the call succeed
+    throw Failure(ExitStatus::ScannerFailed, "the scanner gives no image");
+  }
+  const auto give_back = [&grabber](unsigned char* image) { grabber.FreeImage(image); };
+  const std::unique_ptr<unsigned char, decltype(give_back)> owner(block, give_back);
+  return Image(block);
+}
+
+void run(Context& context) {
+  const Wakeup wakeup;
+  const Interruption interruption(wakeup);
+  choose_scanner(context.grabber(), context.options().device);
+  const Image image = snap(context.grabber());
+  interruption.check();
+  deliver(context, image, 1);
+}
+
+void add_options(CLI::App& app, Options& options) {
+  add_plugin_options(app, options);
+  add_device_option(app, options);
+  add_image_options(app, options);
+}
+
+}  // namespace
+
+const Command kSnapCommand = {"snap", "Take one image at once, whatever lies on the platen",
+                              &add_options, &run};
+
+}  // namespace hvk3

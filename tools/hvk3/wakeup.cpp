@@ -1,0 +1,55 @@
+#include "hvk3/wakeup.h"
+
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <limits>
+#include <system_error>
+
+namespace hvk3 {
+namespace {
+
+/// The argument of `poll`: -1 waits for ever, a part of a millisecond counts as a whole one.
+int milliseconds_until(const Wakeup::Deadline& deadline) {
+  using std::chrono::milliseconds;
+  if (!deadline) {
+    return -1;
+  }
+  const auto left = std::chrono::ceil<milliseconds>(*deadline - std::chrono::steady_clock::now());
+  return static_cast<int>(
+      std::clamp<milliseconds::rep>(left.count(), 0, std::numeric_limits<int>::max()));
+}
+
+}  // namespace
+
+Wakeup::Wakeup() : m_nFile(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+  if (m_nFile < 0) {
+    throw std::system_error(errno, std::generic_category(), "eventfd");
+  }
+}
+
+Wakeup::~Wakeup() { ::close(m_nFile); }
+
+void Wakeup::notify() const {
+  const int before = errno;
+  constexpr std::uint64_t kOne = 1;
+  // The only failure is a counter that is full, and a full counter wakes too.
+  [[maybe_unused]] const auto written = ::write(m_nFile, &kOne, sizeof(kOne));
+  errno = before;
+}
+
+bool Wakeup::wait(const Deadline& deadline) const {
+  pollfd file = {m_nFile, POLLIN, 0};
+  const int ready = ::poll(&file, 1, milliseconds_until(deadline));
+  if (ready > 0) {
+    std::uint64_t count = 0;
+    [[maybe_unused]] const auto got = ::read(m_nFile, &count, sizeof(count));
+  }
+  return ready != 0;  // a signal that interrupts the wait counts as a wake-up
+}
+
+}  // namespace hvk3

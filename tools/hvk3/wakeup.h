@@ -1,0 +1,32 @@
+#pragma once
+
+#include <chrono>
+#include <optional>
+
+/// @file
+/// What the main thread waits on while capture runs.
+
+namespace hvk3 {
+
+/// Any thread and any signal handler may wake the one thread that waits.
+class Wakeup {
+ public:
+  using Deadline = std::optional<std::chrono::steady_clock::time_point>;
+
+  /// @throws std::system_error
+  Wakeup();
+  ~Wakeup();
+  Wakeup(const Wakeup&) = delete;
+  Wakeup& operator=(const Wakeup&) = delete;
+
+  /// Ends the present or the next wait. Safe in a signal handler.
+  void notify() const;
+
+  /// Waits for a `notify` since the last wait. @return false when the deadline has passed
+  [[nodiscard]] bool wait(const Deadline& deadline) const;
+
+ private:
+  int m_nFile;
+};
+
+}  // namespace hvk3
