@@ -1,10 +1,10 @@
 #include "hvk3/atomic_file.h"
 
 #include <fcntl.h>
-#include <stdlib.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <system_error>
 
 #include "hvk3/failure.h"

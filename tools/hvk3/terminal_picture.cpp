@@ -40,10 +40,11 @@ class Thumbnail {
     const std::size_t bottom = (y + 1) * image.height() / m_nHeight;
     std::size_t sum = 0;
     for (std::size_t row = top; row < bottom; ++row) {
-      const unsigned char* const pixels = image.row_from_top(row);
-      sum = std::accumulate(pixels + left, pixels + right, sum);
+      const unsigned char* const begin = image.row_from_top(row);
+      sum = std::accumulate(begin + left, begin + right, sum);
     }
-    return static_cast<unsigned char>(sum / ((right - left) * (bottom - top)));
+    const std::size_t pixels = std::max<std::size_t>(1, (right - left) * (bottom - top));
+    return static_cast<unsigned char>(sum / pixels);
   }
 
   std::size_t m_nWidth;
