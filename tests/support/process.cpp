@@ -1,0 +1,122 @@
+#include "support/process.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <stdexcept>
+#include <utility>
+
+namespace hvk3::test {
+namespace {
+
+struct Pipe {
+  int read_end = -1;
+  int write_end = -1;
+};
+
+Pipe make_pipe() {
+  std::array<int, 2> ends = {};
+  if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
+    throw std::runtime_error("no pipe");
+  }
+  return {ends[0], ends[1]};
+}
+
+void close_end(int& file) {
+  if (file >= 0) {
+    ::close(std::exchange(file, -1));
+  }
+}
+
+pid_t spawn(const std::vector<std::string>& command, const Pipe& out, const Pipe& error) {
+  posix_spawn_file_actions_t actions = {};
+  ::posix_spawn_file_actions_init(&actions);
+  ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+  ::posix_spawn_file_actions_adddup2(&actions, out.write_end, STDOUT_FILENO);
+  ::posix_spawn_file_actions_adddup2(&actions, error.write_end, STDERR_FILENO);
+  std::vector<char*> arguments;
+  for (const std::string& argument : command) {
+    arguments.push_back(const_cast<char*>(argument.c_str()));
+  }
+  arguments.push_back(nullptr);
+  pid_t process = -1;
+  const int failed =
+      ::posix_spawn(&process, arguments.front(), &actions, nullptr, arguments.data(), environ);
+  ::posix_spawn_file_actions_destroy(&actions);
+  if (failed != 0) {
+    throw std::runtime_error("can't run " + command.front());
+  }
+  return process;
+}
+
+int status_of(int wait_status) {
+  constexpr int kSignalled = 128;
+  return WIFSIGNALED(wait_status) ? kSignalled + WTERMSIG(wait_status) : WEXITSTATUS(wait_status);
+}
+
+}  // namespace
+
+Process::Process(const std::vector<std::string>& command) {
+  Pipe out = make_pipe();
+  Pipe error = make_pipe();
+  m_nProcess = spawn(command, out, error);
+  close_end(out.write_end);
+  close_end(error.write_end);
+  m_nOut = out.read_end;
+  m_nError = error.read_end;
+}
+
+Process::~Process() {
+  if (m_nProcess > 0) {
+    send(SIGKILL);
+    wait();
+  }
+}
+
+bool Process::read_some() {
+  std::array<pollfd, 2> files = {pollfd{m_nOut, POLLIN, 0}, pollfd{m_nError, POLLIN, 0}};
+  if ((m_nOut < 0 && m_nError < 0) || ::poll(files.data(), files.size(), -1) <= 0) {
+    return false;
+  }
+  const auto take = [](const pollfd& ready, int& file, std::string& text) {
+    std::array<char, 4096> buffer = {};
+    const ssize_t got = ready.revents == 0 ? -1 : ::read(file, buffer.data(), buffer.size());
+    if (got > 0) {
+      text.append(buffer.data(), static_cast<std::size_t>(got));
+    } else if (ready.revents != 0) {
+      close_end(file);
+    }
+  };
+  take(files[0], m_nOut, m_cOutcome.out);
+  take(files[1], m_nError, m_cOutcome.error);
+  return true;
+}
+
+bool Process::wait_for_error_text(const std::string& text) {
+  while (m_cOutcome.error.find(text) == std::string::npos) {
+    if (!read_some()) {
+      return false;
+    }
+  }
+  return true;
+}
+
+void Process::send(int signal) const { ::kill(m_nProcess, signal); }
+
+Outcome Process::wait() {
+  while (read_some()) {
+  }
+  int wait_status = 0;
+  ::waitpid(std::exchange(m_nProcess, -1), &wait_status, 0);
+  m_cOutcome.status = status_of(wait_status);
+  return m_cOutcome;
+}
+
+Outcome run(const std::vector<std::string>& command) { return Process(command).wait(); }
+
+}  // namespace hvk3::test

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstring>
+#include <vector>
+
+#include "hvk3/image.h"
+
+namespace hvk3::test {
+
+/// An image as the plug-in delivers it: `level(x, y)` is the pixel in column x and row y from the
+/// top.
+template <class Level>
+Image make_image(int width, int height, Level level) {
+  constexpr int kPixelsPerMetre = 19685;
+  constexpr std::size_t kPalette = 256 * 4;
+  const auto stride = static_cast<std::size_t>((width + 3) / 4 * 4);
+  tagBITMAPINFOHEADER header = {};
+  header.biSize = sizeof(header);
+  header.biWidth = width;
+  header.biHeight = height;
+  header.biPlanes = 1;
+  header.biBitCount = 8;
+  header.biXPelsPerMeter = header.biYPelsPerMeter = kPixelsPerMetre;
+  std::vector<unsigned char> block(sizeof(header) + kPalette +
+                                   stride * static_cast<std::size_t>(height));
+  std::memcpy(block.data(), &header, sizeof(header));
+  unsigned char* row = block.data() + block.size() - stride;
+  for (int y = 0; y < height; ++y, row -= stride) {
+    for (int x = 0; x < width; ++x) {
+      row[x] = static_cast<unsigned char>(level(x, y));
+    }
+  }
+  return Image(block.data());
+}
+
+/// An image of one gray level.
+inline Image make_gray_image(int width, int height, int level) {
+  return make_image(width, height, [level](int, int) { return level; });
+}
+
+}  // namespace hvk3::test

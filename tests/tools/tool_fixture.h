@@ -1,0 +1,48 @@
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "support/process.h"
+#include "support/temporary_folder.h"
+
+/// @file
+/// The ground for tests that run the built tool. All of them simulate, so that no library of the
+/// machine is ever loaded.
+
+namespace hvk3::test {
+
+using Words = std::vector<std::string>;
+using Json = nlohmann::json;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+class Tool : public testing::Test {
+ protected:
+  static Words command(const std::string& name, const Words& more) {
+    Words words = {HVK3_TOOL, name, "--simulate", "--pace", "unlimited"};
+    words.insert(words.end(), more.begin(), more.end());
+    return words;
+  }
+
+  /// The tool with simulated scanners and no waiting between frames.
+  static Outcome simulate(const std::string& name, const Words& more = {}) {
+    return run(command(name, more));
+  }
+
+  /// The JSON object that the tool prints.
+  static Json simulate_json(const std::string& name, Words more = {}) {
+    more.emplace_back("--json");
+    return Json::parse(simulate(name, more).out);
+  }
+
+  TemporaryFolder m_cFolder;
+};
+
+}  // namespace hvk3::test
