@@ -75,10 +75,17 @@ TEST_F(Capture, EndsWith5WhenNoFingerComes) {
 
 TEST_F(Capture, EndsWith4AndTheNumberWhenTheScannerFailsMeanwhile) {
   const Json object = simulate_json(
-      "capture", {"--faults", "ftrScanGetImageByVariableDose from call 5 on fails with 31"});
+      "capture", {"--faults", "ftrScanGetImageByVariableDose from call 5 on fails with 87"});
   EXPECT_EQ(object["exit"], 4);
-  EXPECT_EQ(object["error"]["number"], 31);
-  EXPECT_THAT(object["error"]["text"].get<std::string>(), Not(HasSubstr("error:")));
+  EXPECT_EQ(object["error"]["number"], 87);
+  EXPECT_EQ(object["error"]["text"], "KR9 scanner. Scanner error: 87");
+}
+
+TEST_F(Capture, EndsWith3WhenTheScannerIsUnpluggedMeanwhile) {
+  const Json object = simulate_json(
+      "capture", {"--faults", "ftrScanGetImageByVariableDose from call 5 on fails with 31"});
+  EXPECT_EQ(object["exit"], 3);
+  EXPECT_EQ(object["error"]["number"], 2);
 }
 
 TEST_F(Capture, EndsWith6WhenTheFileCannotBeWritten) {

@@ -36,11 +36,11 @@ TEST_F(Info, EndsWith3ForAnInterfaceWithoutAScanner) {
 }
 
 TEST_F(Info, TellsNumberAndTextOfAFailure) {
-  const Json object = simulate_json("info", {"--faults", "CalibrateCreate fails with -7"});
+  const Json object = simulate_json("info", {"--faults", "ftrScanSetOptions fails with 5"});
   EXPECT_EQ(object["status"], "scanner-failed");
   EXPECT_EQ(object["exit"], 4);
-  EXPECT_EQ(object["error"]["number"], -7);
-  EXPECT_THAT(object["error"]["text"].get<std::string>(), Not(IsEmpty()));
+  EXPECT_EQ(object["error"]["number"], 5);
+  EXPECT_EQ(object["error"]["text"], "KR9 scanner. Set camara resolution failed.");
 }
 
 }  // namespace
