@@ -1,15 +1,22 @@
-# Unit tests: hvk3_unit_tests(NAME SOURCE...) links the plug-in's object library.
+# Unit tests: hvk3_unit_tests(NAME [THREADS] SOURCE...) links the plug-in's object library. THREADS
+# marks tests in which threads meet: they run under the thread sanitizer too.
 find_package(GTest REQUIRED)
 include(GoogleTest)
 
 function(hvk3_unit_tests name)
-  add_executable(${name} ${ARGN})
+  cmake_parse_arguments(PARSE_ARGV 1 arg "THREADS" "" "")
+  if(arg_THREADS)
+    set(label threads)
+  else()
+    set(label plain)
+  endif()
+  add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
   target_link_libraries(${name} PRIVATE hvk3_objects GTest::gmock GTest::gtest_main)
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120)
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120 LABELS ${label})
 endfunction()
 
-# Unit tests that use the simulator: hvk3_simulator_tests(NAME SOURCE...) links the bench too, and
+# Unit tests that use the simulator: hvk3_simulator_tests(NAME [THREADS] SOURCE...) links the bench too, and
 # gives the executable a dlopen of its own, see tests/support/closed_libraries.h.
 function(hvk3_simulator_tests name)
   hvk3_unit_tests(${name} ${ARGN} "${PROJECT_SOURCE_DIR}/tests/support/closed_libraries.cpp")
