@@ -313,6 +313,10 @@ TEST_F(FakeFingerFrame, Code15BelowZeroIsSwallowedBehindTheGuard) {
 struct GuardCase {
   const char* faults;
   int number;
+
+  friend std::ostream& operator<<(std::ostream& out, const GuardCase& path) {
+    return out << path.faults;
+  }
 };
 
 struct GuardedPaths : FakeFingerFrame, ::testing::WithParamInterface<GuardCase> {};

@@ -13,6 +13,10 @@ using Bytes = std::vector<unsigned char>;
 struct Size {
   unsigned long width;
   unsigned long height;
+
+  friend std::ostream& operator<<(std::ostream& out, const Size& size) {
+    return out << size.width << " x " << size.height;
+  }
 };
 
 /// The rows of a bitmap, padding included.

@@ -96,6 +96,10 @@ struct StoredCase {
   unsigned long number;
   unsigned long stored;
   const char* text;
+
+  friend std::ostream& operator<<(std::ostream& out, const StoredCase& row) {
+    return out << row.number;
+  }
 };
 
 struct StoredErrors : DriverFixture, ::testing::WithParamInterface<StoredCase> {};
