@@ -13,9 +13,10 @@
 /// must not be freed or changed. Copy what is to be kept. An image begins with a
 /// `tagBITMAPINFOHEADER` (see image_block.h).
 ///
-/// A callback must not throw, must not wait for a thread that is inside `StopCapture`, and must not
-/// call `StopCapture` (number 65) or `DestroyFrameGrabber` (ignored). While an image callback runs,
-/// no further frame is fetched: a slow callback slows capture.
+/// A callback must not throw, must not wait for a thread that is inside `StopCapture`,
+/// `StartCapture` or `SetActiveDevice`, and must not call `StopCapture` (number 65, or nothing once
+/// the client has stopped) or `DestroyFrameGrabber` (ignored). While an image callback runs, no
+/// further frame is fetched: a slow callback slows capture.
 
 #include "ostrevanhvk3/enumerations.h"
 

@@ -100,9 +100,10 @@ class ClFramegrabber {
 
   /// Starts capture on a worker thread of the channel.
   ///
-  /// Opens the scanner, starts the worker and returns without waiting for it. Everything that fails
-  /// from then on goes to the error callback. If no thread can be created the result is 0 and no
-  /// callback comes; `StopCapture` and another `StartCapture` work then.
+  /// Opens the scanner, starts the worker and returns without waiting for it; it waits for a
+  /// `StopCapture` that is under way. Everything that fails from then on goes to the error
+  /// callback. If no thread can be created the result is 0 and no callback comes; `StopCapture` and
+  /// another `StartCapture` work then.
   /// @param handle comes back as the first argument of every callback
   /// @param channel 1
   /// @param mode one of `AvailableDetections`
@@ -110,7 +111,8 @@ class ClFramegrabber {
   /// @param user comes back as the last argument of every callback; the client keeps what it points
   ///   at alive until `StopCapture` has returned
   /// @return 0; 0x1000000A for a mode that is not offered; 0x1000004D with an empty text while the
-  ///   channel captures, or has ended with an error and was not stopped; 0x10000002 with the text
+  ///   channel captures, or has ended with an error and was not stopped, and inside any callback;
+  ///   0x10000002 with the text
   ///   "Failed start capturing."; 0x10000004
   virtual unsigned long StartCapture(int handle, unsigned int channel, eCaptureModeIDs mode,
                                      ClLiveImageCallback liveImage, ClDetectedFingerCallback finger,
@@ -123,7 +125,10 @@ class ClFramegrabber {
   /// the callbacks that are running. Does nothing on a channel that does not capture. Not from
   /// inside a callback, and not while a callback waits for the calling thread.
   /// @param channel 1
-  /// @return 0; 0x10000041 from inside a callback, capture then goes on; 0x10000004
+  /// @return 0; 0x10000041 from inside a callback, capture then goes on (in the stop callback after
+  /// an
+  ///   error it has ended already); 0 inside a callback that still runs after the client's stop;
+  ///   0x10000004
   virtual unsigned long StopCapture(unsigned int channel) = 0;
 
   /// Selects a filter of the channel. An unknown filter is reported and set all the same.

@@ -83,10 +83,7 @@ bool ClFrameGrabberChannel::StopCapture() {
     return true;
   }
   m_bRunning = false;
-  const bool ended = Stop() == 0;
-  // The system gives the number of a joined thread to new ones, a client's among them.
-  m_nThreadId = 0;
-  return ended;
+  return Stop() == 0;
 }
 
 void ClFrameGrabberChannel::RefreshBackGround(ClFramegrabber& grabber) {

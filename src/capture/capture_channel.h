@@ -38,7 +38,7 @@ class ClFrameGrabberChannelSDKData {
 /// | state     | `m_bRunning` | worker              | left by |
 /// |-----------|--------------|---------------------|---------|
 /// | idle      | false        | none                | `StartCapture` |
-/// | capturing | true         | in the loop         | `StopCapture`, or a failure |
+/// | capturing | true         | in the loop         | `StopCapture`, a failure, or `m_bFreeze` |
 /// | frozen    | true         | polls `m_bFreeze`   | `StopCapture`, or the flag |
 /// | ended     | true         | has returned        | `StopCapture` alone |
 ///
@@ -81,7 +81,9 @@ class ClFrameGrabberChannel : public CWin32Thread {
   /// Ends capture and blocks until the worker has ended, after which no callback comes. Does
   /// nothing on an idle channel.
   /// @return true
-  /// @throws ClLXException 65 on the worker's own thread, that is from inside a callback
+  /// @throws ClLXException 65 on the worker's own thread, that is from inside a callback, unless
+  /// the
+  ///   client has stopped already
   virtual bool StopCapture();
 
   /// Tells the client of a failure as "<text> error: <number>"; null means a text of its own.
@@ -185,7 +187,7 @@ class ClFrameGrabberChannel : public CWin32Thread {
   void* m_pUserData = nullptr;                     ///< start; last argument of each callback
   std::unique_ptr<ClFrameGrabberChannelSDKData> m_pSDKData;  ///< the driver's
   ClWarningCallback m_pfnWarning = nullptr;                  ///< start
-  TXRelaxed<pthread_t> m_nThreadId = 0;                      ///< the worker, 0 once it was joined
+  TXRelaxed<pthread_t> m_nThreadId = 0;                      ///< the worker, 0 when it has ended
   boost::shared_ptr<utilities::ClSimpleBitmap> m_pCaptureBitmap;  ///< worker; outlives its capture
   ClImageResolution m_Resolution;  ///< the client's wish; nothing reads it
   CXCallbacks m_Callbacks;

@@ -14,7 +14,7 @@ constexpr char kNamelessFailure[] = "Scanner capturing failed";
 /// Keeps blank images from the client: true when the middle row shows anything but black between
 /// its margins. An image without a pixel between them is blank.
 bool middle_row_shows(const utilities::ClSimpleBitmap& image) {
-  const unsigned long width = image.Width();
+  const unsigned long width = std::min(image.Width(), image.BPRow());
   if (width <= 2 * kRowMargin || image.Height() == 0) {
     return false;
   }

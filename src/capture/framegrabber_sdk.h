@@ -9,8 +9,9 @@ namespace Osv::lx {
 
 class ClFrameGrabberChannel;
 
-/// What a driver offers to the channels. The worker thread of a channel makes all of these calls;
-/// any of them may throw, which ends that capture with one error callback.
+/// What a driver offers to the channels. The worker thread of a channel makes these calls. Up to
+/// the last pass any of them may throw, which ends the capture with one error callback, or only the
+/// pass if it is a warning. The calls that end a capture must not: nobody is left to tell.
 class ClFramegrabberSDK {
  public:
   ClFramegrabberSDK() = default;

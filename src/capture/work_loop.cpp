@@ -14,16 +14,27 @@ constexpr int kNumberOfFamily = 1;  // the facade's number for the same exceptio
 
 thread_local bool t_bWorker = false;
 
-/// Marks the calling thread as a worker.
+/// Marks the calling thread as the worker of a channel. The mark goes before the thread does: the
+/// system gives the number of an ended thread to new ones, a client's among them.
 class WorkerMark {
  public:
-  WorkerMark() { t_bWorker = true; }
+  explicit WorkerMark(ClFrameGrabberChannel& channel) : m_Channel(channel) {
+    t_bWorker = true;
+    m_Channel.SetCurrentThread();
+  }
   WorkerMark(const WorkerMark&) = delete;
   WorkerMark& operator=(const WorkerMark&) = delete;
-  ~WorkerMark() { t_bWorker = false; }
+  ~WorkerMark() {
+    m_Channel.m_nThreadId = 0;
+    t_bWorker = false;
+  }
+
+ private:
+  ClFrameGrabberChannel& m_Channel;
 };
 
-/// The scanner's section of one pass. Its end may throw, as anything of the scanner.
+/// The scanner's section of one pass. Its end may throw, as anything of the scanner, unless another
+/// failure is on its way.
 class Section {
  public:
   explicit Section(ClFramegrabberSDK& sdk) : m_SDK(sdk) { m_SDK.Lock(); }
@@ -40,8 +51,7 @@ class Section {
 bool ClFrameGrabberChannel::IsWorkerThread() { return t_bWorker; }
 
 int ClFrameGrabberChannel::Work() {
-  const WorkerMark mark;
-  SetCurrentThread();
+  const WorkerMark mark(*this);
   if (!m_bRunning) {
     return 0;  // a stop that overtook the thread's start
   }

@@ -35,6 +35,7 @@ void apply(pthread_attr_t& attributes, const CXWorkerThread& thread, unsigned lo
 bool CXWorkerThread::Start() {
   const unsigned long stack_size = GetStackSize();
   const int priority = GetSchedPriority();
+  m_hThread = 0;
   pthread_attr_t attributes;
   if (pthread_attr_init(&attributes) != 0) {
     return false;

@@ -26,7 +26,8 @@ class CXWorkerThread {
   /// @return what `Work` returned; 0 when nothing was started
   virtual int Stop();
 
-  /// Sends the thread signal 15, which by default ends the process.
+  /// Sends the thread signal 15, which by default ends the process. Only between `Start` and
+  /// `Stop`.
   /// @return true
   virtual bool Kill();
 

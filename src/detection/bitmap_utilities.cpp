@@ -5,6 +5,9 @@
 namespace Osv::lx {
 namespace {
 
+/// What the mean of no pixels is: brighter than any image, so that nothing takes it for a finger.
+constexpr unsigned long kMeanOfNothing = 1UL << 63;
+
 std::uint64_t byte_sum(const unsigned char* bytes, unsigned long count) {
   std::uint64_t sum = 0;
   for (unsigned long i = 0; i < count; ++i) {
@@ -35,7 +38,7 @@ unsigned long ClBitmapUtilities::Gray_Avarage(const utilities::ClSimpleBitmap& b
                                               unsigned long from, unsigned long to) {
   const unsigned long height = bitmap.Height();
   if (height == 0 || from >= to) {
-    return 0;
+    return kMeanOfNothing;
   }
   const auto pixels = static_cast<double>(height) * static_cast<double>(to - from);
   return static_cast<unsigned long>(static_cast<double>(column_sum(bitmap, from, to - from)) /

@@ -10,8 +10,8 @@ class ClBitmapUtilities {
   /// The sum of all pixels, without the rows' padding.
   static unsigned long Gray_Sum(const utilities::ClSimpleBitmap& bitmap);
 
-  /// The mean gray level of the columns `from` up to but excluding `to`, cut towards zero; 0 when
-  /// there are no such pixels. The columns are not checked against the width.
+  /// The mean gray level of the columns `from` up to but excluding `to`, cut towards zero. The mean
+  /// of no pixels is brighter than that of any image.
   static unsigned long Gray_Avarage(const utilities::ClSimpleBitmap& bitmap, unsigned long from,
                                     unsigned long to);
 

@@ -8,7 +8,8 @@ namespace Osv::lx {
 /// finger is lifted. One finger gives one image.
 ///
 /// The first frame that is not wholly black is taken for the empty platen, for the life of the
-/// strategy.
+/// strategy. A black first frame has then fixed the lowest sum already, at 0: no frame is darker
+/// until the strategy is built anew. That is to stay so.
 class ClFastPlainFingerDetection : public ClImageDetection {
  public:
   ClFastPlainFingerDetection() = default;

@@ -50,7 +50,7 @@ Curve read_curve(const CLiveDetection& session, const char* rate) {
 }
 
 /// The last score before `far` falls below `frr`; 0 when it never does. The last entries play no
-/// part. Curves that start crossed give 4294967295, which no score reaches: that is required.
+/// part. Curves that start crossed give 4294967295, which no score reaches, and are to.
 double find_crossing(const Curve& far, const Curve& frr) {
   for (std::uint32_t score = 0; score < kScores - 1; ++score) {
     const bool above = far[score] - frr[score] >= 0.0;  // false for not-a-number, too

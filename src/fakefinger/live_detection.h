@@ -44,7 +44,7 @@ class CLiveDetection {
   [[nodiscard]] std::string GetProperty(const char* name) const;
   [[nodiscard]] std::string Version() const;
 
-  /// Changes the detector's curves, but a threshold that is known stays: that is required.
+  /// Changes the detector's curves, but a threshold that is known stays, and is to stay.
   void SetSecurityLevel(unsigned int level);
 
   /// 0 when the detector gives no number.

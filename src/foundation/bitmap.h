@@ -64,7 +64,8 @@ class ClSimpleBitmap {
   static unsigned long BPRow(unsigned long width, unsigned long bits);
 
   /// Writes header, ramp and colour masks into a block; null does nothing. The masks take 24 bytes
-  /// from the palette's start, twice what readers of 32-bit words expect, and are to stay so.
+  /// from the palette's start, twice what readers of 32-bit words expect, and are to stay so: with
+  /// masks the block has to have at least 64 bytes.
   static void FillBI(tagBITMAPINFOHEADER* bi, unsigned long width, unsigned long height,
                      unsigned long bits, unsigned long compression);
 
@@ -78,8 +79,8 @@ class ClSimpleBitmap {
   void SetWhite();
 
   /// The colour of a pixel; x and y are not checked. At 16 and 32 bits the masks are applied to 1
-  /// for any pixel that is not black and to 0 for a black one, not to the pixel's number: that is
-  /// required.
+  /// for any pixel that is not black and to 0 for a black one, not to the pixel's number, and is to
+  /// stay so. An index beyond a shortened palette gives 4294967295.
   unsigned int GetPixel(unsigned long x, unsigned long y) const;
 
   /// Sets a pixel; x and y are not checked. Up to 8 bits a colour that is not in the palette

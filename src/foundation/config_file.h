@@ -9,8 +9,7 @@
 
 /// @file
 /// The configuration file: sections `[name]` of parameter lines `name = value`, with comments from
-/// a
-/// "#" to the end of the line.
+/// a "#" to the end of the line. A "#" behind the first "[" of a section line belongs to the line.
 
 namespace Osv {
 

@@ -71,8 +71,7 @@ std::istream& CXConfigSection::Load(std::istream& in) {
   while (std::getline(in, line)) {
     const UntrimmedLine parts(line);
     if (parts.is_parameter()) {
-      // With the "=" in front there is no character to drop, and the length wraps to the whole
-      // line.
+      // With the "=" in front there is no character to drop: the whole line becomes the name.
       m_mapLines.try_emplace(line.substr(0, parts.equals - 1), parts.value(line));
     }
   }

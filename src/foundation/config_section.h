@@ -32,9 +32,8 @@ class CXConfigSection {
   /// @return false for a line without "=" or with a "#" in front of it
   bool ParseString(const std::string& line);
 
-  /// Takes lines to the stream's end as `ParseString` does, for files with one blank in front of
-  /// the
-  /// "=": the character there is dropped. A name keeps its first value.
+  /// Takes lines to the stream's end as `ParseString` does, for files with one blank in
+  /// front of the "=": the character there is dropped. A name keeps its first value.
   std::istream& Load(std::istream& in);
 
   /// Writes the lines whose value is not empty.

@@ -7,14 +7,14 @@
 
 namespace Osv {
 
-/// A name of a closed library and where its address goes. The addresses are written through the
-/// slot's own type by `CXDynamicLibrary::Resolve`.
+/// A name of a closed library and where its address goes. `CXDynamicLibrary::Resolve`
+/// copies the address into the slot byte by byte.
 struct SymbolSlot {
   const char* name;
   void* slot;  ///< address of a function pointer
 };
 
-/// Owns a loader handle. Each derived class opens its library in its own `Initialize`.
+/// Owns a loader handle. Each binding opens its own library.
 class CXDynamicLibrary {
  public:
   CXDynamicLibrary() = default;

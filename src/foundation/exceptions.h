@@ -74,7 +74,7 @@ class ClCHeaderDesrcTooLongException : public CXOtherException {
   using CXOtherException::CXOtherException;
 };
 
-/// A symbol or library of a start-up that may fail. Nothing throws it today; a handler names it.
+/// A symbol or library of a start-up that may fail. For a handler to name; nothing throws it today.
 class CXDynamicLibraryException : public CXSystemException {};
 
 /// A configuration file that can't be used; tells the innermost thing it was about.

@@ -1,5 +1,6 @@
 #include "foundation/image_functions.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -84,8 +85,9 @@ tagBITMAPINFOHEADER* clip_bitmap(const tagBITMAPINFOHEADER* /*bi*/, unsigned lon
 void fill_image_data(unsigned char* dst, const unsigned char* src, unsigned long width,
                      unsigned long height, unsigned long bits) {
   const unsigned long stride = image_bpr(width, bits);
+  const unsigned long bytes = std::min(width, stride);  // below 8 bits a row is shorter
   for (unsigned long row = 0; row < height; ++row) {
-    std::memcpy(dst + row * stride, src + (height - 1 - row) * width, width);
+    std::memcpy(dst + row * stride, src + (height - 1 - row) * width, bytes);
   }
 }
 

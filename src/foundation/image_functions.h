@@ -53,7 +53,8 @@ tagBITMAPINFOHEADER* clip_bitmap(const tagBITMAPINFOHEADER* bi, unsigned long x,
 void fill_image_data(unsigned char* dst, const unsigned char* src, unsigned long width,
                      unsigned long height, unsigned long bits);
 
-/// A copy of a block, from `malloc` or from array `new`; the caller owns it.
+/// A copy of a block of at least `bmp_size` bytes, from `malloc` or from array `new`; the caller
+/// owns it.
 /// @throws CXMemoryAllocException
 unsigned char* create_bmp_copy(const tagBITMAPINFOHEADER* bi, bool use_malloc);
 

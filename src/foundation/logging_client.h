@@ -24,7 +24,7 @@ class ClLoggingFacilityClient : public CXDynamicLibrary {
   /// Lets the facility go. The entry points keep their values.
   static void Destroy();
 
-  /// Does nothing; `log` below is how lines are written.
+  /// Does nothing; `OSV_LOG` below is how lines are written.
   static void Log(OsvLFLogLevelstag level, const char* format, ...);
 
   static LogFunction m_fpLog;

@@ -18,7 +18,7 @@ class ClMultiString {
   /// until `ResetNext` or `Add`.
   ClMultiString(const ClMultiString& other);
 
-  /// Does nothing: the list stays as it was, and callers rely on that.
+  /// Does nothing: the list stays as it was, and is to stay so.
   ClMultiString& operator=(const ClMultiString& other);
 
   /// Appends a string and restarts the iteration; a null or empty text adds nothing.

@@ -15,7 +15,8 @@ enum class eWait {
 
 using WaitFunction = void (*)(eWait kind, int milliseconds);
 
-/// Makes the wait. An interrupted one isn't resumed, and one of 0 ms still makes the call.
+/// Makes the wait. One of 0 ms still makes the call, and a `nanosleep` that a signal interrupts
+/// isn't resumed.
 void Wait(eWait kind, int milliseconds);
 
 /// Puts `function` in the place of the real waits, which null brings back; returns the one before.

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "driver/calibration/calibration_header.h"
+#include "foundation/bitmap.h"
 #include "foundation/exceptions.h"
 #include "foundation/file.h"
 #include "foundation/image_functions.h"
@@ -36,11 +37,12 @@ constexpr int kLargestMemory = 64 << 20;
   throw ClLXException("The Calibrate methode return the output bitmap size 0", kNoSize);
 }
 
-/// True when the block that the engine wrote lies within the `size` bytes that it had. The first
-/// conditions keep the size of the block from overflowing.
+/// True when the block that the engine wrote lies within the `size` bytes that it had, by both ways
+/// of counting its palette. The first conditions keep its size from overflowing.
 bool fits(const tagBITMAPINFOHEADER* block, unsigned long size) {
   return size >= sizeof(tagBITMAPINFOHEADER) && block->biWidth >= 0 && block->biHeight >= 0 &&
-         block->biBitCount <= kDeepest && block->biClrUsed <= size && img::bmp_size(block) <= size;
+         block->biBitCount <= kDeepest && block->biClrUsed <= size &&
+         img::bmp_size(block) <= size && utilities::ClSimpleBitmap::FullSize(block) <= size;
 }
 
 unsigned long memory_size(ClFutronicBaseSDK& scanner) {
