@@ -7,10 +7,8 @@
 namespace Osv::lx {
 namespace {
 
-using ::testing::Contains;
 using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;
-using ::testing::Not;
 
 using Names = std::vector<std::string>;
 

@@ -11,7 +11,6 @@
 namespace Osv::lx {
 namespace {
 
-using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
@@ -141,7 +140,7 @@ TEST_F(PlainFrame, TheDetectorIsNotTouched) {
 
 /// The second frame of a fresh scanner at interface 0, fetched past the driver.
 Bytes second_frame() {
-  constexpr std::size_t kFrameSize = 640 * 480;
+  constexpr std::size_t kFrameSize = 640UL * 480;
   constexpr int kDose = 60;
   ClKR9APILib api;
   Bytes frame(kFrameSize);

@@ -8,9 +8,6 @@
 namespace Osv::lx {
 namespace {
 
-using ::testing::AllOf;
-using ::testing::Contains;
-using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;

@@ -7,7 +7,6 @@
 namespace Osv::lx {
 namespace {
 
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 const Failure kIndexRefused = {
