@@ -1,6 +1,7 @@
 #include "boundary/version.h"
 
 #include <cstring>
+#include <locale>
 #include <sstream>
 
 #include "ostrevanhvk3/errors.h"
@@ -10,6 +11,7 @@ namespace Osv::lx {
 ClVersion::ClVersion(int major, int minor, int build, int revision)
     : m_nMajor(major), m_nMinor(minor), m_nBuild(build), m_nRevision(revision) {
   std::ostringstream text;
+  text.imbue(std::locale::classic());  // a client's locale may group digits
   text << m_nMajor << '.' << m_nMinor << '.' << m_nBuild << '.' << m_nRevision;
   m_sVersion = text.str();
 }

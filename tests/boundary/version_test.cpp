@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <locale>
+#include <string>
 
 namespace Osv::lx {
 namespace {
@@ -52,6 +54,21 @@ TEST(Version, NegativeNumbersKeepTheirSign) {
   unsigned long size = buffer.size();
   EXPECT_EQ(ClVersion(-1, 2, 3, 4).Version(buffer.data(), size), 0U);
   EXPECT_STREQ(buffer.data(), "-1.2.3.4");
+}
+
+/// Digits in groups of three, as many people write them.
+struct Grouping : std::numpunct<char> {
+  std::string do_grouping() const override { return "\3"; }
+};
+
+TEST(Version, TheClientsLocaleDoesNotChangeTheText) {
+  const std::locale before = std::locale::global(std::locale(std::locale::classic(), new Grouping));
+  const ClVersion version(2, 0, 1425, 2);
+  std::locale::global(before);
+  std::array<char, 16> buffer{};
+  unsigned long size = buffer.size();
+  EXPECT_EQ(version.Version(buffer.data(), size), 0U);
+  EXPECT_STREQ(buffer.data(), "2.0.1425.2");
 }
 
 }  // namespace
