@@ -4,8 +4,9 @@
 /// @file
 /// The client's callbacks.
 ///
-/// All of them run on the worker thread of the channel, never on a thread of the client. `handle`
-/// is the number that the client gave to `StartCapture` (to `EnableEvents` for the event callback),
+/// They run on the worker thread of the channel, never on a thread of the client; only the event
+/// callback of a frame that `GetImage` takes runs on the thread inside `GetImage`. `handle` is the
+/// number that the client gave to `StartCapture` (to `EnableEvents` for the event callback),
 /// `channel` the channel number, `user` the pointer given beside the callback. A null callback is
 /// skipped.
 ///
@@ -14,9 +15,9 @@
 /// `tagBITMAPINFOHEADER` (see image_block.h).
 ///
 /// A callback must not throw, must not wait for a thread that is inside `StopCapture`,
-/// `StartCapture` or `SetActiveDevice`, and must not call `StopCapture` (number 65, or nothing once
-/// the client has stopped) or `DestroyFrameGrabber` (ignored). While an image callback runs, no
-/// further frame is fetched: a slow callback slows capture.
+/// `StartCapture` or `SetActiveDevice`, and must not call `StopCapture` (number 65 on the worker
+/// thread, or nothing once the client has stopped) or `DestroyFrameGrabber` (ignored on the worker
+/// thread). While an image callback runs, no further frame is fetched: a slow callback slows capture.
 
 #include "ostrevanhvk3/enumerations.h"
 

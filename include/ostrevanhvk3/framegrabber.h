@@ -5,9 +5,9 @@
 /// The abstract frame grabber that a client drives.
 ///
 /// **Words used here.** *Client thread*: any thread of the client. *Worker thread*: the thread that
-/// captures for a channel; every callback runs on it. *Lent*: valid until the callback returns,
-/// never freed or changed by the client. *Client-owned*: the client's until it gives it back as
-/// told.
+/// captures for a channel; the callbacks run on it (see callbacks.h). *Lent*: valid until the
+/// callback returns, never freed or changed by the client. *Client-owned*: the client's until it
+/// gives it back as told.
 ///
 /// **Threads.** Every operation may be called from any client thread, also while capture runs, and
 /// from inside a callback unless it says otherwise. Two threads may be inside at once; the last
