@@ -40,6 +40,7 @@ pid_t spawn(const std::vector<std::string>& command, const Pipe& out, const Pipe
   ::posix_spawn_file_actions_adddup2(&actions, out.write_end, STDOUT_FILENO);
   ::posix_spawn_file_actions_adddup2(&actions, error.write_end, STDERR_FILENO);
   std::vector<char*> arguments;
+  arguments.reserve(command.size() + 1);
   for (const std::string& argument : command) {
     arguments.push_back(const_cast<char*>(argument.c_str()));
   }
