@@ -70,6 +70,7 @@ TEST_F(BuildingFromTheScanner, DeletesTheEngineBeforeItsLibraryIsClosed) {
   unsigned int deleted = 0;
   m_loader.before_closing([&] { deleted = bench.count("CalibrateDelete"); });
   { const lx::CXCalibration calibration(m_scanner); }
+  m_loader.before_closing(nullptr);
   EXPECT_EQ(deleted, 1U);
   EXPECT_EQ(m_loader.closed(), 1);
 }
