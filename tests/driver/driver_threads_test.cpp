@@ -10,7 +10,7 @@
 namespace Osv::lx {
 namespace {
 
-constexpr int kRounds = 10;
+constexpr int kRounds = 5;
 
 /// A client that counts its images and waits for them.
 struct Client {
