@@ -17,7 +17,10 @@
 /// A callback must not throw, must not wait for a thread that is inside `StopCapture`,
 /// `StartCapture` or `SetActiveDevice`, and must not call `StopCapture` (number 65 on the worker
 /// thread, or nothing once the client has stopped) or `DestroyFrameGrabber` (ignored on the worker
-/// thread). While an image callback runs, no further frame is fetched: a slow callback slows capture.
+/// thread). The event callback runs with the driver's lock held: it must not wait for a thread that
+/// is inside `GetInfo`, `GetImage` or `AvailableDevices` either, nor a start or stop callback for
+/// one inside `SetCallbacks`. While an image callback runs, no further frame is fetched: a slow
+/// callback slows capture.
 
 #include "ostrevanhvk3/enumerations.h"
 

@@ -34,7 +34,8 @@ OSTREVANHVK3_EXPORT Osv::lx::ClFramegrabber* GetFrameGrabber();
 /// Destroys the frame grabber and closes the scanner; does nothing without one.
 ///
 /// Stop capture first: a destruction during capture can wait for ever on a worker that waits for
-/// the driver. From inside a callback it does nothing.
+/// the driver. On the worker thread it does nothing. Never call it from inside the event callback
+/// of a `GetImage`, which runs on the client's thread.
 OSTREVANHVK3_EXPORT void DestroyFrameGrabber();
 
 /// `ClFramegrabber::CurrentFrameInfo` with its failures turned into results. Never blocks.

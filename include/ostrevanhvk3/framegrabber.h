@@ -11,7 +11,8 @@
 ///
 /// **Threads.** Every operation may be called from any client thread, also while capture runs, and
 /// from inside a callback unless it says otherwise. Two threads may be inside at once; the last
-/// error is then simply that of the last failure.
+/// error is then simply that of the last failure. An operation that says nothing of blocking never
+/// blocks.
 ///
 /// **Results.** 0 is success. A failure is its number OR 0x10000000 (see errors.h); `GetLastError`
 /// then yields the text. A success does not clear the last error. Unless an operation says
@@ -54,8 +55,8 @@ class ClFramegrabber {
   /// or for a frame that is being fetched.
   /// @param text buffer of `size` bytes, or null to ask for the size
   /// @param size in: capacity in bytes; out: needed bytes, the final extra zero included
-  /// @return 0; 0x10000011 (the stored text is then "More data are available"); 0x1000003C;
-  ///   0x10000002 with the text "More data are available"; the scanner's number when its serial
+  /// @return 0; 0x10000011, 0x1000003C or 0x10000002, each with the text "More data are available";
+  ///   the scanner's number when its serial
   ///   number can't be read, in which case the next call succeeds with the name alone
   virtual unsigned long GetInfo(char* text, unsigned long& size) = 0;
 
@@ -79,8 +80,9 @@ class ClFramegrabber {
 
   /// Selects a camera of the channel.
   ///
-  /// Tries to open the scanner and goes on without it. An unknown camera is reported and selected
-  /// all the same.
+  /// Opens the scanner, and goes on when none is attached. An unknown camera is reported and
+  /// selected all the same. A failure of the opening that has a text of its own, such as a missing
+  /// library or corrupt calibration data, ends the operation, and nothing is selected.
   /// @param channel 1
   /// @param camera one of `AvailableCameras`
   /// @param mode `eColorModeGray`
@@ -121,13 +123,13 @@ class ClFramegrabber {
 
   /// Ends capture. When it returns, the worker has ended and no callback of this capture comes.
   ///
-  /// Blocks until then: at most for the frame being fetched (about 2 seconds on a busy scanner) and
-  /// the callbacks that are running. Does nothing on a channel that does not capture. Not from
-  /// inside a callback, and not while a callback waits for the calling thread.
+  /// Blocks until then: at most for the frame being fetched (about 2 seconds on a busy scanner),
+  /// for 100 ms while frozen, and for the callbacks that are running. Does nothing on a channel
+  /// that does not capture. Not from inside a callback, and not while a callback waits for the
+  /// calling thread.
   /// @param channel 1
   /// @return 0; 0x10000041 from inside a callback, capture then goes on (in the stop callback after
-  /// an
-  ///   error it has ended already); 0 inside a callback that still runs after the client's stop;
+  ///   an error it has ended already); 0 inside a callback that still runs after the client's stop;
   ///   0x10000004
   virtual unsigned long StopCapture(unsigned int channel) = 0;
 
@@ -209,7 +211,8 @@ class ClFramegrabber {
   /// inside a callback and not while a callback waits for the calling thread; it then blocks as
   /// `StopCapture` does.
   /// @param index an interface number of `AvailableDevices`
-  /// @return 0; 0x1000001B when no scanner of this family is there, after which the scanner is
+  /// @return 0; 0x10000041 on the worker thread; 0x10000002 when it went meanwhile; 0x1000001B when
+  ///   no scanner of this family is there, after which the scanner is
   ///   closed and the choice unchanged; the scanner's or engine's number
   virtual unsigned long SetActiveDevice(unsigned long index) = 0;
 

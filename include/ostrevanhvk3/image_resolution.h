@@ -34,14 +34,19 @@ class ClImageResolution {
 
   /// Sets the resolution from dots per inch; the pixels per metre are cut to whole numbers.
   void put_DPI(unsigned int x, unsigned int y) {
-    m_nX = static_cast<unsigned int>(x * 39.37);
-    m_nY = static_cast<unsigned int>(y * 39.37);
+    m_nX = pels(x);
+    m_nY = pels(y);
   }
 
   unsigned int get_x() const { return m_nX; }  ///< pixels per metre
   unsigned int get_y() const { return m_nY; }  ///< pixels per metre
 
  private:
+  static unsigned int pels(unsigned int dpi) {
+    const double product = dpi * 39.37;
+    return product < 4294967295.0 ? static_cast<unsigned int>(product) : 4294967295U;
+  }
+
   unsigned int m_nX;
   unsigned int m_nY;
 };

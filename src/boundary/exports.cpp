@@ -2,7 +2,6 @@
 
 #include <cstdlib>
 #include <memory>
-#include <utility>
 
 #include "boundary/dummy_framegrabber.h"
 #include "boundary/hvk3_framegrabber.h"
@@ -53,8 +52,10 @@ void DestroyFrameGrabber() {
     OSV_LOG(OsvLFError, "KR9 scanner. DestroyFrameGrabber was called from inside a callback.");
     return;
   }
-  delete std::exchange(m_pFG, nullptr);
-  delete std::exchange(m_pDummy, nullptr);
+  delete m_pFG;
+  m_pFG = nullptr;
+  delete m_pDummy;
+  m_pDummy = nullptr;
 }
 
 unsigned long FGCurrentFrameInfo(unsigned long /*handle*/, unsigned long reserved,

@@ -7,7 +7,7 @@ namespace Osv::lx {
 namespace {
 
 constexpr unsigned long kNoSuchOperation = error_number::NotSupported;
-constexpr unsigned long kNoDialogs = 22;
+constexpr unsigned long kNoDialogs = error_number::HardwareVersion;
 constexpr unsigned int kFeatureChannel = 1;
 
 }  // namespace

@@ -21,7 +21,10 @@ class ClOstrevanHVK3Framegrabber : public ClFramegrabber,
                                    public ClOstrevanHVK3SDK {
  public:
   explicit ClOstrevanHVK3Framegrabber(void* context);
-  ~ClOstrevanHVK3Framegrabber() override = default;
+
+  /// Stops the channels while the object is whole: a worker calls operations that only the facade
+  /// has.
+  ~ClOstrevanHVK3Framegrabber() override { FreeSDK(); }
 
   unsigned long GetInfo(char* text, unsigned long& size) override;
   unsigned long GetVersion(char* text, unsigned long& size) override;

@@ -82,8 +82,7 @@ class ClFrameGrabberChannel : public CWin32Thread {
   /// nothing on an idle channel.
   /// @return true
   /// @throws ClLXException 65 on the worker's own thread, that is from inside a callback, unless
-  /// the
-  ///   client has stopped already
+  ///   the client has stopped already
   virtual bool StopCapture();
 
   /// Tells the client of a failure as "<text> error: <number>"; null means a text of its own.

@@ -15,7 +15,7 @@ constexpr char kConfigurationFile[] = "/etc/ostrevanhvk3.cfg";
 constexpr unsigned long kIndexLimit = 0x80000000;
 constexpr unsigned long kErrorNoDevice = 259;
 
-bool s_bDefaultCamera = false;
+TXRelaxed<bool> s_bDefaultCamera = false;
 
 [[noreturn]] void throw_index() {
   throw ClLXException(error_text::DeviceIndex, error_number::DeviceIndex);

@@ -40,9 +40,11 @@ unsigned long MultiStringCpy(const ClMultiString& text, char* buffer, unsigned l
 ///
 /// Results called numbers are 0 or an error number without the boundary's bit; refusals are thrown
 /// as `ClLXException`. Locks in their order: `m_cLock`, then the device's own. Operations that hold
-/// `m_cLock` wait at most for one frame or one preparation.
+/// `m_cLock` wait at most for one frame or one preparation; `FreeSDK` joins the worker with it
+/// held.
 class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
  public:
+  // The driver's own classes, under the names that they have within it.
   using CXCalDynamicLib = lx::CXCalDynamicLib;
   using CXCalibrationHandle = lx::CXCalibrationHandle;
   using CXCalibration = lx::CXCalibration;

@@ -53,7 +53,7 @@ unsigned long ClOstrevanHVK3SDK::SetLastFGError(unsigned long number, const std:
   OSV_LOG(OsvLFTrace,
           "KR9 scanner. Calling SetLastFGError function. Error number: %d, Error description: %s",
           static_cast<int>(number), text.c_str());
-  const char* stored = text.c_str();
+  std::string stored = text;
   for (const ScannerText& known : kScannerTexts) {
     if (number == known.number) {
       stored = known.text;
@@ -62,7 +62,7 @@ unsigned long ClOstrevanHVK3SDK::SetLastFGError(unsigned long number, const std:
     }
   }
   const std::lock_guard<std::mutex> lock(m_cErrorLock);
-  m_sLastError = stored;
+  m_sLastError.swap(stored);
   m_nLastError = static_cast<unsigned int>(number);
   return number;
 }

@@ -264,13 +264,6 @@ TEST_F(Stopping, InTheStopCallbackAfterTheClientsStopDoesNothing) {
   EXPECT_TRUE(stopped);
 }
 
-TEST_F(Stopping, ForgetsTheThreadWhoseNumberTheSystemMayGiveAgain) {
-  start(eCaptureLive);
-  std::thread([this] { channel.SetCurrentThread(); }).join();
-  channel.StopCapture();
-  EXPECT_EQ(channel.m_nThreadId, pthread_t{});
-}
-
 // Settings.
 
 TEST(ChannelSettings, AFilterIsStoredAndMakesTheChannelDirty) {

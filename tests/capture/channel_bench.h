@@ -63,9 +63,7 @@ class StillBench : public ChannelBench<StillChannel> {
         on_wait(milliseconds);
       }
     });
-    const int result = channel.Work();
-    channel.m_nThreadId = 0;  // as the join of a real thread leaves it
-    return result;
+    return channel.Work();
   }
 
   void ask_to_stop() { channel.m_bRunning = false; }

@@ -46,7 +46,18 @@ TEST_F(WorkLoop, AStopThatOvertookTheThreadLeavesEverythingUntouched) {
   ask_to_stop();
   EXPECT_EQ(channel.Work(), 0);
   EXPECT_THAT(journal.entries(), IsEmpty());
-  EXPECT_TRUE(channel.IsCurrentThread());
+}
+
+TEST_F(WorkLoop, TheThreadIsTheChannelsWhileItWorksAndForgottenBeforeItEnds) {
+  bool current = false;
+  client.on_start = [&] {
+    current = channel.IsCurrentThread();
+    ask_to_stop();
+  };
+  start(eCaptureLive);
+  channel.Work();
+  EXPECT_TRUE(current);
+  EXPECT_FALSE(channel.IsCurrentThread());
 }
 
 TEST_F(WorkLoop, AStopInTheStartCallbackEndsCaptureBeforeTheFirstFrame) {

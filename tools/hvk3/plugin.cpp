@@ -22,11 +22,11 @@ std::string choose(const std::string& path) {
 Plugin::Plugin(const std::string& path)
     : m_sName(choose(path)),
       m_cLibrary(m_sName),
+      m_pfnDestroy(m_cLibrary.function<Osv::lx::DestroyFrameGrabberFunction>(
+          Osv::lx::symbol::DestroyFrameGrabber)),
       m_pGrabber(m_cLibrary.function<Osv::lx::GetFrameGrabberFunction>(
           Osv::lx::symbol::GetFrameGrabber)()) {}
 
-Plugin::~Plugin() {
-  m_cLibrary.function<Osv::lx::DestroyFrameGrabberFunction>(Osv::lx::symbol::DestroyFrameGrabber)();
-}
+Plugin::~Plugin() { m_pfnDestroy(); }
 
 }  // namespace hvk3

@@ -29,6 +29,7 @@ class Plugin {
  private:
   std::string m_sName;
   SharedLibrary m_cLibrary;
+  Osv::lx::DestroyFrameGrabberFunction m_pfnDestroy;
   Osv::lx::ClFramegrabber* m_pGrabber;
 };
 

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
-#include <sstream>
 #include <utility>
 #include <vector>
 
@@ -182,19 +180,19 @@ void CXCalibration::CheckCalibrateError(long code) const {
   if (code == 0) {
     return;
   }
-  const char* text = nullptr;
+  std::string description;
+  std::string message;
   {
     const Lock lock(m_cEngineLock);
-    text = m_pCalLib->CalibrateGetErrorDescription(code);
-  }
-  // Without a text the whole message stays empty, the code included.
-  std::ostringstream message;
-  if (text != nullptr) {
-    message << text << " Error domain [ CAL ]. Error code [ " << code << " ]";
+    // Without a text the whole message stays empty, the code included.
+    if (const char* const text = m_pCalLib->CalibrateGetErrorDescription(code); text != nullptr) {
+      description = text;
+      message = description + " Error domain [ CAL ]. Error code [ " + std::to_string(code) + " ]";
+    }
   }
   OSV_LOG(OsvLFError, "KR9 scanner. Calibration error. Number: 0x%x, Description: %s ",
-          static_cast<unsigned int>(code), text == nullptr ? "" : text);
-  throw ClLXException(message.str().c_str(), static_cast<int>(code));
+          static_cast<unsigned int>(code), description.c_str());
+  throw ClLXException(message.c_str(), static_cast<int>(code));
 }
 
 }  // namespace Osv::lx

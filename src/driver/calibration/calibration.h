@@ -17,8 +17,8 @@ namespace Osv::lx {
 /// A calibration engine that holds the data of one scanner.
 ///
 /// Images are whole blocks with their size in bytes. A failure of the engine is thrown as
-/// `ClLXException` with the engine's own negative code. Each call into the engine holds a leaf
-/// mutex, so that an option may be asked for while a frame is corrected.
+/// `ClLXException` with the engine's own negative code. Each of these operations calls the
+/// engine under a leaf mutex, so that an option may be asked for while a frame is corrected.
 class CXCalibration {
  public:
   /// Reads the calibration data out of the memory of the scanner that is open.
@@ -63,7 +63,7 @@ class CXCalibration {
 
   std::string m_sRevision;
   std::unique_ptr<CXCalDynamicLib> m_pCalLib;
-  std::unique_ptr<CXCalibrationHandle> m_pCalHandle;  // goes first: its code must still be loaded
+  std::unique_ptr<CXCalibrationHandle> m_pCalHandle;  // goes before the library that its code is in
   mutable std::mutex m_cEngineLock;
 };
 

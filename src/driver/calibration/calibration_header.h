@@ -20,7 +20,7 @@
 
 namespace Osv {
 
-/// Byte order of this machine, found when the library is loaded. The block is copied in native
+/// Byte order of this machine. The block is copied in native
 /// order whatever it says.
 struct SXEndian {
   static const bool m_fIsLittleEndianMachine;
@@ -39,8 +39,8 @@ class ClKR9CalibrationHeader {
   void ReadFromStream(CXStream* stream, unsigned long size, unsigned char** data,
                       unsigned int& dataSize);
 
-  /// Builds a block with today's date. A null description leaves out its length byte, which only a
-  /// block built with an empty description has: `ReadFromStream` can't read such a block back.
+  /// Builds a block with today's date. A null description leaves out the length byte, so that
+  /// `ReadFromStream` can't read such a block back; an empty one does not.
   /// @param revision `kRevisionSize` bytes
   /// @throws ClCHeaderDesrcTooLongException -1 for a description of more than 255 characters, with
   ///   the block half written; CXMemoryAllocException for a payload too large to describe

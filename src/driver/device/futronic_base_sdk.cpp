@@ -64,7 +64,7 @@ std::string version_text(const ftrScanVersionBlock& block) {
                                   lx::error_number::HardwareVersion);
 }
 
-/// A function that an older scanner library lacks.
+/// The function, or number 22 when an older scanner library lacks it.
 template <typename Function>
 Function present(Function function) {
   if (function == nullptr) {
@@ -433,8 +433,8 @@ void ClFutronicBaseSDK::GetDeviceVersions(std::string& first, std::string& secon
   if (api->ftrScanGetVersion(ftrHandle, &record) == 0) {
     return;
   }
-  first = version_text(record.aFirst);
-  second = version_text(record.aSecond);
+  first = version_text(record.aSecond);
+  second = version_text(record.aThird);
 }
 
 bool ClFutronicBaseSDK::SwitchRedLED(bool on) {

@@ -45,8 +45,8 @@ class ClFutronicBaseSDK : public CXStream {
   /// Loads the scanner library unless it is there. No lock.
   void OpenLibrary();
 
-  /// Opens the first scanner of the list, closing one that is open; both memory positions are 0
-  /// then. Does not look at the interface that was chosen.
+  /// Opens the first scanner of the list that can be opened, closing one that is open; both memory
+  /// positions are 0 then. Does not look at the interface that was chosen.
   [[nodiscard]] bool Initialize();
 
   /// Switches the LEDs off and closes the device. The remembered LED levels stay. No lock.
@@ -66,7 +66,8 @@ class ClFutronicBaseSDK : public CXStream {
   /// The same for the device on an interface, through a handle of its own. No lock.
   bool IsKR9Scanner(int interfaceNumber);
 
-  /// Closes the device and makes an interface the library's base interface.
+  /// Closes the device and makes an interface the library's base interface. Loads the library
+  /// before it locks.
   [[nodiscard]] bool SetScanInterface(unsigned long interfaceNumber);
 
   /// The interface that was chosen last, 0 at first.
@@ -104,8 +105,11 @@ class ClFutronicBaseSDK : public CXStream {
   bool GetEPROMData(unsigned char* data);  ///< 7 bytes
   bool PutEPROMData(unsigned char* data);  ///< 7 bytes
 
-  /// Exactly 8 bytes, zero bytes included; a failure leaves the string.
+  /// Exactly 8 bytes, zero bytes included; a failure leaves the string. A scanner library of level
+  /// 0 gives zero bytes.
   [[nodiscard]] bool GetSerialNumber(std::string& serialNumber);
+
+  /// Stores the first 8 bytes; a shorter number is filled with zero bytes.
   bool SetSerialNumber(const std::string& serialNumber);
 
   /// Versions as texts; `third` is never written. A failure leaves `first` empty.
@@ -132,7 +136,7 @@ class ClFutronicBaseSDK : public CXStream {
   /// The scanner library can't log: only warns. Both arguments are ignored.
   bool LoggingEnable(unsigned short level, const char* path);
   bool LoggingDisable();
-  void RemoteDesktopHandling() {}
+  void RemoteDesktopHandling() {}  ///< Nothing. No lock.
 
   /// @name Protected bytes
   /// Code and bytes are 7 bytes each and pass through unchanged. No lock.
@@ -168,7 +172,7 @@ class ClFutronicBaseSDK : public CXStream {
   void RequireExtendedMemory();
   [[noreturn]] void ThrowMemoryError();
 
-  std::mutex m_cLoading;  // leaf: two threads must not load the library twice
+  std::mutex m_cLoading;  // two threads must not load the library twice
 };
 
 }  // namespace Osv

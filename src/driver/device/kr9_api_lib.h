@@ -70,6 +70,7 @@ class ClKR9APILib : public CXDynamicLibrary {
   std::int32_t (*ftrScanGetVersion)(ScannerHandle, ftrScanVersionRecord*) = nullptr;
   std::int32_t (*ftrScanGetImageByVariableDose)(ScannerHandle, int dose, void* buffer) = nullptr;
   Uncalled ftrScanGetImage2 = nullptr;
+  Uncalled m_pfnUnnamed = nullptr;  ///< no function has this slot
   std::uint32_t (*ftrScanGetLastError)() = nullptr;
   void (*ftrScanSetLastError)(std::uint32_t code) = nullptr;
   Uncalled ftrScanGlobalSetOptions = nullptr;

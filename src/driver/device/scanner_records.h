@@ -33,12 +33,12 @@ static_assert(sizeof(ftrScanDeviceInfoRecord) == 9);
 /// Major, minor, third and fourth part; 0xFFFF in the third or fourth means that it is absent.
 using ftrScanVersionBlock = std::array<std::uint16_t, 4>;
 
-/// Versions of a device. The caller sets the size.
+/// Versions of a device. The caller sets the size; nobody reads the first block.
 struct ftrScanVersionRecord {
   std::uint32_t nSize;
-  ftrScanVersionBlock aUnused;
   ftrScanVersionBlock aFirst;
   ftrScanVersionBlock aSecond;
+  ftrScanVersionBlock aThird;
 };
 
 static_assert(sizeof(ftrScanVersionRecord) == 28);
