@@ -1,11 +1,18 @@
 #include "foundation/logging_client.h"
 
+#include <cstddef>
 #include <iterator>
+#include <new>
+#include <utility>
 
 namespace Osv::utilities {
 namespace {
 
 constexpr char kLibrary[] = "libostrevanlf.so";
+
+/// Where the one object lives. Nothing destroys it when the plug-in is closed, so it must not take
+/// memory that nobody would ever give back.
+alignas(ClLoggingFacilityClient) std::byte g_storage[sizeof(ClLoggingFacilityClient)];
 
 }  // namespace
 
@@ -15,13 +22,14 @@ ClLoggingFacilityClient* ClLoggingFacilityClient::m_fpLogInstance = nullptr;
 
 void ClLoggingFacilityClient::Create() {
   if (m_fpLogInstance == nullptr) {
-    m_fpLogInstance = new ClLoggingFacilityClient;
+    m_fpLogInstance = ::new (g_storage) ClLoggingFacilityClient;
   }
 }
 
 void ClLoggingFacilityClient::Destroy() {
-  delete m_fpLogInstance;
-  m_fpLogInstance = nullptr;
+  if (m_fpLogInstance != nullptr) {
+    std::exchange(m_fpLogInstance, nullptr)->~ClLoggingFacilityClient();
+  }
 }
 
 void ClLoggingFacilityClient::Log(OsvLFLogLevelstag /*level*/, const char* /*format*/, ...) {}
