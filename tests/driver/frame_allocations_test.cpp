@@ -23,6 +23,9 @@ void* count_and_allocate_or_throw(std::size_t size) {
   return block;
 }
 
+// Out of line: inlined, the compiler takes the pair of malloc and delete for a mistake.
+__attribute__((noinline)) void release(void* block) { std::free(block); }
+
 }  // namespace
 
 void* operator new(std::size_t size) { return count_and_allocate_or_throw(size); }
@@ -33,10 +36,10 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
   return count_and_allocate(size);
 }
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete[](void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t) noexcept { std::free(block); }
-void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
+void operator delete(void* block) noexcept { release(block); }
+void operator delete[](void* block) noexcept { release(block); }
+void operator delete(void* block, std::size_t) noexcept { release(block); }
+void operator delete[](void* block, std::size_t) noexcept { release(block); }
 
 namespace Osv::lx {
 namespace {

@@ -45,10 +45,10 @@ void* __real_dlsym(void* library, const char* name);
 int __real_dlclose(void* library);
 char* __real_dlerror();
 
-void* __wrap_dlopen(const char* name, int mode);
-void* __wrap_dlsym(void* library, const char* name);
-int __wrap_dlclose(void* library);
-char* __wrap_dlerror();
+[[gnu::visibility("default")]] void* __wrap_dlopen(const char* name, int mode);
+[[gnu::visibility("default")]] void* __wrap_dlsym(void* library, const char* name);
+[[gnu::visibility("default")]] int __wrap_dlclose(void* library);
+[[gnu::visibility("default")]] char* __wrap_dlerror();
 
 void* __wrap_dlopen(const char* name, int mode) {
   LoaderJournal* const journal = LoaderJournal::current();

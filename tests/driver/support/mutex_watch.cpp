@@ -25,7 +25,7 @@ extern "C" {
 
 // NOLINTBEGIN(bugprone-reserved-identifier): the linker gives these names.
 int __real_pthread_mutex_lock(pthread_mutex_t* mutex);
-int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex);
+[[gnu::visibility("default")]] int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex);
 
 int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
   using namespace Osv::testing_support;
