@@ -12,8 +12,8 @@ namespace hvk3::test {
 template <class Level>
 Image make_image(int width, int height, Level level) {
   constexpr int kPixelsPerMetre = 19685;
-  constexpr std::size_t kPalette = 256 * 4;
-  const auto stride = static_cast<std::size_t>((width + 3) / 4 * 4);
+  constexpr std::size_t kPalette = std::size_t{256} * 4;
+  const std::size_t stride = (static_cast<std::size_t>(width) + 3) / 4 * 4;
   tagBITMAPINFOHEADER header = {};
   header.biSize = sizeof(header);
   header.biWidth = width;
