@@ -12,6 +12,8 @@ function(hvk3_unit_tests name)
   endif()
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+  # The product is optimised, its tests are compiled quickly: that halves the time of a whole build.
+  target_compile_options(${name} PRIVATE -O0 -g1)
   target_link_libraries(${name} PRIVATE hvk3_objects GTest::gmock GTest::gtest_main)
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120 LABELS ${label})
 endfunction()
