@@ -220,7 +220,7 @@ bool ClFutronicBaseSDK::CarriesCalibration(ClKR9APILib& api, ScannerHandle handl
   if (api.ftrScanRestoreExtMemory(handle, block, 0, kFirstRead) == 0 || block[0] != 1) {
     return false;
   }
-  const std::int64_t length = static_cast<signed char>(block[kLengthPosition]);
+  const std::int64_t length = static_cast<std::int8_t>(block[kLengthPosition]);
   const auto end =
       static_cast<std::uint64_t>(length + kSignaturePosition + std::int64_t{kSignature.size()});
   if (end >= static_cast<std::uint64_t>(memorySize)) {
