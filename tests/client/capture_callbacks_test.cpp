@@ -7,9 +7,6 @@ namespace Osv::client {
 namespace {
 
 using ::testing::AllOf;
-using ::testing::AnyOf;
-using ::testing::Each;
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 constexpr unsigned long kInvalidState = 0x10000041;

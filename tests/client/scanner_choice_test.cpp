@@ -12,7 +12,7 @@ constexpr char kBadIndex[] = "The device index out of range or is not supported 
 simulator::Device device(const std::string& serial) {
   simulator::Device made;
   made.serial = serial;
-  made.seed = static_cast<unsigned int>(serial.back());
+  made.seed = static_cast<unsigned char>(serial.back());
   return made;
 }
 
