@@ -20,16 +20,16 @@ TEST(ArrayOwner, RunsItsHookOnceInFrontOfTheRelease) {
 }
 
 /// Tells when it goes.
-struct Mourned {
-  ~Mourned() { *story += "released "; }
+struct Element {
+  ~Element() { *story += "released "; }
   std::string* story;
 };
 
 TEST(ArrayOwner, StillHasItsElementsWhenTheHookRuns) {
   std::string story;
   {
-    TXArraySmartPointer<Mourned> array([&] { story += "hook "; });
-    array.replace(new Mourned[2]{{&story}, {&story}}, 2);
+    TXArraySmartPointer<Element> array([&] { story += "hook "; });
+    array.replace(new Element[2]{{&story}, {&story}}, 2);
   }
   EXPECT_EQ(story, "hook released released ");
 }
