@@ -196,7 +196,7 @@ class BuildingFromAFile : public ScannerTest {
   std::string content(std::size_t preamble) const {
     const auto memory = bench.memory(0);
     const auto payload = memory.begin() + 25 + 9;
-    return std::string(preamble, 'p') + std::string(payload, payload + 64 + 2 * 640 * 480);
+    return std::string(preamble, 'p') + std::string(payload, payload + 64 + 2L * 640 * 480);
   }
 };
 
