@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <locale>
+#include <memory>
 #include <sstream>
 #include <utility>
 
@@ -63,41 +64,71 @@ double find_crossing(const Curve& far, const Curve& frr) {
 
 }  // namespace
 
-/// What an operation works with; it keeps the library loaded until the operation is done.
-struct CLiveDetection::Instance {
-  boost::shared_ptr<CLiveDetectionLib> library;
-  void* handle = nullptr;
+/// A detector that runs, with its handle. The session owns it, and so does each operation for as
+/// long as it is in the detector; it goes with the last of them.
+class CLiveDetection::Instance {
+ public:
+  explicit Instance(std::mutex& detectorLock) : m_cDetectorLock(detectorLock) {
+    const std::lock_guard<std::mutex> lock(m_cDetectorLock);
+    auto library = std::make_unique<CLiveDetectionLib>();
+    m_hDetection = library->Create();
+    m_pLibrary = std::move(library);
+  }
+
+  ~Instance() {
+    const std::lock_guard<std::mutex> lock(m_cDetectorLock);
+    if (m_bDestroyHandle) {
+      m_pLibrary->Destroy(&m_hDetection);
+    }
+    m_pLibrary.reset();
+  }
+
+  Instance(const Instance&) = delete;
+  Instance& operator=(const Instance&) = delete;
+
+  template <typename Call>
+  auto Ask(Call call) {
+    const std::lock_guard<std::mutex> lock(m_cDetectorLock);
+    return call(*m_pLibrary, m_hDetection);
+  }
+
+  /// Has the handle destroyed before the library goes; without it only the library does.
+  void DestroyHandleAtTheEnd() { m_bDestroyHandle = true; }
+
+ private:
+  std::mutex& m_cDetectorLock;
+  std::unique_ptr<CLiveDetectionLib> m_pLibrary;
+  void* m_hDetection = nullptr;
+  bool m_bDestroyHandle = false;  // written by one owner, read when the last has let go
 };
 
-CLiveDetection::Instance CLiveDetection::Running() const {
-  Instance instance;
+template <typename Call>
+auto CLiveDetection::Ask(Call call) const {
+  boost::shared_ptr<Instance> running;
   {
     const std::lock_guard<std::mutex> lock(m_cInstanceLock);
-    instance = {m_pDetectionLib, m_hDetection};
+    running = m_pDetectionLib;
   }
-  if (instance.library == nullptr) {
+  if (running == nullptr) {
     throw ClLXException(error_text::DetectionDisabled, error_number::DetectionDisabled);
   }
-  return instance;
+  return running->Ask(call);
 }
 
 void CLiveDetection::Init() {
-  auto library = boost::make_shared<CLiveDetectionLib>();
-  void* const handle = library->Create();
+  auto instance = boost::make_shared<Instance>(m_cDetectorLock);
   const std::lock_guard<std::mutex> lock(m_cInstanceLock);
-  m_pDetectionLib.swap(library);
-  m_hDetection = handle;
+  m_pDetectionLib.swap(instance);
 }
 
 void CLiveDetection::Uninit() {
-  Instance instance;
+  boost::shared_ptr<Instance> gone;
   {
     const std::lock_guard<std::mutex> lock(m_cInstanceLock);
-    instance.library.swap(m_pDetectionLib);
-    std::swap(instance.handle, m_hDetection);
+    gone.swap(m_pDetectionLib);
   }
-  if (instance.library != nullptr) {
-    instance.library->Destroy(&instance.handle);
+  if (gone != nullptr) {
+    gone->DestroyHandleAtTheEnd();
   }
 }
 
@@ -107,29 +138,32 @@ bool CLiveDetection::IsInit() const {
 }
 
 void CLiveDetection::Reset() {
-  const Instance running = Running();
-  running.library->Reset(running.handle);
+  Ask([](CLiveDetectionLib& detector, void* handle) { return detector.Reset(handle); });
 }
 
 void CLiveDetection::PushImage(int kind, const unsigned char* block, unsigned long size) {
-  const Instance running = Running();
-  running.library->SetImage(running.handle, static_cast<EImage>(kind),
-                            reinterpret_cast<const tagBITMAPINFOHEADER*>(block), size);
+  Ask([&](CLiveDetectionLib& detector, void* handle) {
+    return detector.SetImage(handle, static_cast<EImage>(kind),
+                             reinterpret_cast<const tagBITMAPINFOHEADER*>(block), size);
+  });
 }
 
 double CLiveDetection::Lifeness(int* state) {
-  const Instance running = Running();
-  return running.library->EvalLifeness(running.handle, state);
+  return Ask([&](CLiveDetectionLib& detector, void* handle) {
+    return detector.EvalLifeness(handle, state);
+  });
 }
 
 void CLiveDetection::SetProperty(const char* name, const char* value) const {
-  const Instance running = Running();
-  running.library->SetProperty(running.handle, name, value);
+  Ask([&](CLiveDetectionLib& detector, void* handle) {
+    return detector.SetProperty(handle, name, value);
+  });
 }
 
 std::string CLiveDetection::GetProperty(const char* name) const {
-  const Instance running = Running();
-  return running.library->GetProperty(running.handle, name);
+  return Ask([&](CLiveDetectionLib& detector, void* handle) {
+    return detector.GetProperty(handle, name);
+  });
 }
 
 std::string CLiveDetection::Version() const { return GetProperty("Version"); }

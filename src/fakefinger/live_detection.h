@@ -11,21 +11,23 @@
 
 namespace Osv::lx {
 
-class CLiveDetectionLib;
-
 /// A session with the fake finger detector, idle until `Init`. It finds the decision threshold on
 /// the detector's error curves and remembers it.
 ///
 /// Operations that reach the detector throw `ClLXException` 58 while the session is idle, and let
-/// the exceptions of `CLiveDetectionLib` through. The caller serialises them, but `IsInit` may be
-/// asked at any time, and `Uninit` on one thread never takes the library away under another.
+/// the exceptions of `CLiveDetectionLib` through. Any thread may call them: one leaf mutex lets one
+/// call into the detector at a time, and a detector that `Uninit` has given up lives until the call
+/// that is in it has come back. Calls that belong together, as the images of one series or the
+/// first `GetFakeScore`, are kept apart from others by the caller.
 class CLiveDetection {
  public:
   /// Loads the detector and makes a handle. A detector that was there before goes; after a failure
   /// the session is as it was.
   void Init();
 
-  /// Destroys the handle and unloads the detector; nothing on an idle session. The threshold stays.
+  /// Ends the session at once; nothing on an idle one. The handle is destroyed and the detector
+  /// unloaded here, or by the thread that is in the detector when it comes back. The threshold
+  /// stays.
   void Uninit();
 
   bool IsInit() const;
@@ -59,13 +61,16 @@ class CLiveDetection {
   double GetFakeScore() const;
 
  private:
-  struct Instance;
-  Instance Running() const;
+  class Instance;
 
-  // The two belong together and are exchanged together.
-  mutable std::mutex m_cInstanceLock;
-  boost::shared_ptr<CLiveDetectionLib> m_pDetectionLib;  ///< null while idle
-  void* m_hDetection = nullptr;
+  /// Makes one call into the detector.
+  template <typename Call>
+  auto Ask(Call call) const;
+
+  // Leaf, held for one call into the detector. Before the instance, which locks it when it goes.
+  std::mutex m_cDetectorLock;
+  mutable std::mutex m_cInstanceLock;           // leaf, held to copy or exchange the pointer
+  boost::shared_ptr<Instance> m_pDetectionLib;  ///< null while idle
 
   mutable TXRelaxed<double> m_dFakeScore;  ///< 0 while the threshold isn't known
 };

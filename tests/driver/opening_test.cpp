@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <future>
 
 #include "driver/driver_fixture.h"
 
@@ -200,6 +201,22 @@ TEST_F(Opening, ACorruptHeaderIsLoggedAtLevel3AndRefusedWithItsTextAndNumber37) 
             (Failure{37, "The calibration data is corrupt."}));
   EXPECT_EQ(log_lines().back(),
             "3 KR9 scanner. HeaderFormatException: The calibration data is corrupt.");
+  EXPECT_FALSE(driver.m_bInitialized);
+}
+
+// The version is right when the scanner is told from other devices, and wrong when the whole memory
+// is read, the fifth time that it is looked at.
+TEST_F(Opening, AVersionThatTurnsWrongIsLoggedAtLevel3AndRefusedWithItsOwnTextAndNumber37) {
+  bench.set_faults("ftrScanRestoreExtMemory call 5 blocks until told");
+  auto opening = std::async(std::launch::async, [&] { driver.InitializeScanner(); });
+  bench.wait_until_blocked("ftrScanRestoreExtMemory");
+  auto memory = bench.memory(0);
+  memory.at(0) = 2;
+  bench.set_memory(0, memory);
+  bench.release();
+  EXPECT_EQ(failure_of([&] { opening.get(); }), (Failure{37, "The calibration data are corrupt."}));
+  EXPECT_EQ(log_lines().back(),
+            "3 KR9 scanner. HeaderFormatException: The calibration data are corrupt.");
   EXPECT_FALSE(driver.m_bInitialized);
 }
 

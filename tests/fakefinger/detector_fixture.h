@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "fakefinger/scripted_detector.h"
-#include "foundation/exceptions.h"
 #include "foundation/loader_redirection.h"
+#include "support/failure_of.h"
 
 namespace Osv::testing_support {
 
@@ -30,19 +30,9 @@ class DetectorFixture : public testing::Test {
 
   static void use_none() { put_in_place_of(kDetectorName, ""); }
 
-  static Lines journal() { return detector().journal; }
+  static void use_none_without_a_word() { put_silence_in_place_of(kDetectorName); }
 
-  /// The failure of an action that has to fail in class `Failure`.
-  template <typename Failure, typename Action>
-  static Failure failure_of(Action action) {
-    try {
-      action();
-    } catch (const Failure& failure) {
-      return failure;
-    }
-    ADD_FAILURE() << "nothing was thrown";
-    return Failure("", 0);
-  }
+  static Lines journal() { return detector().journal; }
 };
 
 }  // namespace Osv::testing_support

@@ -4,16 +4,21 @@
 
 #include <array>
 #include <climits>
-#include <cmath>
+#include <cstdint>
 #include <cstring>
+#include <functional>
 #include <optional>
+#include <string>
+#include <utility>
 
 #include "fakefinger/detector_fixture.h"
+#include "foundation/exceptions.h"
 
 namespace Osv::lx {
 namespace {
 
 using testing_support::detector;
+using testing_support::failure_of;
 using testing_support::Lines;
 
 constexpr std::array<const char*, 10> kFunctions = {
@@ -45,6 +50,13 @@ TEST_F(DetectorLoading, ThrowsTheLoadersTextForAMissingLibrary) {
   const auto failure = failure_of<CXOtherException>(load);
   EXPECT_EQ(failure.GetErrorNumber(), -201);
   EXPECT_NE(std::strstr(failure.GetDescription(), testing_support::kDetectorName), nullptr);
+}
+
+TEST_F(DetectorLoading, HasAnEmptyTextForAMissingLibraryWhenTheLoaderHasNone) {
+  use_none_without_a_word();
+  const auto failure = failure_of<CXOtherException>(load);
+  EXPECT_EQ(failure.GetErrorNumber(), -201);
+  EXPECT_STREQ(failure.GetDescription(), "");
 }
 
 /// Libraries that end after some function: the first one missing is the first one looked up.

@@ -1,18 +1,26 @@
 #include "fakefinger/live_detection.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
-#include <cmath>
+#include <atomic>
+#include <functional>
 #include <limits>
 #include <optional>
+#include <set>
+#include <string>
 #include <thread>
+#include <utility>
 
+#include "driver/support/mutex_watch.h"
 #include "fakefinger/detector_fixture.h"
+#include "foundation/exceptions.h"
+#include "support/comma_locale.h"
 
 namespace Osv::lx {
 namespace {
 
 using testing_support::detector;
+using testing_support::failure_of;
 using testing_support::Lines;
 
 /// A session with curves that cross nowhere: far above frr at each score.
@@ -38,6 +46,28 @@ class Session : public IdleSession {
   static void cross_at(std::size_t score) {
     detector().far.at(score) = "0.25";
     detector().frr.at(score) = "0.5";
+  }
+
+  void use_every_function() {
+    const tagBITMAPINFOHEADER block{};
+    int state = 0;
+    m_session->Init();
+    m_session->PushImage(0, reinterpret_cast<const unsigned char*>(&block), sizeof(block));
+    m_session->Lifeness(&state);
+    m_session->SetProperty("name", "value");
+    (void)m_session->Version();
+    detector().codes["Reset"] = -7;
+    failure_of<CLiveDetectionException>([&] { m_session->Reset(); });
+    m_session->Uninit();
+  }
+
+  void use_unless_idle() {
+    try {
+      m_session->Reset();
+      (void)m_session->Version();
+    } catch (const ClLXException& refusal) {
+      EXPECT_EQ(refusal.GetErrorNumber(), 58);
+    }
   }
 };
 
@@ -329,17 +359,84 @@ TEST_F(Session, KeepsTheThresholdOverANewSecurityLevelAndANewInit) {
   EXPECT_EQ(m_session->GetFakeScore(), 49.0);
 }
 
-// The detector of this test ends the session on another thread while it is being asked itself.
-TEST_F(Session, KeepsTheLibraryLoadedForACallThatUninitOvertakes) {
-  detector().get_property = [this](char*, unsigned long*) {
-    std::thread([this] { m_session->Uninit(); }).join();
-    detector().note("still there");
-    return 0L;
+TEST_F(Session, SpeaksToTheDetectorWithoutTheClientsLocale) {
+  const testing_support::CommaLocale locale;
+  cross_at(50);
+  EXPECT_EQ(m_session->GetFakeScore(), 49.0);
+  EXPECT_EQ(detector().count("SetProperty 1 dQueryScore=100"), 2U);
+  m_session->SetSecurityLevel(4294967295);
+  EXPECT_EQ(m_session->GetSecurityLevel(), 4294967295U);
+  EXPECT_EQ(detector().count("SetProperty 1 nSecurityLevel=4294967295"), 1U);
+}
+
+TEST_F(Session, HoldsOneMutexOverEachCallIntoTheDetector) {
+  std::set<pthread_mutex_t*> mutexes;
+  std::set<std::string> functions;
+  detector().entered = [&] {
+    pthread_mutex_t* const mutex = testing_support::last_locked();
+    const std::string call = journal().back();
+    mutexes.insert(mutex);
+    functions.insert(call.substr(0, call.find(' ')));
+    EXPECT_TRUE(testing_support::is_held(mutex)) << call;
   };
+  use_every_function();
+  EXPECT_EQ(functions.size(), 10U);
+  EXPECT_EQ(mutexes.size(), 1U);
+}
+
+/// A detector that ends the session on another thread while it is being asked for a property, and
+/// then answers with a code.
+class OvertakenSession : public Session {
+ protected:
+  void end_in_the_next_call(long code) {
+    detector().get_property = [=, this](char*, unsigned long*) {
+      std::thread([this] { m_session->Uninit(); }).join();
+      detector().note("still there");
+      return code;
+    };
+  }
+};
+
+TEST_F(OvertakenSession, KeepsTheHandleAndTheLibraryForTheCall) {
+  end_in_the_next_call(0);
   EXPECT_EQ(m_session->GetProperty("p"), "");
-  EXPECT_FALSE(m_session->IsInit());
-  EXPECT_EQ(journal(), (Lines{"GetProperty 1 p null 0", "DestroyHandle 1", "still there",
+  EXPECT_EQ(journal(), (Lines{"GetProperty 1 p null 0", "still there", "DestroyHandle 1",
                               "Uninitialize", "unloaded"}));
+}
+
+TEST_F(OvertakenSession, KeepsThemForTheTextOfAFailureToo) {
+  end_in_the_next_call(-5);
+  const auto failure =
+      failure_of<CLiveDetectionException>([&] { (void)m_session->GetProperty("p"); });
+  EXPECT_STREQ(failure.GetDescription(), "the detector's text");
+  EXPECT_EQ(journal(), (Lines{"GetProperty 1 p null 0", "still there", "GetErrorDescription -5",
+                              "DestroyHandle 1", "Uninitialize", "unloaded"}));
+}
+
+TEST_F(OvertakenSession, IsIdleAtOnce) {
+  end_in_the_next_call(0);
+  const auto failure = failure_of<ClLXException>([&] { (void)m_session->GetFakeScore(); });
+  EXPECT_EQ(failure.GetErrorNumber(), 58);
+  EXPECT_FALSE(m_session->IsInit());
+}
+
+TEST_F(Session, MayBeUsedOnOneThreadWhileAnotherEndsItAndBeginsItAgain) {
+  std::atomic<bool> done = false;
+  std::thread user([&] {
+    while (!done) {
+      use_unless_idle();
+    }
+  });
+  for (int round = 0; round < 100; ++round) {
+    m_session->Uninit();
+    m_session->Init();
+  }
+  done = true;
+  user.join();
+  m_session->Uninit();
+  EXPECT_THAT(journal(), testing::Each(testing::Not(testing::HasSubstr("(destroyed)"))));
+  EXPECT_EQ(detector().count("DestroyHandle"), 101U);
+  EXPECT_EQ(journal().back(), "unloaded");
 }
 
 }  // namespace

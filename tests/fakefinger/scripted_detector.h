@@ -3,6 +3,7 @@
 #include <array>
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -16,7 +17,8 @@ namespace Osv::testing_support {
 
 class __attribute__((visibility("default"))) ScriptedDetector {
  public:
-  /// Each call with its arguments, and the loading and unloading of the library.
+  /// Each call with its arguments, and the loading and unloading of the library. A handle that was
+  /// destroyed before is followed by "(destroyed)".
   std::vector<std::string> journal;
 
   /// What a function answers instead of 0, by its name without prefix.
@@ -38,6 +40,9 @@ class __attribute__((visibility("default"))) ScriptedDetector {
   /// Fails a property write when it counts down to 0; below 0 never.
   int writes_until_failure = -1;
 
+  /// Runs in each function of the detector, after its line in the journal.
+  std::function<void()> entered;
+
   /// Number of journal lines that begin with `text`.
   std::size_t count(const std::string& text) const;
 
@@ -54,10 +59,13 @@ class __attribute__((visibility("default"))) ScriptedDetector {
   char* GetErrorDescription(long code);
 
  private:
+  void enter(const std::string& line);
+  std::string name_of(const void* handle) const;
   long code(const std::string& function);
   std::string value(const std::string& name);
 
   int m_nHandles = 0;
+  std::set<const void*> m_setDestroyed;
 };
 
 /// The detector that the stand-in forwards to.

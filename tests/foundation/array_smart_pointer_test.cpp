@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <string>
 
 namespace Osv {
 namespace {
@@ -16,6 +17,21 @@ TEST(ArrayOwner, RunsItsHookOnceInFrontOfTheRelease) {
     EXPECT_EQ(runs, 0);
   }
   EXPECT_EQ(runs, 1);
+}
+
+/// Tells when it goes.
+struct Element {
+  ~Element() { *story += "released "; }
+  std::string* story;
+};
+
+TEST(ArrayOwner, StillHasItsElementsWhenTheHookRuns) {
+  std::string story;
+  {
+    TXArraySmartPointer<Element> array([&] { story += "hook "; });
+    array.replace(new Element[2]{{&story}, {&story}}, 2);
+  }
+  EXPECT_EQ(story, "hook released released ");
 }
 
 TEST(ArrayOwner, RunsNoHookWithoutAnArray) {

@@ -161,6 +161,16 @@ TEST(Pixel, DoesNotMatchBeyondAShortenedPalette) {
   EXPECT_EQ(bitmap.Pixel()[0], 0);
 }
 
+TEST(Pixel, HasNoColourBeyondAShortenedPalette) {
+  ClSimpleBitmap bitmap;
+  bitmap.Create(2, 1, 8, 0);
+  bitmap.BI()->biClrUsed = 16;
+  bitmap.Pixel()[0] = 15;
+  bitmap.Pixel()[1] = 16;
+  EXPECT_EQ(bitmap.GetPixel(0, 0), 0x0F0F0FU);
+  EXPECT_EQ(bitmap.GetPixel(1, 0), 4294967295U);
+}
+
 TEST(Pixel, Of1BitHasTheHighestBitOnTheLeft) {
   ClSimpleBitmap bitmap;
   bitmap.Create(9, 1, 1, 0);

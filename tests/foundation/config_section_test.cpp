@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <string>
 
 #include "foundation/exceptions.h"
+#include "support/failure_of.h"
 
 namespace Osv {
 namespace {
@@ -27,15 +29,9 @@ bool read_bool(const std::string& value) {
   return result;
 }
 
-/// The failure of an action that has to fail.
 template <typename Action>
 CXConfigFileParsingException failure_of(Action action) {
-  try {
-    action();
-  } catch (const CXConfigFileParsingException& failure) {
-    return failure;
-  }
-  throw std::logic_error("nothing was thrown");
+  return testing_support::failure_of<CXConfigFileParsingException>(action);
 }
 
 TEST(ConfigSectionTrimmedLine, TakesNameAndValueWithoutTheBlanksAround) {
@@ -139,6 +135,13 @@ TEST(ConfigSectionStream, KeepsTheFirstValueOfAName) {
   EXPECT_EQ(section["a"], "1");
 }
 
+TEST(ConfigSectionStream, TakesAsManyCharactersOfACommentedValueAsStandInFrontOfTheComment) {
+  CXConfigSection section("s");
+  std::istringstream in("ab =c#defghi");
+  section.Load(in);
+  EXPECT_EQ(section["ab"], "c#def");
+}
+
 TEST(ConfigSectionStream, IgnoresLinesThatAreNoParameters) {
   CXConfigSection section("s");
   std::istringstream in("abc\n# a =1\nb# =2\n");
@@ -194,6 +197,12 @@ TEST(ConfigSectionCopy, HasTheSameLinesAndName) {
                "Error -1011 by parsing config file b parameter in Scanner section");
 }
 
+TEST(ConfigSectionReadValue, OfATextGivesItAsItStands) {
+  std::string text = "old";
+  section_of("a=Some Text").ReadValue("a", text);
+  EXPECT_EQ(text, "Some Text");
+}
+
 TEST(ConfigSectionReadValue, OfAMissingNameThrowsWithSectionAndName) {
   bool out = false;
   const auto failure = failure_of([&] { section_of("a=1").ReadValue("b", out); });
@@ -231,6 +240,17 @@ TEST(ConfigSectionReadValue, WithAFallbackGivesItForAMissingName) {
   std::string text;
   section.ReadValue("a", text, "fallback");
   EXPECT_EQ(text, "fallback");
+}
+
+TEST(ConfigSectionReadValue, WithAFallbackPrefersAGoodValue) {
+  bool flag = true;
+  section_of("a=off").ReadValue("a", flag, true);
+  EXPECT_FALSE(flag);
+  section_of("a=on").ReadValue("a", flag, false);
+  EXPECT_TRUE(flag);
+  std::string text;
+  section_of("a=value").ReadValue("a", text, "fallback");
+  EXPECT_EQ(text, "value");
 }
 
 TEST(ConfigSectionReadValue, WithAFallbackPrefersTheValueEvenAnEmptyOne) {

@@ -6,6 +6,8 @@
 #include <string>
 
 #include "foundation/exceptions.h"
+#include "foundation/loader_redirection.h"
+#include "support/failure_of.h"
 
 namespace Osv {
 namespace {
@@ -27,12 +29,7 @@ bool loaded() {
 
 template <typename Action>
 CXOtherException failure_of(Action action) {
-  try {
-    action();
-  } catch (const CXOtherException& failure) {
-    return failure;
-  }
-  return {"nothing was thrown", 0};
+  return testing_support::failure_of<CXOtherException>(action);
 }
 
 class OpenLibrary : public testing::Test {
@@ -102,6 +99,14 @@ TEST(DynamicLibrary, ThatIsMissingThrowsTheLoadersText) {
   const CXOtherException failure = failure_of([&] { library.Open("/nonexistent/x.so"); });
   EXPECT_EQ(failure.GetErrorNumber(), -201);
   EXPECT_NE(std::string(failure.GetDescription()).find("/nonexistent/x.so"), std::string::npos);
+}
+
+TEST(DynamicLibrary, ThatIsMissingHasAnEmptyTextWhenTheLoaderHasNone) {
+  testing_support::put_silence_in_place_of("libostrevanlf.so");
+  Probe library;
+  const CXOtherException failure = failure_of([&] { library.Open("libostrevanlf.so"); });
+  EXPECT_EQ(failure.GetErrorNumber(), -201);
+  EXPECT_STREQ(failure.GetDescription(), "");
 }
 
 }  // namespace

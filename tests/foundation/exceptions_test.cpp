@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <string>
 #include <type_traits>
+#include <utility>
 
 namespace Osv {
 namespace {
@@ -41,6 +43,18 @@ static_assert(std::is_base_of_v<CXOtherException, utilities::ClContextException<
 static_assert(std::is_base_of_v<CXSystemException, file::CXFileNotFound>);
 static_assert(std::is_base_of_v<CXSystemException, CXDynamicLibraryException>);
 static_assert(!std::is_base_of_v<std::exception, lx::CLX3ModuleException>);
+
+template <typename Exception>
+concept HasNumber = requires(const Exception& failure) {
+  failure.GetErrorNumber();
+};
+
+// A handler that wants the number has to catch one of the two branches that have one.
+static_assert(!HasNumber<ClOstrevanException>);
+static_assert(!HasNumber<CXException>);
+static_assert(!HasNumber<CXMemoryAllocException>);
+static_assert(HasNumber<CXOtherException>);
+static_assert(HasNumber<CXSystemException>);
 
 TEST(NumberedException, CarriesTextAndNumber) {
   const CXOtherException failure("a text", -14);
@@ -81,6 +95,19 @@ TEST(NumberedException, KeepsTextAndNumberInEachDerivedClass) {
   EXPECT_EQ(detection.GetErrorNumber(), -15);
 }
 
+/// The classes that add nothing to how a numbered exception reads.
+template <typename Exception>
+class PlainException : public testing::Test {};
+
+using PlainExceptions = testing::Types<CXOtherException, lx::ClLXException, lx::ClLXWarning,
+                                       lx::CLiveDetectionException, ClHeaderFormatException,
+                                       ClCHeaderDesrcTooLongException, lx::ClKR9NOTImplException>;
+TYPED_TEST_SUITE(PlainException, PlainExceptions);
+
+TYPED_TEST(PlainException, ReadsThePlainTextThroughWhat) {
+  EXPECT_EQ(what_of(TypeParam("a text", 1)), "a text");
+}
+
 TEST(SystemException, TakesTheErrorNumberAtConstruction) {
   const CXSystemException failure = system_failure(EACCES);
   errno = ENOENT;
@@ -96,6 +123,8 @@ TEST(SystemException, OfNumberZeroHasTheTextOfTheSystemForIt) {
 
 TEST(SystemException, ReadsThePlainTextThroughWhat) {
   EXPECT_EQ(what_of(system_failure(ENOENT)), std::strerror(ENOENT));
+  errno = ENOEXEC;
+  EXPECT_EQ(what_of(CXDynamicLibraryException()), std::strerror(ENOEXEC));
 }
 
 TEST(MemoryException, HasAFixedText) {
@@ -143,6 +172,11 @@ TEST(ParsingException, TellsTheValueWhenThereIsOne) {
   EXPECT_STREQ(failure.GetDescription(),
                "Error -1012 by parsing config file value v of p parameter in s section");
   EXPECT_EQ(failure.Value() + failure.Parameter() + failure.Section(), "v");
+}
+
+TEST(ParsingException, ReadsThePlainTextThroughWhat) {
+  EXPECT_EQ(what_of(CXConfigFileParsingException(-1010, "s", nullptr, nullptr)),
+            "Error -1010 by parsing config file s section");
 }
 
 TEST(ParsingException, TellsTheParameterWithoutAValue) {

@@ -139,6 +139,21 @@ TEST(FillImageData, TakesWidthBytesOfARowWhateverTheDepth) {
                                             1, 2, 99, 99, 99, 99, 99, 99}));
 }
 
+// Below 8 bits a row of the target may be shorter than the width in bytes.
+TEST(FillImageData, TakesNoMoreThanTheStrideBelow8Bits) {
+  const std::vector<unsigned char> from{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
+  std::vector<unsigned char> to(12, 99);
+  fill_image_data(to.data(), from.data(), 6, 2, 4);
+  EXPECT_EQ(to, (std::vector<unsigned char>{7, 8, 9, 10, 1, 2, 3, 4, 99, 99, 99, 99}));
+}
+
+TEST(FillImageData, TakesWidthBytesBelow8BitsWhereTheyFit) {
+  const std::vector<unsigned char> from{1, 2, 3, 4, 5, 6};
+  std::vector<unsigned char> to(8, 99);
+  fill_image_data(to.data(), from.data(), 3, 2, 1);
+  EXPECT_EQ(to, (std::vector<unsigned char>{4, 5, 6, 99, 1, 2, 3, 99}));
+}
+
 TEST(SwapRows, ExchangesAndComplementsInOnePass) {
   std::vector<unsigned char> first{1, 2, 3};
   std::vector<unsigned char> second{4, 5, 6};

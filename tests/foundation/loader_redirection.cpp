@@ -8,6 +8,7 @@ namespace Osv::testing_support {
 namespace {
 
 constexpr char kClosed[] = "libostrevan";
+constexpr char kSilence[] = "silence";
 
 std::map<std::string, std::string>& replacements() {
   static std::map<std::string, std::string> paths;
@@ -32,6 +33,11 @@ void put_in_place_of(const std::string& name, const std::string& path) {
   calls().clear();
 }
 
+void put_silence_in_place_of(const std::string& name) {
+  put_in_place_of(name, kSilence);
+  dlerror();  // takes a text of an earlier failure away
+}
+
 const std::vector<LoaderCall>& loader_calls() { return calls(); }
 
 }  // namespace Osv::testing_support
@@ -43,6 +49,9 @@ extern "C" __attribute__((visibility("default"))) void* dlopen(const char* name,
   }
   calls().push_back({name, mode});
   const std::string& path = replacements()[name];
+  if (path == kSilence) {
+    return nullptr;
+  }
   return real_dlopen(path.empty() ? ("/nonexistent/" + std::string(name)).c_str() : path.c_str(),
                      mode);
 }

@@ -13,6 +13,9 @@ namespace Osv::testing_support {
 /// it absent, as it is at first.
 void put_in_place_of(const std::string& name, const std::string& path);
 
+/// As `put_in_place_of`, but the library is absent without a text of the loader.
+void put_silence_in_place_of(const std::string& name);
+
 /// One call of `dlopen` for a closed library.
 struct LoaderCall {
   std::string name;

@@ -8,6 +8,7 @@
 #include "foundation/exceptions.h"
 #include "foundation/loader_redirection.h"
 #include "foundation/logging_journal.h"
+#include "support/failure_of.h"
 
 namespace {
 
@@ -46,12 +47,7 @@ class LoggingClient : public testing::Test {
   }
 
   static CXOtherException failure_of_create() {
-    try {
-      Client::Create();
-    } catch (const CXOtherException& failure) {
-      return failure;
-    }
-    return {"nothing was thrown", 0};
+    return testing_support::failure_of<CXOtherException>(&Client::Create);
   }
 };
 

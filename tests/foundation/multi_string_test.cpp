@@ -4,7 +4,6 @@
 
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace Osv {
 namespace {
@@ -35,6 +34,15 @@ TEST(MultiString, StaysEmptyWithoutAText) {
   list.Add("");
   list.Add(nullptr);
   EXPECT_TRUE(list.IsEmpty());
+}
+
+TEST(MultiString, ThatIsEmptyHasAnEmptyCopy) {
+  const ClMultiString list;
+  ClMultiString copy(list);
+  EXPECT_TRUE(copy.IsEmpty());
+  EXPECT_EQ(copy.Buffer(), nullptr);
+  copy.Add("ab");
+  EXPECT_EQ(bytes(copy), std::string("ab\0\0", 4));
 }
 
 TEST(MultiString, EndsOneStringWithTwoZeros) {
@@ -115,6 +123,13 @@ TEST_F(TwoStrings, MakeWayForNewOnesAfterEmpty) {
   m_list.Empty();
   m_list.Add("new");
   EXPECT_EQ(bytes(m_list), std::string("new\0\0", 5));
+}
+
+TEST_F(TwoStrings, MakeWayForNewOnesAfterDetach) {
+  const std::unique_ptr<char[]> buffer(m_list.Detach());
+  m_list.Add("new");
+  EXPECT_EQ(bytes(m_list), std::string("new\0\0", 5));
+  EXPECT_STREQ(m_list.Next(), "new");
 }
 
 TEST_F(TwoStrings, GoToTheCallerWithDetach) {

@@ -1,6 +1,8 @@
 #include "driver/calibration/cal_dynamic_lib.h"
 
 #include <new>
+#include <string>
+#include <vector>
 
 #include "driver/calibration/calibration_fixture.h"
 #include "driver/calibration/calibration_handle.h"

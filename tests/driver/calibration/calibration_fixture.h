@@ -7,12 +7,12 @@
 #include <vector>
 
 #include "driver/calibration/calibration.h"
-#include "driver/support/failure_of.h"
 #include "driver/support/loader_journal.h"
 #include "driver/support/log_lines.h"
 #include "foundation/bitmap.h"
 #include "foundation/exceptions.h"
 #include "support/closed_libraries.h"
+#include "support/failure_of.h"
 #include "support/simulator_fixture.h"
 
 namespace Osv::testing_support {

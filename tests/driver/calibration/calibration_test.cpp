@@ -1,15 +1,19 @@
 #include "driver/calibration/calibration.h"
 
+#include <functional>
+#include <iterator>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "driver/calibration/calibration_fixture.h"
 #include "driver/calibration/disable_dyn_calibration.h"
+#include "driver/support/mutex_watch.h"
+#include "support/comma_locale.h"
 
 namespace Osv::testing_support {
 namespace {
 
+using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
@@ -20,6 +24,20 @@ template <class Action>
 lx::ClLXException engine_failure(Action action) {
   return failure_of<lx::ClLXException>(action);
 }
+
+/// An engine with one text for all its errors.
+class TestWithAnEnginesText : public CalibrationTest {
+ protected:
+  void describe_as(const char* text) {
+    sText = text;
+    m_loader.give("CalibrateGetErrorDescription",
+                  reinterpret_cast<void*>(+[](long) -> const char* { return sText; }));
+    build();
+  }
+
+ private:
+  static inline const char* sText = nullptr;
+};
 
 using OutputSize = CalibrationTest;
 
@@ -126,6 +144,8 @@ TEST_F(CorrectedBitmap, ThatDoesNotLieInItsBufferIsMinus1) {
       {40, 500, 439, 1, 8, 0, 0, 0, 0, 0, 0},   // one row too many
       {40, -498, 438, 1, 8, 0, 0, 0, 0, 0, 0},  // negative sides
       {40, 498, -438, 1, 8, 0, 0, 0, 0, 0, 0},
+      {40, 55006, 1, 1, 32, 3, 0, 0, 0, 0, 0},   // colour masks, which only one count sees
+      {40, 500, 439, 1, 8, 3, 0, 0, 0, 256, 0},  // a palette, of which the other sees 3 entries
       {40, kHuge, kHuge, 1, 0xFFFF, 0, 0, 0, 0, 0, 0},  // sizes that overflow
       {40, kHuge, kHuge, 1, 32, 0, 0, 0, 0, 0xFFFFFFFF, 0}};
   for (const tagBITMAPINFOHEADER& header : written) {
@@ -180,7 +200,7 @@ TEST_F(SensitiveMode, FailsWithAnyOtherCode) {
             -37);
 }
 
-using DynamicCalibration = CalibrationTest;
+using DynamicCalibration = TestWithAnEnginesText;
 
 TEST_F(DynamicCalibration, IsSetWithAnOptionWithBlanks) {
   m_calibration->EnableDynCalibration(true);
@@ -211,8 +231,19 @@ TEST_F(DynamicCalibration, AGuardThatCantSwitchItOffPassesTheFailureOn) {
   EXPECT_EQ(bench.count("CalibrateSetOption"), 1U);
 }
 
-TEST_F(DynamicCalibration, AGuardThatCantSwitchItOnAgainLogsTheFailureAlone) {
-  bench.set_faults("CalibrateSetOption call 2 fails with -4000");
+TEST_F(DynamicCalibration, AGuardThatCantSwitchItOnAgainLogsTheEnginesErrorAndItsOwnLine) {
+  describe_as("Something failed.");
+  bench.set_faults("CalibrateSetOption call 2 fails with -8");
+  EXPECT_THAT(lines_of([&] { const lx::CXDisableDynCalibration guard(*m_calibration); }),
+              ElementsAre("level 3, 'KR9 scanner. Calibration error. Number: 0xfffffff8, "
+                          "Description: Something failed. '",
+                          "level 3, 'KR9 scanner, failed to enbalbe dynamic calibration. Message: "
+                          "Something failed. Error domain [ CAL ]. Error code [ -8 ]'"));
+}
+
+TEST_F(DynamicCalibration, AGuardThatCantSwitchItOnAgainLogsNoTextWhereTheEngineHasNone) {
+  describe_as(nullptr);
+  bench.set_faults("CalibrateSetOption call 2 fails with -8");
   EXPECT_EQ(lines_of([&] { const lx::CXDisableDynCalibration guard(*m_calibration); }).back(),
             "level 3, 'KR9 scanner, failed to enbalbe dynamic calibration. Message: '");
 }
@@ -248,20 +279,11 @@ TEST_F(Contamination, FailsWithTheEnginesCode) {
             -6);
 }
 
-class EngineError : public CalibrationTest {
+class EngineError : public TestWithAnEnginesText {
  protected:
-  void describe_as(const char* text) {
-    sText = text;
-    m_loader.give("CalibrateGetErrorDescription",
-                  reinterpret_cast<void*>(+[](long) -> const char* { return sText; }));
-    build();
-  }
-
   lx::ClLXException failure(long code) {
     return engine_failure([&] { m_calibration->CheckCalibrateError(code); });
   }
-
-  static inline const char* sText = nullptr;
 };
 
 TEST_F(EngineError, Of0IsNone) {
@@ -290,6 +312,20 @@ TEST_F(EngineError, WithANullTextHasAnEmptyTextButStillTheCode) {
   EXPECT_EQ(error.GetErrorNumber(), -12);
 }
 
+TEST_F(EngineError, WithANullTextIsLoggedWithAnEmptyOne) {
+  describe_as(nullptr);
+  EXPECT_THAT(lines_of([&] { (void)failure(-12); }),
+              ElementsAre("level 3, 'KR9 scanner. Calibration error. Number: 0xfffffff4, "
+                          "Description:  '"));
+}
+
+TEST_F(EngineError, IsWordedWithoutTheClientsLocale) {
+  const CommaLocale locale;
+  describe_as("Something failed.");
+  EXPECT_STREQ(failure(-4000).GetDescription(),
+               "Something failed. Error domain [ CAL ]. Error code [ -4000 ]");
+}
+
 TEST_F(EngineError, WithAnEmptyTextStillTellsItsCode) {
   describe_as("");
   EXPECT_STREQ(failure(5).GetDescription(), " Error domain [ CAL ]. Error code [ 5 ]");
@@ -303,17 +339,51 @@ TEST_F(EngineError, CutsTheCodeTo32BitsAndTheMessageAt1024Characters) {
   EXPECT_EQ(error.GetDescription(), std::string(1024, 'x'));
 }
 
-using EngineLock = CalibrationTest;
+/// An engine whose functions look at the mutex that their caller holds.
+class EngineLock : public CalibrationTest {
+ protected:
+  EngineLock() {
+    sMutexes.clear();
+    m_loader.give("Calibrate", reinterpret_cast<void*>(+[](void*, const tagBITMAPINFOHEADER*,
+                                                           unsigned long, tagBITMAPINFOHEADER*,
+                                                           unsigned long*) { return note(); }));
+    m_loader.give(
+        "CalibrateGetOption",
+        reinterpret_cast<void*>(+[](void*, const char*, char*, unsigned long*) { return note(); }));
+    m_loader.give("CalibrateSetOption",
+                  reinterpret_cast<void*>(+[](void*, const char*) { return note(); }));
+    m_loader.give("ContaminationDetection",
+                  reinterpret_cast<void*>(+[](void*, const tagBITMAPINFOHEADER*, unsigned long,
+                                              double*) { return note(); }));
+    m_loader.give("CalibrateGetErrorDescription", reinterpret_cast<void*>(+[](long) -> const char* {
+                    note();
+                    return nullptr;
+                  }));
+    build();
+  }
 
-TEST_F(EngineLock, LetsNoOptionInWhileAFrameIsCorrected) {
-  bench.set_faults("Calibrate blocks until told");
-  std::thread worker([&] { (void)result_size(); });
-  bench.wait_until_blocked("Calibrate");
-  std::thread client([&] { (void)m_calibration->IsSensitiveMode(); });
-  bench.release();
-  worker.join();
-  client.join();
-  EXPECT_EQ(bench.calls().front().function, "Calibrate");
+  static long note() {
+    sMutexes.push_back(last_locked());
+    EXPECT_TRUE(is_held(sMutexes.back())) << "call " << sMutexes.size();
+    return -7;
+  }
+
+  static inline std::vector<pthread_mutex_t*> sMutexes;
+};
+
+TEST_F(EngineLock, IsTheSameForEveryCallIntoTheEngine) {
+  unsigned long size = kRawSize;
+  const std::function<void()> operations[] = {
+      [&] { (void)result_size(); },
+      [&] { m_calibration->CalibrateBitmap(m_raw.BI(), kRawSize, m_raw.BI(), &size); },
+      [&] { (void)m_calibration->IsSensitiveMode(); },
+      [&] { m_calibration->EnableSensitiveMode(true); },
+      [&] { (void)m_calibration->ContaminationDetection(m_raw.BI()); }};
+  for (const auto& operation : operations) {
+    EXPECT_EQ(engine_failure(operation).GetErrorNumber(), -7);
+  }
+  ASSERT_EQ(sMutexes.size(), 2 * std::size(operations));  // each with the text of its error
+  EXPECT_THAT(sMutexes, Each(sMutexes.front()));
 }
 
 }  // namespace

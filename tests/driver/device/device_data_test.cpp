@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "driver/device/device_fixture.h"
-#include "driver/support/failure_of.h"
 #include "foundation/exceptions.h"
+#include "support/failure_of.h"
 
 namespace Osv::testing_support {
 namespace {

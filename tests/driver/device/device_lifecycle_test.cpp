@@ -4,9 +4,9 @@
 #include <string>
 
 #include "driver/device/device_fixture.h"
-#include "driver/support/failure_of.h"
 #include "driver/support/loader_journal.h"
 #include "foundation/exceptions.h"
+#include "support/failure_of.h"
 
 namespace Osv::testing_support {
 namespace {

@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "driver/support/failure_of.h"
 #include "driver/support/loader_journal.h"
 #include "foundation/exceptions.h"
 #include "support/closed_libraries.h"
+#include "support/failure_of.h"
 
 namespace Osv {
 namespace {

@@ -7,6 +7,7 @@ namespace {
 
 std::atomic<pthread_mutex_t*> s_pWatched{nullptr};
 std::atomic<int> s_nLocks{0};
+thread_local pthread_mutex_t* t_pLastLocked = nullptr;
 
 }  // namespace
 
@@ -18,6 +19,8 @@ LockCount::LockCount(CXMutex& mutex) {
 LockCount::~LockCount() { s_pWatched = nullptr; }
 
 int LockCount::so_far() const { return s_nLocks; }
+
+pthread_mutex_t* last_locked() { return t_pLastLocked; }
 
 }  // namespace Osv::testing_support
 
@@ -32,6 +35,7 @@ int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
   if (mutex == s_pWatched.load(std::memory_order_relaxed)) {
     s_nLocks.fetch_add(1, std::memory_order_relaxed);
   }
+  t_pLastLocked = mutex;
   return __real_pthread_mutex_lock(mutex);
 }
 // NOLINTEND(bugprone-reserved-identifier)

@@ -8,7 +8,8 @@
 #include "foundation/mutex.h"
 
 /// @file
-/// A look at the system's mutex behind a `CXMutex`.
+/// A look at the system's mutexes. The executable is linked with `--wrap` for the function that
+/// locks them.
 
 namespace Osv::testing_support {
 
@@ -19,16 +20,22 @@ inline pthread_mutex_t* system_mutex(CXMutex& mutex) {
 }
 
 /// Whether a thread holds the mutex, this one included.
-inline bool is_held(CXMutex& mutex) {
+inline bool is_held(pthread_mutex_t* mutex) {
   bool held = true;
   std::thread([&] {
-    held = pthread_mutex_trylock(system_mutex(mutex)) != 0;
+    held = pthread_mutex_trylock(mutex) != 0;
     if (!held) {
-      pthread_mutex_unlock(system_mutex(mutex));
+      pthread_mutex_unlock(mutex);
     }
   }).join();
   return held;
 }
+
+inline bool is_held(CXMutex& mutex) { return is_held(system_mutex(mutex)); }
+
+/// The mutex that this thread has locked last, held or not. A function called out of a library's
+/// stand-in finds the mutex here that its caller holds over the call.
+pthread_mutex_t* last_locked();
 
 /// Counts how often a mutex is locked while it lives. One object at a time.
 class LockCount {

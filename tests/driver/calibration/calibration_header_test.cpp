@@ -2,13 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <numeric>
-#include <stdexcept>
+#include <initializer_list>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "foundation/exceptions.h"
+#include "support/failure_of.h"
 
 namespace {
 
@@ -33,6 +37,8 @@ extern "C" __attribute__((visibility("default"))) std::time_t time(std::time_t* 
 namespace Osv {
 namespace {
 
+using testing_support::failure_of;
+
 using Bytes = std::vector<unsigned char>;
 
 constexpr char kRevision[] = "0123456\00089abcdef";
@@ -52,8 +58,6 @@ class MemoryStream : public CXStream {
     std::memcpy(data, m_bytes.data() + m_nPosition, count);
     m_nPosition += count;
   }
-
-  unsigned long position() const { return m_nPosition; }
 
  private:
   Bytes m_bytes;
@@ -107,20 +111,18 @@ class CalibrationHeader : public testing::Test {
 
   Bytes payload() const { return {m_pData, m_pData + m_nSize}; }
 
-  /// The number and text with which reading a memory fails.
-  template <typename Failure>
-  void expect_failure(const Bytes& memory, int number, const char* text) {
-    try {
-      read(memory);
-      FAIL();
-    } catch (const Failure& failure) {
-      EXPECT_EQ(failure.GetErrorNumber(), number);
-      EXPECT_STREQ(failure.GetDescription(), text);
-    }
+  void expect_format_failure(const Bytes& memory, const char* text) {
+    const auto failure = failure_of<ClHeaderFormatException>([&] { read(memory); });
+    EXPECT_EQ(failure.GetErrorNumber(), -1);
+    EXPECT_STREQ(failure.GetDescription(), text);
   }
 
   void expect_corrupt(const Bytes& memory) {
-    expect_failure<ClHeaderFormatException>(memory, -1, "The calibration data is corrupt.");
+    expect_format_failure(memory, "The calibration data is corrupt.");
+  }
+
+  void expect_other_version(const Bytes& memory) {
+    expect_format_failure(memory, "The calibration data are corrupt.");
   }
 
   ClKR9CalibrationHeader m_header;
@@ -190,8 +192,16 @@ TEST_F(CalibrationHeader, RefusesAnotherVersion) {
   Bytes memory = block("", 1, {7});
   for (const unsigned char version : Bytes{0, 2, 255}) {
     memory[0] = version;
-    expect_failure<ClHeaderFormatException>(memory, -1, "The calibration data are corrupt.");
+    expect_other_version(memory);
   }
+}
+
+TEST_F(CalibrationHeader, TellsAnotherVersionBeforeItLooksAtAnyLength) {
+  expect_other_version({2});
+  expect_other_version(Bytes(24, 2));
+  Bytes memory = block("d", 3, {7, 8});
+  memory[0] = 2;
+  expect_other_version(memory);
 }
 
 TEST_F(CalibrationHeader, RefusesAMemoryThatIsTooShortForTheFields) {
@@ -276,13 +286,11 @@ TEST_F(CalibrationHeader, LeavesTheLastByteAsItWasWithoutADescription) {
 
 TEST_F(CalibrationHeader, RefusesADescriptionOf256CharactersHalfway) {
   const std::string description(256, 'd');
-  try {
+  const auto failure = failure_of<ClCHeaderDesrcTooLongException>([&] {
     put({7, 8, 9}, description.c_str());
-    FAIL();
-  } catch (const ClCHeaderDesrcTooLongException& failure) {
-    EXPECT_EQ(failure.GetErrorNumber(), -1);
-    EXPECT_STREQ(failure.GetDescription(), "The description is too long.");
-  }
+  });
+  EXPECT_EQ(failure.GetErrorNumber(), -1);
+  EXPECT_STREQ(failure.GetDescription(), "The description is too long.");
   EXPECT_EQ(m_header.Block(), joined({{1, 7, 3, 111}, revision(), Bytes(256 + 25 + 3 - 20, 0)}));
 }
 
