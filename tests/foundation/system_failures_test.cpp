@@ -45,6 +45,23 @@ TEST(BitmapWithoutMemory, CannotBeAssignedToAndIsEmpty) {
   EXPECT_TRUE(bitmap.Empty());
 }
 
+TEST(BitmapWithoutMemory, CannotBeRescaledAndStaysAsItWas) {
+  utilities::ClSimpleBitmap bitmap = small_bitmap();
+  const tagBITMAPINFOHEADER* const block = bitmap.BI();
+  const FailingSystem failing(eFailing::ArrayNew);
+  for (const auto mode :
+       {utilities::ClSimpleBitmap::eRescaleBilinear, utilities::ClSimpleBitmap::eRescaleDouble}) {
+    EXPECT_THROW(bitmap.Rescale(5, 5, mode), CXMemoryAllocException);
+    EXPECT_EQ(bitmap.BI(), block);
+  }
+}
+
+TEST(BitmapWithoutMemory, CannotBeClipped) {
+  const utilities::ClSimpleBitmap bitmap = small_bitmap();
+  const FailingSystem failing(eFailing::ArrayNew);
+  EXPECT_THROW((void)bitmap.clip(0, 0, 2, 2), CXMemoryAllocException);
+}
+
 TEST(BlockWithoutMemory, IsRefused) {
   const utilities::ClSimpleBitmap source = small_bitmap();
   const FailingSystem failing(eFailing::ArrayNew);
