@@ -130,6 +130,20 @@ class ClSimpleBitmap {
                                                      unsigned long width,
                                                      unsigned long height) const;
 
+  /// Reads a bitmap file of 8 bits without compression. Pixels that the file promises and does not
+  /// hold are 0, and bytes behind the pixels are ignored. On every failure the bitmap keeps its old
+  /// content.
+  /// @throws CXSystemException when the file can't be opened, with the reason; when it ends within
+  ///   its header or palette, with 0
+  /// @throws CXOtherException -4000 for anything else that is no such file
+  /// @throws CXMemoryAllocException for a negative size or one that no block can have
+  void Load(const char* path);
+
+  /// Writes a bitmap file of any depth over what was there; an empty bitmap writes none. A failure
+  /// may leave a part of the file.
+  /// @throws CXSystemException when the file can't be opened or written
+  void Save(const char* path) const;
+
  private:
   static std::unique_ptr<unsigned char[]> NewBlock(unsigned long size);
 
