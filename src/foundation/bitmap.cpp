@@ -19,14 +19,6 @@ constexpr unsigned long kColourMasks = 3;
 constexpr unsigned long kLargestPaletteDepth = 8;
 constexpr unsigned int kNoColour = 4294967295U;
 
-std::unique_ptr<unsigned char[]> allocate(unsigned long size) {
-  std::unique_ptr<unsigned char[]> block(new (std::nothrow) unsigned char[size]);
-  if (block == nullptr) {
-    throw CXMemoryAllocException();
-  }
-  return block;
-}
-
 /// Where a mask lies within a pixel, and how many bits it has.
 struct Mask {
   long position = 0;
@@ -88,6 +80,14 @@ bool has_palette_index(unsigned long bits) {
 
 }  // namespace
 
+std::unique_ptr<unsigned char[]> ClSimpleBitmap::NewBlock(unsigned long size) {
+  std::unique_ptr<unsigned char[]> block(new (std::nothrow) unsigned char[size]);
+  if (block == nullptr) {
+    throw CXMemoryAllocException();
+  }
+  return block;
+}
+
 ClSimpleBitmap::ClSimpleBitmap(const ClSimpleBitmap& other) { Copy(other.BI()); }
 
 ClSimpleBitmap& ClSimpleBitmap::operator=(const ClSimpleBitmap& other) {
@@ -108,7 +108,7 @@ void ClSimpleBitmap::Create(unsigned long width, unsigned long height, unsigned 
     size += kMaskBytesReserved;
   }
   // The masks are written wider than what is reserved for them; a tiny image needs the slack.
-  m_pBlock = allocate(std::max(size, kHeaderSize + kMaskBytesWritten));
+  m_pBlock = NewBlock(std::max(size, kHeaderSize + kMaskBytesWritten));
   FillBI(BI(), width, height, bits, compression);
 }
 
@@ -119,7 +119,7 @@ void ClSimpleBitmap::Copy(const tagBITMAPINFOHEADER* source) {
   Clear();
   const unsigned long size = FullSize(source);
   if (size != 0) {
-    std::unique_ptr<unsigned char[]> block = allocate(size);
+    std::unique_ptr<unsigned char[]> block = NewBlock(size);
     std::memcpy(block.get(), source, size);
     m_pBlock = std::move(block);
   }
@@ -290,6 +290,25 @@ void ClSimpleBitmap::Invert() {
 void ClSimpleBitmap::Invert(unsigned long width, unsigned long height, unsigned long bits,
                             unsigned char* pixels) {
   img::image_invert(width, height, bits, pixels);
+}
+
+std::unique_ptr<ClSimpleBitmap> ClSimpleBitmap::clip(unsigned long x, unsigned long y,
+                                                     unsigned long width,
+                                                     unsigned long height) const {
+  if (Empty()) {
+    return nullptr;
+  }
+  auto clipped = std::make_unique<ClSimpleBitmap>();
+  clipped->Create(width, height, BitCount(), 0);
+  const unsigned long stride = clipped->BPRow();
+  for (unsigned long row = 0; row < height; ++row) {
+    unsigned char* const out = clipped->Pixel() + row * stride;
+    const unsigned long begin = std::min((y + row) * BPRow() + BitCount() / 8 * x, PixelSize());
+    const unsigned long available = std::min(stride, PixelSize() - begin);
+    std::memcpy(out, Pixel() + begin, available);
+    std::memset(out + available, 0, stride - available);
+  }
+  return clipped;
 }
 
 }  // namespace Osv::utilities

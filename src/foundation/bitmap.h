@@ -16,6 +16,12 @@ namespace Osv::utilities {
 /// setters do nothing. No lock: one thread owns a bitmap at a time.
 class ClSimpleBitmap {
  public:
+  /// How `Rescale` makes the new picture. Any other number is refused.
+  enum eRescaleMode : int {
+    eRescaleBilinear = 0,  ///< to the given size, each pixel blended from four
+    eRescaleDouble = 1     ///< to twice the present size, each pixel repeated
+  };
+
   ClSimpleBitmap() = default;
   ClSimpleBitmap(const ClSimpleBitmap& other);
   ~ClSimpleBitmap() = default;
@@ -100,7 +106,47 @@ class ClSimpleBitmap {
   static void Invert(unsigned long width, unsigned long height, unsigned long bits,
                      unsigned char* pixels);
 
+  /// Replaces the picture by a plain one of another size with the gray ramp of its depth and no
+  /// resolution. A bitmap without pixels stays as it is.
+  ///
+  /// Bilinear is meant for 8 bits; other depths go through their colours, and a gray that the new
+  /// ramp lacks becomes black. Where the source column or row of a pixel, cut to a whole number,
+  /// equals the last one of the *target*, the pixel is black, and is to stay so: scaling to the
+  /// same size blackens the last column and the last row. A width or height of 1 gives black.
+  ///
+  /// Doubling repeats bytes, so it is good for 8 bits only, and looks at the size only to refuse 0.
+  /// @param width pixels, at least 1
+  /// @param height rows, at least 1
+  /// @throws ClContextException<CXOtherException> -14 for a width or height of 0, -33 for another
+  ///   mode; the bitmap is then as it was
+  /// @throws CXMemoryAllocException as `Create` does; the bitmap is then as it was
+  void Rescale(unsigned long width, unsigned long height, eRescaleMode mode);
+
+  /// A new bitmap with a rectangle of this one, which has to lie inside; null for an empty bitmap.
+  /// It has the gray ramp of its depth and no resolution. Below 8 bits `x` is ignored. Its padding
+  /// continues the source row; what lies behind the source's last row is 0.
+  /// @throws CXMemoryAllocException as `Create` does
+  [[nodiscard]] std::unique_ptr<ClSimpleBitmap> clip(unsigned long x, unsigned long y,
+                                                     unsigned long width,
+                                                     unsigned long height) const;
+
+  /// Reads a bitmap file of 8 bits without compression. Pixels that the file promises and does not
+  /// hold are 0, and bytes behind the pixels are ignored. On every failure the bitmap keeps its old
+  /// content.
+  /// @throws CXSystemException when the file can't be opened, with the reason; when it ends within
+  ///   its header or palette, with 0
+  /// @throws CXOtherException -4000 for anything else that is no such file
+  /// @throws CXMemoryAllocException for a negative size or one that no block can have
+  void Load(const char* path);
+
+  /// Writes a bitmap file of any depth over what was there; an empty bitmap writes none. A failure
+  /// may leave a part of the file.
+  /// @throws CXSystemException when the file can't be opened or written
+  void Save(const char* path) const;
+
  private:
+  static std::unique_ptr<unsigned char[]> NewBlock(unsigned long size);
+
   std::unique_ptr<unsigned char[]> m_pBlock;
 };
 

@@ -4,6 +4,7 @@
 #include <pthread.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <new>
 
 namespace Osv::testing_support {
@@ -85,6 +86,11 @@ __attribute__((visibility("default"))) int pthread_mutex_init(
   }
   return real<int (*)(pthread_mutex_t*, const pthread_mutexattr_t*)>("pthread_mutex_init")(
       mutex, attributes);
+}
+
+__attribute__((visibility("default"))) int fclose(FILE* file) {
+  const int closed = real<int (*)(FILE*)>("fclose")(file);
+  return fails(eFailing::FileClose) ? EOF : closed;
 }
 
 }  // extern "C"

@@ -7,7 +7,7 @@
 namespace Osv::testing_support {
 
 /// What is to fail, until the object goes.
-enum class eFailing { Nothing, ArrayNew, MutexAttributes, MutexType, MutexInit };
+enum class eFailing { Nothing, ArrayNew, MutexAttributes, MutexType, MutexInit, FileClose };
 
 class FailingSystem {
  public:

@@ -3,12 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <string>
 
 #include "foundation/bitmap.h"
 #include "foundation/exceptions.h"
 #include "foundation/image_functions.h"
 #include "foundation/multi_string.h"
 #include "foundation/mutex.h"
+#include "foundation/temporary_file.h"
 
 namespace Osv {
 namespace {
@@ -43,6 +45,57 @@ TEST(BitmapWithoutMemory, CannotBeAssignedToAndIsEmpty) {
   const FailingSystem failing(eFailing::ArrayNew);
   EXPECT_THROW(bitmap = source, CXMemoryAllocException);
   EXPECT_TRUE(bitmap.Empty());
+}
+
+TEST(BitmapWithoutMemory, CannotBeRescaledAndStaysAsItWas) {
+  utilities::ClSimpleBitmap bitmap = small_bitmap();
+  const tagBITMAPINFOHEADER* const block = bitmap.BI();
+  const FailingSystem failing(eFailing::ArrayNew);
+  for (const auto mode :
+       {utilities::ClSimpleBitmap::eRescaleBilinear, utilities::ClSimpleBitmap::eRescaleDouble}) {
+    EXPECT_THROW(bitmap.Rescale(5, 5, mode), CXMemoryAllocException);
+    EXPECT_EQ(bitmap.BI(), block);
+  }
+}
+
+TEST(BitmapWithoutMemory, CannotBeClipped) {
+  const utilities::ClSimpleBitmap bitmap = small_bitmap();
+  const FailingSystem failing(eFailing::ArrayNew);
+  EXPECT_THROW((void)bitmap.clip(0, 0, 2, 2), CXMemoryAllocException);
+}
+
+TEST(BitmapWithoutMemory, CannotBeLoadedAndStaysAsItWas) {
+  utilities::ClSimpleBitmap bitmap = small_bitmap();
+  const testing_support::TemporaryFile file("");
+  bitmap.Save(file.path().c_str());
+  const tagBITMAPINFOHEADER* const block = bitmap.BI();
+  const FailingSystem failing(eFailing::ArrayNew);
+  EXPECT_THROW(bitmap.Load(file.path().c_str()), CXMemoryAllocException);
+  EXPECT_EQ(bitmap.BI(), block);
+}
+
+class BitmapFileThatCannotBeClosed : public testing::Test {
+ protected:
+  static void expect_failure(const std::string& path, int number) {
+    utilities::ClSimpleBitmap bitmap;
+    bitmap.Create(1, 1, 1, 0);  // as small as a file can be: no buffer overflows early
+    const FailingSystem failing(eFailing::FileClose, EIO);
+    try {
+      bitmap.Save(path.c_str());
+      FAIL();
+    } catch (const CXSystemException& failure) {
+      EXPECT_EQ(failure.GetErrorNumber(), number);
+    }
+  }
+};
+
+TEST_F(BitmapFileThatCannotBeClosed, IsAFailureOfTheSystem) {
+  const testing_support::TemporaryFile file("");
+  expect_failure(file.path(), EIO);
+}
+
+TEST_F(BitmapFileThatCannotBeClosed, TellsTheWriteThatFailedBefore) {
+  expect_failure("/dev/full", ENOSPC);
 }
 
 TEST(BlockWithoutMemory, IsRefused) {

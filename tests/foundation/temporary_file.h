@@ -13,7 +13,8 @@ namespace Osv::testing_support {
 class TemporaryFile {
  public:
   explicit TemporaryFile(const std::string& bytes)
-      : m_path(::testing::TempDir() + "hvk3_" + std::to_string(getpid())) {
+      : m_path(::testing::TempDir() + "hvk3_" + std::to_string(getpid()) + "_" +
+               std::to_string(s_nFiles++)) {
     std::ofstream(m_path, std::ios::binary) << bytes;
   }
   ~TemporaryFile() { std::remove(m_path.c_str()); }
@@ -23,6 +24,7 @@ class TemporaryFile {
   const std::string& path() const { return m_path; }
 
  private:
+  static inline int s_nFiles = 0;
   std::string m_path;
 };
 
