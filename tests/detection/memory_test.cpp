@@ -37,6 +37,7 @@ TEST_F(WithoutMemory, AFirstFrameThatCannotBeKeptIsMadeUpForByTheNext) {
   EXPECT_FALSE(show(250));
   EXPECT_FALSE(show(100));
   EXPECT_TRUE(show(250));
+  ASSERT_FALSE(out.Empty());
   EXPECT_EQ(*out.Pixel(), 100);
 }
 
@@ -51,6 +52,7 @@ TEST_F(WithoutMemory, AFingerThatCannotBeKeptDoesNotLowerTheSum) {
   show_in_vain(100);
   EXPECT_FALSE(show(120));
   EXPECT_TRUE(show(250));
+  ASSERT_FALSE(out.Empty());
   EXPECT_EQ(*out.Pixel(), 120);
 }
 
