@@ -30,7 +30,7 @@ struct ThreadAttributes : testing::Test {
   /// What a start asks of the system.
   std::vector<std::string> calls_of_start() {
     EXPECT_TRUE(worker.Start());
-    const std::vector<std::string> calls = system.calls();
+    std::vector<std::string> calls = system.calls();
     EXPECT_EQ(worker.Stop(), 3);
     return calls;
   }
