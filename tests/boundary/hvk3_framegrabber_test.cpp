@@ -443,6 +443,8 @@ TEST_F(Facade, WithoutTheLoggingFacilityTheFrameGrabberIsBuiltAndSilent) {
 
 TEST_F(Facade, UninitializingStopsCaptureAndLetsTheLoggingFacilityGo) {
   ASSERT_NE(utilities::ClLoggingFacilityClient::m_fpLogInstance, nullptr);
+  // Frozen, since a worker that fetches could want the lock that is held while it is stopped.
+  grabber.Freeze(1, true);
   ASSERT_EQ(grabber.StartCapture(1, 1, eCaptureLive, nullptr, nullptr, nullptr, nullptr, nullptr),
             0U);
   EXPECT_EQ(grabber.Uninitialize(), 0U);

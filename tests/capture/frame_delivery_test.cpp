@@ -25,7 +25,7 @@ class ScriptedDetection : public ClImageDetection {
   bool Detect(ClSimpleBitmap& in, ClSimpleBitmap& out) override {
     m_journal.add(out.Empty() ? "detect" : "detect with an old image");
     out = m_script.out_level ? test::gray_image(in.Width(), in.Height(), *m_script.out_level) : in;
-    if (!in.Empty()) {
+    if (in.PixelSize() != 0) {
       m_script.first_pixel = *in.Pixel();
     }
     return m_answer;
