@@ -121,6 +121,16 @@ TEST_F(Exports, DestroyingFreesTheDummyToo) {
   EXPECT_EQ(m_pDummy, nullptr);
 }
 
+TEST_F(Exports, DestroyingFreesTheFrameGrabberAndTheDummyOfAnEarlierFailure) {
+  built_with(ClLXException("first", 2));
+  GetFrameGrabber();
+  ASSERT_NE(m_pFG, nullptr);
+  ASSERT_NE(m_pDummy, nullptr);
+  DestroyFrameGrabber();
+  EXPECT_EQ(m_pFG, nullptr);
+  EXPECT_EQ(m_pDummy, nullptr);
+}
+
 TEST_F(Exports, FrameInformationNeedsARealFrameGrabber) {
   double score = -1;
   EXPECT_EQ(FGCurrentFrameInfo(0, 0, 0, &score), 0x10000017U);

@@ -8,6 +8,7 @@
 
 #include "boundary/facade_fixture.h"
 #include "foundation/logging_client.h"
+#include "support/virtual_slots.h"
 
 namespace Osv::lx {
 namespace {
@@ -20,6 +21,28 @@ using ::testing::IsEmpty;
 constexpr char kEarlier[] = "an earlier text";
 constexpr char kNotConnected[] = "The scanner is not connected to the host";
 constexpr char kInitializationFailed[] = "Initialization failed.";
+
+// ---- the object as its clients know it
+
+TEST_F(Facade, ItsOwnVirtualOperationsFollowThoseOfTheInterface) {
+  using Grabber = ClOstrevanHVK3Framegrabber;
+  EXPECT_EQ(test::slot_of(&Grabber::CurrentFrameInfo), 34U);
+  EXPECT_EQ(test::slot_of(&Grabber::Initizalize), 35U);
+  EXPECT_EQ(test::slot_of(&Grabber::Uninitialize), 36U);
+  EXPECT_EQ(test::slot_of(&Grabber::FreezeSDK), 37U);
+}
+
+TEST_F(Facade, TheInterfaceStandsFirstInItThenTheListsThenTheDriver) {
+  const auto place = [this](const auto& base) {
+    return reinterpret_cast<const char*>(&base) - reinterpret_cast<const char*>(&grabber);
+  };
+  const auto interface = place(static_cast<const ClFramegrabber&>(grabber));
+  const auto lists = place(static_cast<const ClFramegrabberImpl&>(grabber));
+  const auto driver = place(static_cast<const ClOstrevanHVK3SDK&>(grabber));
+  EXPECT_EQ(interface, 0);
+  EXPECT_LT(interface, lists);
+  EXPECT_LT(lists, driver);
+}
 
 // ---- the capability lists
 
@@ -187,6 +210,12 @@ TEST_F(Facade, AnUnknownFilterIsReportedAndSetAllTheSame) {
   EXPECT_EQ(grabber.SetFilter(1, eFilterIDs(3)), 0x1000000BU);
   EXPECT_EQ(grabber.last_text(), "The filter ID bad or framegrabber does not support");
   EXPECT_EQ(grabber.channel().m_eFilter, eFilterIDs(3));
+}
+
+TEST_F(Facade, AChannelThatIsNotThereOutweighsAnUnknownFilter) {
+  EXPECT_EQ(grabber.SetFilter(2, eFilterIDs(3)), 0x10000004U);
+  EXPECT_EQ(grabber.last_text(), "Incorrect channel number for frame grabber");
+  EXPECT_EQ(grabber.channel().m_eFilter, eFilterNone);
 }
 
 TEST_F(Facade, AModeThatIsNotOfferedStartsNoWorkerAndDoesNotReachTheDriver) {
@@ -413,6 +442,9 @@ TEST_F(Facade, WithoutTheLoggingFacilityTheFrameGrabberIsBuiltAndSilent) {
 }
 
 TEST_F(Facade, UninitializingStopsCaptureAndLetsTheLoggingFacilityGo) {
+  ASSERT_NE(utilities::ClLoggingFacilityClient::m_fpLogInstance, nullptr);
+  // Frozen, since a worker that fetches could want the lock that is held while it is stopped.
+  grabber.Freeze(1, true);
   ASSERT_EQ(grabber.StartCapture(1, 1, eCaptureLive, nullptr, nullptr, nullptr, nullptr, nullptr),
             0U);
   EXPECT_EQ(grabber.Uninitialize(), 0U);

@@ -1,31 +1,15 @@
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <vector>
 
 #include "ostrevanhvk3/framegrabber.h"
+#include "support/virtual_slots.h"
 
 namespace Osv::lx {
 namespace {
 
-constexpr std::size_t kDestructorSlots = 2;  // one for a complete object, one that deletes
-
-/// The slot of a virtual operation, as the platform's pointers to members encode it.
-template <typename Operation>
-std::size_t slot_of(Operation operation) {
-  std::size_t words[2] = {};
-  static_assert(sizeof(words) == sizeof(operation));
-  std::memcpy(words, &operation, sizeof(words));
-  return words[0] / sizeof(void*) - kDestructorSlots;
-}
-
-std::vector<std::size_t> numbers_up_to(std::size_t count) {
-  std::vector<std::size_t> numbers(count);
-  for (std::size_t i = 0; i < count; ++i) {
-    numbers[i] = i;
-  }
-  return numbers;
-}
+using test::numbers_up_to;
+using test::slot_of;
 
 TEST(Interface, TheOperationsHaveTheirSlotsInTheAgreedOrder) {
   using Grabber = ClFramegrabber;

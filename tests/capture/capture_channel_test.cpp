@@ -199,6 +199,25 @@ TEST_F(Starting, EveryCaptureBeginsWithANewStrategy) {
   EXPECT_EQ(channel.GetCaptureMode(), eCaptureFastPlain);
 }
 
+/// Brings one frame of a gray level to the strategy.
+void show(test::StillChannel& channel, unsigned char level) {
+  utilities::ClSimpleBitmap frame = test::gray_image(120, 5, level);
+  channel.SendBitmapToClient(frame, true);
+}
+
+TEST_F(Starting, EveryCaptureBeginsWithAStrategyInItsInitialState) {
+  start(eCaptureFastPlain);
+  show(channel, 255);
+  show(channel, 100);
+  channel.StopCapture();
+  start(eCaptureFastPlain);
+  show(channel, 254);
+  EXPECT_EQ(journal.count("finger 3"), 0) << "the finger of the capture before was never lifted";
+  show(channel, 120);
+  show(channel, 254);
+  EXPECT_EQ(journal.count("finger 3"), 1) << "darker than this capture's platen";
+}
+
 TEST_F(Starting, AThreadThatCannotBeCreatedIsLoggedAndLeavesTheChannelStarted) {
   const test::LogRecorder log;
   channel.starts = false;

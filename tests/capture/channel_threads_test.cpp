@@ -1,5 +1,6 @@
 #include <future>
 #include <latch>
+#include <set>
 #include <thread>
 
 #include "capture/channel_bench.h"
@@ -13,11 +14,16 @@ using test::failure_of;
 using testing::ElementsAre;
 using utilities::ClSimpleBitmap;
 
-/// A bench with a real worker thread, whose waits give up the processor.
+/// A bench with a real worker thread, whose waits give up the processor. The polls of a freeze are
+/// in the journal.
 struct ChannelThreads : test::ChannelBench<ClOstrevanHVK3Channel> {
   ~ChannelThreads() override { channel.StopCapture(); }
 
-  test::WaitRecorder waits;
+  test::WaitRecorder waits{[this](int milliseconds) {
+    if (milliseconds != 0) {
+      journal.add("wait " + std::to_string(milliseconds));
+    }
+  }};
 };
 
 TEST_F(ChannelThreads, AfterAStopNoCallbackComes) {
@@ -30,18 +36,33 @@ TEST_F(ChannelThreads, AfterAStopNoCallbackComes) {
 }
 
 TEST_F(ChannelThreads, EveryCallbackComesOnTheWorker) {
+  std::set<std::thread::id> threads;
   bool all_on_worker = true;
   const auto check = [&] {
+    threads.insert(std::this_thread::get_id());
     all_on_worker =
         all_on_worker && channel.IsCurrentThread() && ClFrameGrabberChannel::IsWorkerThread();
   };
-  client.on_start = client.on_stop = check;
+  client.on_start = client.on_stop = client.on_error = client.on_warning = check;
   client.on_live = client.on_finger = [&](const Client::Image&) { check(); };
+  scanner.when("GetLiveBitmap", [this](ClSimpleBitmap&) {
+    if (journal.count("GetLiveBitmap") == 2) {
+      throw ClLXWarning("dirty platen", 5);
+    }
+    if (journal.count("GetLiveBitmap") == 3) {
+      throw ClLXException("unplugged", 2);
+    }
+  });
   start(eCapturePlain);
-  ASSERT_TRUE(journal.await("finger 1"));
+  ASSERT_TRUE(journal.await("stop"));
   channel.StopCapture();
+  for (const char* const entry :
+       {"start", "live", "finger 1", "warning: dirty platen", "error: unplugged error: 2"}) {
+    EXPECT_EQ(journal.count(entry), 1) << entry;
+  }
   EXPECT_TRUE(all_on_worker);
-  EXPECT_FALSE(channel.IsCurrentThread());
+  EXPECT_EQ(threads.size(), 1U);
+  EXPECT_EQ(threads.count(std::this_thread::get_id()), 0U);
 }
 
 TEST_F(ChannelThreads, AStopRightAfterTheStartGivesBothCallbacksOrNone) {
@@ -76,15 +97,31 @@ TEST_F(ChannelThreads, AfterAFailureCaptureResumesOnlyAfterAStop) {
 }
 
 TEST_F(ChannelThreads, AFreezeStopsTheFramesWithinOnePass) {
+  std::latch fetching(1);
+  std::latch frozen(1);
+  scanner.when("GetLiveBitmap", [&](ClSimpleBitmap&) {
+    if (journal.count("GetLiveBitmap") == 2) {
+      fetching.count_down();
+      frozen.wait();
+    }
+  });
   start(eCaptureLive);
-  ASSERT_TRUE(journal.await("live"));
+  fetching.wait();
   channel.m_bFreeze = true;
-  ASSERT_TRUE(journal.await("FreezeSDK true"));
-  const long frames = journal.count("GetLiveBitmap");
-  channel.StopCapture();
-  EXPECT_EQ(journal.count("GetLiveBitmap"), frames);
+  frozen.count_down();
+  ASSERT_TRUE(journal.await("wait 100", 3));
+  EXPECT_EQ(journal.count("GetLiveBitmap"), 2);
+  EXPECT_EQ(journal.count("live"), 2) << "the frame being fetched is still delivered";
   EXPECT_EQ(journal.count("FreezeSDK true"), 1);
+}
+
+TEST_F(ChannelThreads, AStopEndsAFrozenCapture) {
+  channel.m_bFreeze = true;
+  start(eCaptureLive);
+  ASSERT_TRUE(journal.await("wait 100", 2));
+  EXPECT_TRUE(channel.StopCapture());
   EXPECT_EQ(journal.count("stop"), 1);
+  EXPECT_EQ(journal.count("FreezeSDK false"), 0);
 }
 
 TEST_F(ChannelThreads, UnfreezingBringsTheFramesBack) {

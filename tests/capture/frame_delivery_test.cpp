@@ -1,3 +1,5 @@
+#include <optional>
+
 #include "capture/channel_bench.h"
 
 namespace Osv::lx {
@@ -8,21 +10,31 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using utilities::ClSimpleBitmap;
 
+/// What the strategy of a test does with a frame.
+struct Script {
+  std::optional<unsigned char> out_level = {};  ///< gray level of its image; otherwise the frame
+  unsigned char first_pixel = 0;                ///< out: of the frame that it saw
+};
+
 /// A strategy that answers as told and writes itself into the journal.
 class ScriptedDetection : public ClImageDetection {
  public:
-  ScriptedDetection(test::Journal& journal, unsigned int type, bool answer)
-      : m_journal(journal), m_type(eCaptureModeIDs{type}), m_answer(answer) {}
+  ScriptedDetection(test::Journal& journal, Script& script, unsigned int type, bool answer)
+      : m_journal(journal), m_script(script), m_type(eCaptureModeIDs{type}), m_answer(answer) {}
 
   bool Detect(ClSimpleBitmap& in, ClSimpleBitmap& out) override {
     m_journal.add(out.Empty() ? "detect" : "detect with an old image");
-    out = in;
+    out = m_script.out_level ? test::gray_image(in.Width(), in.Height(), *m_script.out_level) : in;
+    if (in.PixelSize() != 0) {
+      m_script.first_pixel = *in.Pixel();
+    }
     return m_answer;
   }
   eCaptureModeIDs Type() const override { return m_type; }
 
  private:
   test::Journal& m_journal;
+  Script& m_script;
   eCaptureModeIDs m_type;
   bool m_answer;
 };
@@ -32,12 +44,21 @@ struct Delivery : test::StillBench {
 
   /// Delivers the frame with a strategy of this type and answer.
   std::vector<std::string> send(unsigned int type, bool answer, bool detect = true) {
-    channel.m_pDetection = std::make_unique<ScriptedDetection>(journal, type, answer);
+    channel.m_pDetection = std::make_unique<ScriptedDetection>(journal, script, type, answer);
     channel.SendBitmapToClient(frame, detect);
     return journal.entries();
   }
 
+  /// From here on, the first pixels of the images that the client gets, in their order.
+  void note_first_pixels() {
+    client.on_live = client.on_finger = [this](const Client::Image& image) {
+      first_pixels.push_back(*image.pixels());
+    };
+  }
+
   ClSimpleBitmap frame;
+  Script script;
+  std::vector<int> first_pixels;
 };
 
 // Frames that the channel leaves as they are.
@@ -79,18 +100,55 @@ TEST_F(Delivery, TheLiveImageIsTheFrameItself) {
   EXPECT_THAT(send(0, true), ElementsAre("live"));
 }
 
-TEST_F(Delivery, TheFrameIsNotChanged) {
-  frame = test::noise_image(120, 5, 3);
-  const ClSimpleBitmap before = frame;
-  send(1, true);
-  EXPECT_TRUE(test::same_block(frame, before));
+TEST_F(Delivery, TheFinishedImageIsTheStrategysAndNotTheFrame) {
+  script.out_level = 30;
+  note_first_pixels();
+  EXPECT_THAT(send(1, true), ElementsAre("live", "detect", "finger 1"));
+  EXPECT_THAT(first_pixels, ElementsAre(100, 30));
 }
 
-TEST_F(Delivery, CallbacksGetHandleAndChannel) {
-  channel.m_nChannel = 3;
+TEST_F(Delivery, TheFrameIsNotChangedWhetherTheChannelIsDirtyOrClean) {
+  frame = test::noise_image(120, 5, 3);
+  const ClSimpleBitmap before = frame;
+  for (const bool dirty : {true, false}) {
+    channel.m_bDirty = dirty;
+    send(1, true);
+    EXPECT_TRUE(test::same_block(frame, before));
+    EXPECT_EQ(channel.m_bDirty, dirty);
+  }
+}
+
+// That an entry stands in the journal proves the user pointer: the client is found through it.
+
+struct CallbackArguments : Delivery {
+  CallbackArguments() { channel.m_nChannel = 3; }
+
+  void expect_arguments(const std::string& entry) {
+    EXPECT_EQ(journal.entries().back(), entry);
+    EXPECT_EQ(client.handle, kHandle);
+    EXPECT_EQ(client.channel, 3U);
+  }
+};
+
+TEST_F(CallbackArguments, AreHandleChannelAndUserPointerForALiveImage) {
+  send(0, true);
+  expect_arguments("live");
+}
+
+TEST_F(CallbackArguments, AreHandleChannelAndUserPointerForAFinger) {
+  channel.m_pfnLiveImage = nullptr;
   send(1, true);
-  EXPECT_EQ(client.handle, kHandle);
-  EXPECT_EQ(client.channel, 3U);
+  expect_arguments("finger 1");
+}
+
+TEST_F(CallbackArguments, AreHandleChannelAndUserPointerForAnError) {
+  channel.SendError("no scanner", 2);
+  expect_arguments("error: no scanner error: 2");
+}
+
+TEST_F(CallbackArguments, AreHandleChannelAndUserPointerForAWarning) {
+  channel.SendWarning("dirty platen", 5);
+  expect_arguments("warning: dirty platen");
 }
 
 TEST_F(Delivery, WhileDetectionIsSuppressedFramesAreShownAndTheStrategySeesNone) {
@@ -180,9 +238,44 @@ struct ProcessedDelivery : Delivery {
   }
 };
 
-TEST_F(ProcessedDelivery, TheFrameIsTurned) {
-  client.on_live = [](const Client::Image& image) { EXPECT_EQ(*image.pixels(), 50); };
-  EXPECT_THAT(send(0, true), ElementsAre("live"));
+TEST_F(ProcessedDelivery, TheFrameIsTurnedWhetherTheChannelIsDirtyOrClean) {
+  note_first_pixels();
+  for (const bool dirty : {true, false}) {
+    channel.m_bDirty = dirty;
+    send(0, true);
+  }
+  EXPECT_THAT(first_pixels, ElementsAre(50, 10));  // the second turn brings the frame back
+}
+
+TEST_F(ProcessedDelivery, TheStrategySeesTheFrameTurned) {
+  send(2, true);
+  EXPECT_EQ(script.first_pixel, 50);
+}
+
+TEST_F(ProcessedDelivery, AFrameThatNeedsNoDetectionIsDeliveredTurned) {
+  note_first_pixels();
+  EXPECT_THAT(send(1, true, false), ElementsAre("live", "finger 1"));
+  EXPECT_THAT(first_pixels, ElementsAre(50, 50));
+}
+
+TEST_F(ProcessedDelivery, APreviewIsDeliveredTurned) {
+  note_first_pixels();
+  EXPECT_THAT(send(4, false), ElementsAre("finger 4"));
+  EXPECT_THAT(first_pixels, ElementsAre(50));
+}
+
+TEST_F(ProcessedDelivery, TheFinishedImageIsTheStrategysAndNotTheFrame) {
+  script.out_level = 30;
+  note_first_pixels();
+  EXPECT_THAT(send(1, true), ElementsAre("live", "detect", "finger 1"));
+  EXPECT_THAT(first_pixels, ElementsAre(50, 30));
+}
+
+TEST_F(ProcessedDelivery, TheWorkingImageThatIsShownIsTheStrategysAndNotTheFrame) {
+  script.out_level = 30;
+  note_first_pixels();
+  EXPECT_THAT(send(2, false), ElementsAre("detect", "live"));
+  EXPECT_THAT(first_pixels, ElementsAre(30));
 }
 
 TEST_F(ProcessedDelivery, ADirtyChannelTakesTheFrameAsItCameForItsBackground) {
@@ -206,10 +299,6 @@ TEST_F(ProcessedDelivery, APreviewIsFinishedAndNotShown) {
 TEST_F(ProcessedDelivery, ABlankPreviewGoesNowhere) {
   test::fill_row(frame, 2, 0);
   EXPECT_THAT(send(4, false), IsEmpty());
-}
-
-TEST_F(ProcessedDelivery, AFrameThatNeedsNoDetectionIsTheFinishedImage) {
-  EXPECT_THAT(send(1, true, false), ElementsAre("live", "finger 1"));
 }
 
 TEST_F(ProcessedDelivery, AFinishedImageFollowsTheLiveImage) {

@@ -18,7 +18,7 @@ struct Grabber : test::StubFramegrabber {
   unsigned long GetImage(unsigned int channel, unsigned char** image) override {
     asked_channel = channel;
     filter_meanwhile = m_channel.m_eFilter;
-    if (result == 0) {
+    if (result == 0 && !picture.Empty()) {
       utilities::ClSimpleBitmap copy = picture;
       *image = copy.Detach();
     }
@@ -77,6 +77,14 @@ TEST_F(RefreshBackground, ThePictureIsReleasedOnce) {
 TEST_F(RefreshBackground, TheFilterIsOffForThePictureAndThenBackAgain) {
   channel.RefreshBackGround(grabber);
   EXPECT_EQ(grabber.filter_meanwhile, eFilterNone);
+  EXPECT_EQ(channel.m_eFilter, kFilter);
+}
+
+TEST_F(RefreshBackground, ASuccessWithoutAPictureLeavesNoBackgroundAndTheFilterAsItWas) {
+  channel.m_Background = test::gray_image(4, 4, 9);
+  grabber.picture.Clear();
+  EXPECT_EQ(failure_of([this] { channel.RefreshBackGround(grabber); }).first, 0);
+  EXPECT_TRUE(channel.m_Background.Empty());
   EXPECT_EQ(channel.m_eFilter, kFilter);
 }
 

@@ -392,6 +392,22 @@ TEST_F(WorkLoop, AFailureAtTheEndUnlocksAndLeavesTheThread) {
   EXPECT_THAT(from("StopLiveCapturing"), ElementsAre("StopLiveCapturing", "UnLock"));
 }
 
+TEST_F(WorkLoop, AScannerThatCannotBeLeftUnlocksAndLeavesTheThreadWithoutAStopCallback) {
+  fail_in("UninitializeSDK", ClLXException("no", 1));
+  stop_after(1);
+  EXPECT_THROW(capture(eCaptureLive), ClLXException);
+  EXPECT_THAT(from("StopLiveCapturing"),
+              ElementsAre("StopLiveCapturing", "UninitializeSDK", "UnLock"));
+}
+
+TEST_F(WorkLoop, AStopCallbackThatThrowsUnlocksAndLeavesTheThread) {
+  client.on_stop = [] { throw std::runtime_error("client"); };
+  stop_after(1);
+  EXPECT_THROW(capture(eCaptureLive), std::runtime_error);
+  EXPECT_THAT(from("UninitializeSDK"), ElementsAre("UninitializeSDK", "stop", "UnLock"));
+  EXPECT_EQ(journal.count("error: client error: 23"), 0);
+}
+
 TEST_F(WorkLoop, AFailureOfUnLockIsAFailureLikeAnyOther) {
   scanner.when("UnLock", [this](ClSimpleBitmap&) {
     if (journal.count("UnLock") == 2) {

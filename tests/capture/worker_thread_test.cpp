@@ -182,11 +182,6 @@ TEST(WorkerThread, SetNameNamesTheCallingThread) {
   EXPECT_EQ(name, "frames");
 }
 
-TEST(WorkerThread, RelinquishComesBack) {
-  CXWorkerThread::Relinquish();
-  SUCCEED();
-}
-
 TEST(WorkerThread, SleepMakesOneWaitOfTheTimeAskedForAndAlsoOneOf0) {
   static std::vector<int> waits;
   waits.clear();

@@ -2,6 +2,7 @@
 #include <future>
 
 #include "client/client_fixture.h"
+#include "client/joining.h"
 
 namespace Osv::client {
 namespace {
@@ -49,10 +50,14 @@ TEST_F(CaptureCallbacks, NothingComesOnceStopHasReturned) {
 
 TEST_F(CaptureCallbacks, AFrameThatWasBeingFetchedWhenTheStopCameIsDropped) {
   capture_live_up_to_frame_call(4);
+  const Joining joining;
   std::future<unsigned long> stopping = std::async(std::launch::async, [&] { return stop(); });
+  EXPECT_TRUE(joining.await());
   bench.release();
   EXPECT_EQ(stopping.get(), 0U);
-  EXPECT_EQ(recorder.kinds().back(), eEvent::Stop);
+  EXPECT_EQ(bench.count(kFrameCall), 4U);
+  EXPECT_THAT(recorder.kinds(),
+              ElementsAre(eEvent::Start, eEvent::Live, eEvent::Live, eEvent::Stop));
 }
 
 TEST_F(CaptureCallbacks, StartingDoesNotWaitForTheWorker) {

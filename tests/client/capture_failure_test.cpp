@@ -148,10 +148,13 @@ TEST_F(CaptureFailure, ABusyScannerIsAskedAgainAndTheFrameComes) {
   ASSERT_TRUE(recorder.wait_for(eEvent::Live, 3));
   stop();
   EXPECT_EQ(recorder.count(eEvent::Error), 0U);
+  EXPECT_EQ(sleeps.timed_waits().size(), 1U);
 }
 
-TEST_F(CaptureFailure, AScannerThatStaysBusyEndsCaptureAfter20Tries) {
+TEST_F(CaptureFailure, AScannerThatStaysBusyEndsCaptureAfter20TriesOf100Milliseconds) {
   capture_with(frame("from call 3 on fails with 121"));
+  EXPECT_EQ(sleeps.timed_waits().size(), 20U);
+  EXPECT_THAT(sleeps.timed_waits(), Each(::testing::Le(std::chrono::milliseconds(100))));
   EXPECT_EQ(error_text(), "KR9 scanner. Scanner error: 121 error: 121");
   EXPECT_EQ(bench.count(kFrameCall), 22U);
 }

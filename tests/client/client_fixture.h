@@ -12,6 +12,7 @@
 #include "ostrevanhvk3/image_block.h"
 #include "support/closed_libraries.h"
 #include "support/simulator_fixture.h"
+#include "support/sleeps.h"
 
 /// @file
 /// The ground for tests of the loaded plug-in.
@@ -24,7 +25,8 @@ constexpr char kFrameCall[] = "ftrScanGetImageByVariableDose";
 
 using Image = std::vector<unsigned char>;  ///< a copy of an image block
 
-/// A client over the bench's default scene: the plug-in is loaded, the frame grabber there.
+/// A client over the bench's default scene: the plug-in is loaded, the frame grabber there. None of
+/// the plug-in's waits takes time.
 class ClientTest : public simulator::SimulatorFixture {
  protected:
   ClientTest() { connect(); }
@@ -78,9 +80,16 @@ class ClientTest : public simulator::SimulatorFixture {
     bench.wait_until_blocked(kFrameCall);
   }
 
+  /// Blocks until the worker has looked at the freeze `count` times and found it set.
+  [[nodiscard]] bool await_freeze_polls(long count) {
+    constexpr long kPoll = 100'000'000;  // nanoseconds
+    return sleeps.await_nanosleeps(0, kPoll, count);
+  }
+
   // In this order: the worker's callbacks end before the recorder does, the plug-in before the
   // choice of the libraries that it finds.
   simulator::ClosedLibraries libraries;
+  test::Sleeps sleeps;
   Recorder recorder;
   Plugin plugin;
   lx::ClFramegrabber* grabber = nullptr;

@@ -47,7 +47,7 @@ TEST_F(EntryPoints, AfterDestroyingANewFrameGrabberCanBeHad) {
 TEST_F(EntryPoints, DestroyingDuringAFrozenCaptureEndsIt) {
   grabber->Freeze(kChannel, true);
   ASSERT_EQ(start(eCaptureLive), 0U);
-  ASSERT_TRUE(recorder.wait_for(eEvent::Start));
+  ASSERT_TRUE(await_freeze_polls(1));
   plugin.destroy();
   grabber = nullptr;
   EXPECT_EQ(recorder.kinds().back(), eEvent::Stop);
@@ -151,6 +151,14 @@ TEST_F(FailedConstruction, TheNextCallTriesAgain) {
   EXPECT_NE(grabber, dummy);
   EXPECT_EQ(plugin.pointer("m_pFG"), grabber);
   EXPECT_FALSE(snap().empty());
+}
+
+TEST_F(FailedConstruction, DestroyingFreesItTogetherWithALaterFrameGrabber) {
+  connect();
+  EXPECT_EQ(plugin.pointer("m_pDummy"), dummy);
+  disconnect();
+  EXPECT_EQ(plugin.pointer("m_pFG"), nullptr);
+  EXPECT_EQ(plugin.pointer("m_pDummy"), nullptr);
 }
 
 TEST_F(FailedConstruction, DestroyingFreesItToo) {

@@ -11,7 +11,7 @@ TEST_F(Freezing, TheFrameBeingFetchedIsStillDeliveredAndNoOtherIs) {
   capture_live_up_to_frame_call(3);  // one frame has been delivered
   EXPECT_EQ(grabber->Freeze(kChannel, true), 0U);
   bench.release();
-  ASSERT_TRUE(recorder.wait_for(eEvent::Live, 2));
+  ASSERT_TRUE(await_freeze_polls(3));
   EXPECT_EQ(stop(), 0U);
   EXPECT_THAT(recorder.kinds(),
               ElementsAre(eEvent::Start, eEvent::Live, eEvent::Live, eEvent::Stop));
@@ -22,7 +22,8 @@ TEST_F(Freezing, CaptureGoesOnAfterwards) {
   capture_live_up_to_frame_call(3);
   grabber->Freeze(kChannel, true);
   bench.release();
-  ASSERT_TRUE(recorder.wait_for(eEvent::Live, 2));
+  ASSERT_TRUE(await_freeze_polls(2));
+  EXPECT_EQ(recorder.count(eEvent::Live), 2U);
   EXPECT_EQ(grabber->Freeze(kChannel, false), 0U);
   EXPECT_TRUE(recorder.wait_for(eEvent::Live, 5));
   EXPECT_EQ(recorder.count(eEvent::Start), 1U);
@@ -32,8 +33,9 @@ TEST_F(Freezing, SetWhileIdleItStaysInForceForTheNextCaptures) {
   EXPECT_EQ(grabber->Freeze(kChannel, true), 0U);
   for (int i = 0; i < 2; ++i) {
     recorder.clear();
+    sleeps.forget();
     ASSERT_EQ(start(eCaptureLive), 0U);
-    ASSERT_TRUE(recorder.wait_for(eEvent::Start));
+    ASSERT_TRUE(await_freeze_polls(2));
     EXPECT_EQ(stop(), 0U);
     EXPECT_THAT(recorder.kinds(), ElementsAre(eEvent::Start, eEvent::Stop));
   }
@@ -43,7 +45,7 @@ TEST_F(Freezing, SetWhileIdleItStaysInForceForTheNextCaptures) {
 TEST_F(Freezing, ClearedDuringACaptureThatBeganFrozenItLetsFramesCome) {
   grabber->Freeze(kChannel, true);
   ASSERT_EQ(start(eCaptureLive), 0U);
-  ASSERT_TRUE(recorder.wait_for(eEvent::Start));
+  ASSERT_TRUE(await_freeze_polls(1));
   grabber->Freeze(kChannel, false);
   EXPECT_TRUE(recorder.wait_for(eEvent::Live, 2));
 }
@@ -51,7 +53,7 @@ TEST_F(Freezing, ClearedDuringACaptureThatBeganFrozenItLetsFramesCome) {
 TEST_F(Freezing, AFrozenCaptureStillAnswersASnap) {
   grabber->Freeze(kChannel, true);
   ASSERT_EQ(start(eCaptureLive), 0U);
-  ASSERT_TRUE(recorder.wait_for(eEvent::Start));
+  ASSERT_TRUE(await_freeze_polls(1));
   EXPECT_FALSE(snap().empty());
   EXPECT_EQ(stop(), 0U);
   EXPECT_EQ(recorder.count(eEvent::Live), 0U);

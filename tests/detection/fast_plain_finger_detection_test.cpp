@@ -39,6 +39,15 @@ TEST_F(FastPlainFinger, ABlackFirstFrameLeavesTheBackgroundToTheNext) {
   EXPECT_EQ(fast.m_nBackgroundSum, static_cast<long>(250 * kPixels));
 }
 
+TEST_F(FastPlainFinger, ABlackFirstFrameFixesTheLowestSumSoThatNoFingerIsEverDelivered) {
+  show(0);
+  show(250);
+  EXPECT_EQ(fast.m_nLowestSum, 0U);
+  EXPECT_FALSE(show(100));
+  EXPECT_FALSE(show(250));
+  EXPECT_EQ(fast.m_nFrames, 0);
+}
+
 TEST_F(FastPlainFinger, TheBackgroundIsTakenOnce) {
   show(250);
   show(255);
@@ -55,6 +64,13 @@ TEST_F(FastPlainFinger, TheFirstFrameIsTheFirstKeptFrame) {
 TEST_F(FastPlainFinger, AMeanOf242IsNoFingerAnd241Is) {
   EXPECT_FALSE(fast.IsFinger(test::gray_image(10, 10, 242)));
   EXPECT_TRUE(fast.IsFinger(test::gray_image(10, 10, 241)));
+}
+
+TEST_F(FastPlainFinger, ABitmapWithoutRowsIsNoFinger) {
+  ClSimpleBitmap flat;
+  flat.Create(10, 0, 8, 0);
+  EXPECT_FALSE(fast.IsFinger(flat));
+  EXPECT_FALSE(fast.IsFinger(ClSimpleBitmap()));
 }
 
 TEST_F(FastPlainFinger, AFrameDarkerThanTheBackgroundWithMean242IsNoFinger) {
@@ -124,6 +140,16 @@ TEST_F(FastPlainFinger, WhileAFingerLiesTheLiveFrameIsTheWorkingImage) {
   EXPECT_EQ(level_of_out(), 120);
 }
 
+TEST_F(FastPlainFinger, NoFrameIsChangedWhateverBecomesOfIt) {
+  const ClSimpleBitmap bright = test::gray_image(10, 10, 250);
+  const ClSimpleBitmap finger = test::noise_image(10, 10, 3);
+  for (const ClSimpleBitmap* const frame : {&bright, &finger, &finger, &bright, &bright}) {
+    ClSimpleBitmap in = *frame;
+    fast.Detect(in, out);
+    EXPECT_TRUE(test::same_block(in, *frame));
+  }
+}
+
 TEST_F(FastPlainFinger, ResetKeepsTheFrameAndTheBackground) {
   show(250);
   show(100);
@@ -144,6 +170,13 @@ TEST_F(FastPlainFinger, ACopyKnowsTheBackgroundButNotTheKeptFrame) {
   EXPECT_TRUE(copy.m_bInitialized);
   EXPECT_EQ(copy.m_nFrames, 1);
   EXPECT_TRUE(copy.m_Frame.Empty());
+}
+
+TEST_F(FastPlainFinger, ACopyHasTheFingerFlag) {
+  for (const bool finger : {true, false}) {
+    fast.m_bFinger = finger;
+    EXPECT_EQ(Probe(fast).m_bFinger, finger);
+  }
 }
 
 TEST_F(FastPlainFinger, ANewStrategyKnowsNoBackground) {

@@ -65,6 +65,15 @@ TEST(FingerByMean, AnImageNarrowerThanTheAreaCountsWhole) {
   EXPECT_TRUE(Fingers::IsFinger(image, 120, Fingers::eAreaLast));
 }
 
+TEST(FingerByMean, ABitmapWithoutRowsIsNoFinger) {
+  ClSimpleBitmap flat;
+  flat.Create(100, 0, 8, 0);
+  for (const auto area : {Fingers::eAreaLast, Fingers::eAreaFirst, Fingers::eAreaWhole}) {
+    EXPECT_FALSE(Fingers::IsFinger(flat, 255, area));
+    EXPECT_FALSE(Fingers::IsFinger(ClSimpleBitmap(), 255, area));
+  }
+}
+
 /// A bright image with one dark pixel in so many blocks of the probe rows that it passes whole.
 struct FingerByContrast : testing::Test {
   FingerByContrast() : image(test::gray_image(100, 40, 255)) {
@@ -158,6 +167,15 @@ TEST_F(FingerByContrast, WithoutAResolutionThereIsNoAnswerButNo) {
 
 TEST_F(FingerByContrast, AnEmptyImageIsNone) {
   EXPECT_FALSE(Fingers::IsFinger(ClSimpleBitmap(), Fingers::eAreaWhole));
+}
+
+TEST_F(FingerByContrast, ABitmapWithoutRowsIsNone) {
+  ClSimpleBitmap flat;
+  flat.Create(100, 0, 8, 0);
+  flat.SetPels(kPels500Dpi, kPels500Dpi);
+  for (const auto area : {Fingers::eAreaLast, Fingers::eAreaFirst, Fingers::eAreaWhole}) {
+    EXPECT_FALSE(Fingers::IsFinger(flat, area));
+  }
 }
 
 TEST_F(FingerByContrast, ABlockNeverRunsOverTheEndOfTheImage) {

@@ -68,11 +68,20 @@ TEST_F(PlainFinger, EveryFrameThatPassesIsDelivered) {
   EXPECT_TRUE(detect(in));
 }
 
-TEST_F(PlainFinger, AnOddWidthTakesInTheByteBehindTheLastPixel) {
-  ClSimpleBitmap dark_padding = test::gray_image(5, 1, 240, 0);
-  ClSimpleBitmap bright_padding = test::gray_image(5, 1, 239, 255);
-  EXPECT_FALSE(detect(dark_padding));
-  EXPECT_FALSE(detect(bright_padding)) << "5 x 239 + 255 is not below 5 x 240";
+TEST_F(PlainFinger, AnOddWidthTakesInTheByteBehindTheLastPixelAndNoOther) {
+  ClSimpleBitmap in = test::gray_image(5, 1, 239, 255);
+  EXPECT_FALSE(detect(in)) << "5 x 239 + 255 is not below 5 x 240";
+  in.Pixel()[5] = 0;
+  EXPECT_TRUE(detect(in)) << "the two bytes behind it are still 255";
+}
+
+TEST_F(PlainFinger, NoFrameIsChanged) {
+  for (const int level : {0, 100, 255}) {
+    const ClSimpleBitmap before = test::gray_image(9, 5, static_cast<unsigned char>(level));
+    ClSimpleBitmap in = before;
+    detect(in);
+    EXPECT_TRUE(test::same_block(in, before));
+  }
 }
 
 TEST_F(PlainFinger, ABitmapWithoutRowsIsNoFinger) {

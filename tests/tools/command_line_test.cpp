@@ -61,6 +61,16 @@ TEST_F(CommandLine, ALostStandardOutputEndsWith6) {
   EXPECT_EQ(run({"/bin/sh", "-c", HVK3_TOOL " list --simulate >/dev/full"}).status, 6);
 }
 
+TEST_F(CommandLine, AFailureThatNobodyForesawEndsWith1) {
+  Words words = {"/usr/bin/env", "LD_PRELOAD=" HVK3_NO_EVENTFD};
+  const Words capture = command("capture", {"--json"});
+  words.insert(words.end(), capture.begin(), capture.end());
+  const Outcome outcome = run(words);
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.error, HasSubstr("error: eventfd: "));
+  EXPECT_EQ(Json::parse(outcome.out)["status"], "internal-error");
+}
+
 TEST_F(CommandLine, VerboseShowsTheLogOfTheSimulatedPlugin) {
   const Outcome outcome = simulate("list", {"-v"});
   EXPECT_THAT(outcome.error, HasSubstr("libostrevanhvk3.so"));
