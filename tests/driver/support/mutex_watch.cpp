@@ -1,12 +1,14 @@
 #include "driver/support/mutex_watch.h"
 
 #include <atomic>
+#include <utility>
 
 namespace Osv::testing_support {
 namespace {
 
 std::atomic<pthread_mutex_t*> s_pWatched{nullptr};
 std::atomic<int> s_nLocks{0};
+thread_local std::function<void()> t_tell;
 
 }  // namespace
 
@@ -18,6 +20,10 @@ LockCount::LockCount(CXMutex& mutex) {
 LockCount::~LockCount() { s_pWatched = nullptr; }
 
 int LockCount::so_far() const { return s_nLocks; }
+
+WaitNotice::WaitNotice(std::function<void()> tell) { t_tell = std::move(tell); }
+
+WaitNotice::~WaitNotice() { t_tell = nullptr; }
 
 }  // namespace Osv::testing_support
 
@@ -31,6 +37,12 @@ int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
   using namespace Osv::testing_support;
   if (mutex == s_pWatched.load(std::memory_order_relaxed)) {
     s_nLocks.fetch_add(1, std::memory_order_relaxed);
+  }
+  if (t_tell) {
+    if (pthread_mutex_trylock(mutex) == 0) {
+      return 0;
+    }
+    std::exchange(t_tell, nullptr)();
   }
   return __real_pthread_mutex_lock(mutex);
 }
