@@ -18,9 +18,9 @@
 /// `StartCapture` or `SetActiveDevice`, and must not call `StopCapture` (number 65 on the worker
 /// thread, or nothing once the client has stopped) or `DestroyFrameGrabber` (ignored on the worker
 /// thread). The event callback runs with the driver's lock held: it must not wait for a thread that
-/// is inside `GetInfo`, `GetImage` or `AvailableDevices` either, nor a start or stop callback for
-/// one inside `SetCallbacks`. While an image callback runs, no further frame is fetched: a slow
-/// callback slows capture.
+/// is inside `GetInfo`, `GetImage` or `AvailableDevices` either, nor call `SetCallbacks`. A start
+/// or stop callback must not wait for a thread inside `SetCallbacks`. While an image callback runs,
+/// no further frame is fetched: a slow callback slows capture.
 
 #include "ostrevanhvk3/enumerations.h"
 
@@ -39,7 +39,8 @@ typedef void (*ClErrorCallback)(int handle, unsigned int channel, const char* te
 /// A warning; capture goes on.
 typedef void (*ClWarningCallback)(int handle, unsigned int channel, const char* text, void* user);
 
-/// Capture has started: called once, before any other callback of this capture.
+/// Capture has started: called once, before any other callback of this capture; not at all, nor any
+/// other, for a capture that was stopped before its worker had begun.
 typedef void (*ClStartCallback)(int handle, unsigned int channel, void* user);
 
 /// Capture has ended: called once, after every other callback of this capture.

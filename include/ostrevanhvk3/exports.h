@@ -58,6 +58,8 @@ OSTREVANHVK3_EXPORT extern Osv::lx::ClDummyFramegrabber* m_pDummy;
 }  // extern "C"
 
 /// Reads a feature. Opens the scanner.
+/// @note This version has no feature yet: it answers a bare 2, and neither blocks nor touches the
+///   scanner.
 /// @param channel 1; another one gives 2, bare
 /// @param feature `id` says which; `data`, `size` and `count` as the feature documents
 /// @return 0; a refusal of the feature as a bare number (12 unknown, 17, 52, 53, 60, 82); other

@@ -100,7 +100,11 @@ void ClOstrevanHVK3SDK::Prepare(ClFrameGrabberChannel& channel, ClSimpleBitmap& 
   OSV_LOG(OsvLFTrace, "KR9 scanner. The image width: %d, height: %d", size.nWidth, size.nHeight);
   DescribeCamera(channel, size);
   OSV_LOG(OsvLFTrace, "KR9 scanner. Preparation of calibration");
+  const unsigned long before = m_cRawBitmap.FullSize();
   create_raw(m_cRawBitmap, size);
+  if (m_cRawBitmap.FullSize() != before) {
+    m_nShapedOpening = opening - 1;  // the worker's block has room for a frame of the old size
+  }
   FuzzyImage(m_cRawBitmap.Pixel());
   ShapeBitmap(bitmap);
   if (IsWorkersBitmap(channel, bitmap)) {

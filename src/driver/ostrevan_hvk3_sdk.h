@@ -234,9 +234,10 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   mutable std::mutex m_cErrorLock;  // leaf
 
   // What was shaped before the present opening may be too small for the unit that is open now.
-  TXRelaxed<unsigned int> m_nOpening = 0;        // counts the openings begun
-  TXRelaxed<unsigned int> m_nShapedOpening = 0;  // the one that the worker's bitmap was shaped for
-  unsigned int m_nRawOpening = 0;                // the one of m_cRawBitmap; guarded by m_cLock
+  TXRelaxed<unsigned int> m_nOpening = 0;  // counts the openings begun
+  // The one that the worker's bitmap was shaped for; an earlier one once frames have another size.
+  TXRelaxed<unsigned int> m_nShapedOpening = 0;
+  unsigned int m_nRawOpening = 0;  // the one of m_cRawBitmap; guarded by m_cLock
   unsigned long m_nBlockSize = 0;  // bytes of the block last shaped; guarded by m_cLock
 };
 

@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "driver/driver_fixture.h"
+#include "driver/support/mutex_watch.h"
 
 namespace Osv::lx {
 namespace {
@@ -40,21 +41,7 @@ struct EventSink {
     sink.grabber = grabber;
     sink.type = type;
     sink.thread = std::this_thread::get_id();
-    sink.locked = sink.is_locked();
-  }
-
- private:
-  /// Whether another thread would have to wait for the driver's lock.
-  bool is_locked() const {
-    bool got = false;
-    std::thread([&] {
-      auto& mutex = reinterpret_cast<pthread_mutex_t&>(driver->m_cLock);  // its one member
-      got = pthread_mutex_trylock(&mutex) == 0;
-      if (got) {
-        pthread_mutex_unlock(&mutex);
-      }
-    }).join();
-    return !got;
+    sink.locked = testing_support::is_held(sink.driver->m_cLock);
   }
 };
 

@@ -1,8 +1,11 @@
 #include "driver/logging_callback.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include <array>
+#include <cstddef>
 
 #include "driver/driver_fixture.h"
 
@@ -14,6 +17,26 @@ using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
 constexpr auto kUnknownEvent = static_cast<OsvLFCBEventstag>(2);
+
+/// A page of memory between two that nobody may touch.
+class GuardedPage {
+ public:
+  GuardedPage()
+      : m_pMemory(static_cast<char*>(
+            mmap(nullptr, 3 * m_cnSize, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0))) {
+    EXPECT_EQ(mprotect(begin(), m_cnSize, PROT_READ | PROT_WRITE), 0);
+  }
+  ~GuardedPage() { munmap(m_pMemory, 3 * m_cnSize); }
+  GuardedPage(const GuardedPage&) = delete;
+  GuardedPage& operator=(const GuardedPage&) = delete;
+
+  char* begin() const { return m_pMemory + m_cnSize; }
+  char* end() const { return begin() + m_cnSize; }
+
+ private:
+  const std::size_t m_cnSize = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+  char* const m_pMemory;
+};
 
 /// The scanner library can't log and warns each time that it is asked to: that shows which events
 /// reach it.
@@ -91,6 +114,26 @@ TEST_F(LoggingCallback, ALevelReachesTheScannerWhileTheLogIsOn) {
   start();
   EXPECT_EQ(CBLoggingFacility(OsvLFCBLevel, data.data()), 0UL);
   expect_one_warning();
+}
+
+TEST_F(LoggingCallback, NothingInFrontOfByte768IsReadForALevel) {
+  const GuardedPage page;
+  start();
+  EXPECT_EQ(CBLoggingFacility(OsvLFCBLevel, page.begin() - 768), 0UL);
+  expect_one_warning();
+}
+
+TEST_F(LoggingCallback, NothingBehindTheTwoBytesAt768IsReadForALevel) {
+  const GuardedPage page;
+  start();
+  EXPECT_EQ(CBLoggingFacility(OsvLFCBLevel, page.end() - 770), 0UL);
+  expect_one_warning();
+}
+
+TEST_F(LoggingCallback, ALevelWithoutDataDoesNothing) {
+  start();
+  EXPECT_EQ(CBLoggingFacility(OsvLFCBLevel, nullptr), 0UL);
+  EXPECT_THAT(story(), IsEmpty());
 }
 
 TEST_F(LoggingCallback, ALevelDoesNothingWhileTheLogIsOff) {

@@ -16,10 +16,15 @@ struct BracketedDriver : Driver {
     ++locks;
     return Driver::Lock();
   }
-  void UnLock() override { ++unlocks; }
+  void UnLock() override {
+    ++unlocks;
+    delivered = image != nullptr && *image != nullptr;
+  }
 
   int locks = 0;
   int unlocks = 0;
+  unsigned char** image = nullptr;  ///< where the snap delivers, to be looked at
+  bool delivered = false;           ///< when the last pass ended
 };
 
 class Snap : public LoggedFixture {
@@ -90,6 +95,14 @@ TEST_F(Snap, ItIsOnePassOnEveryPath) {
   snap();
   EXPECT_EQ(driver.locks, 4);
   EXPECT_EQ(driver.unlocks, 4);
+}
+
+TEST_F(Snap, ItsImageIsTheCallersBeforeThePassEnds) {
+  unsigned char* block = nullptr;
+  driver.image = &block;
+  EXPECT_EQ(driver.Snap(1, &block), 0UL);
+  image.reset(block);
+  EXPECT_TRUE(driver.delivered);
 }
 
 TEST_F(Snap, AFailureOfTheImageIsJudgedAsThatOfAFrame) {

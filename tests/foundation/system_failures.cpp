@@ -12,10 +12,11 @@ namespace {
 
 thread_local eFailing t_failing = eFailing::Nothing;
 thread_local int t_errno = 0;
+thread_local int t_spared = 0;
 thread_local int t_attributes = 0;
 
 bool fails(eFailing what) {
-  if (t_failing == what) {
+  if (t_failing == what && t_spared-- <= 0) {
     errno = t_errno;
     return true;
   }
@@ -29,8 +30,9 @@ Function real(const char* name) {
 
 }  // namespace
 
-FailingSystem::FailingSystem(eFailing what, int errorNumber) {
+FailingSystem::FailingSystem(eFailing what, int errorNumber, int spared) {
   t_failing = what;
+  t_spared = spared;
   t_errno = errorNumber;
   t_attributes = 0;
 }

@@ -12,7 +12,8 @@ enum class eFailing { Nothing, ArrayNew, MutexAttributes, MutexType, MutexInit, 
 class FailingSystem {
  public:
   /// @param errorNumber what the failing function leaves in `errno`
-  explicit FailingSystem(eFailing what, int errorNumber = 0);
+  /// @param spared calls that succeed before the first one that fails
+  explicit FailingSystem(eFailing what, int errorNumber = 0, int spared = 0);
   ~FailingSystem();
   FailingSystem(const FailingSystem&) = delete;
   FailingSystem& operator=(const FailingSystem&) = delete;

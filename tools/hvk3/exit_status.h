@@ -9,8 +9,8 @@ enum class ExitStatus {
   Ok = 0,
   Internal = 1,           ///< something that should not happen
   Usage = 2,              ///< wrong options, or a scene that can't be simulated
-  NoScanner = 3,          ///< none attached, or none at the interface that was asked for
-  ScannerFailed = 4,      ///< an operation of the plug-in failed, or capture ended with an error
+  NoScanner = 3,          ///< none attached or at the interface asked for, or unplugged meanwhile
+  ScannerFailed = 4,      ///< any other failure of an operation, or any other error of capture
   Timeout = 5,            ///< the wanted images did not come in time
   OutputFailed = 6,       ///< the image or standard output can't be written
   PluginUnavailable = 7,  ///< the plug-in or the simulator can't be loaded

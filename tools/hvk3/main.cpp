@@ -10,10 +10,9 @@ constexpr std::array<const Command*, 4> kCommands = {&kListCommand, &kInfoComman
                                                      &kCaptureCommand};
 
 constexpr char kFooter[] =
-    "Exit status: 0 success, 1 internal error, 2 usage, 3 no scanner, 4 scanner or plug-in "
-    "failed,\n"
-    "5 timeout, 6 output can't be written, 7 plug-in can't be loaded, 128+N ended by signal N\n"
-    "(130 for Ctrl-C).";
+    "Exit status: 0 success, 1 internal error, 2 usage, 3 no scanner, or unplugged meanwhile,\n"
+    "4 operation or capture failed for another reason, 5 timeout, 6 output can't be written,\n"
+    "7 plug-in or simulator can't be loaded, 128+N ended by signal N (130 for Ctrl-C).";
 
 std::string message_of(const Failure& failure) {
   const std::string number = failure.number() ? ' ' + std::to_string(*failure.number()) : "";

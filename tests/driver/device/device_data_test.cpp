@@ -52,6 +52,13 @@ TEST_F(SerialNumber, IsStoredAsABlockOfMarkBytesAndSum) {
   EXPECT_THAT(given, ElementsAre(0xBA, 0xFF, 0xFE, 0x01, 'z', 'z', 'z', 'z', 'z', 0x60));
 }
 
+TEST_F(SerialNumber, ThatIsShortIsStoredWithZerosBehindIt) {
+  bench.plug_in(0, {.serial = "ABCDEFGH"});
+  EXPECT_TRUE(m_device.Initialize());
+  EXPECT_TRUE(m_device.SetSerialNumber("xyz"));  // accepted: the sum is that of the padded block
+  EXPECT_EQ(bench.state(0).serial, std::string("xyz\0\0\0\0\0", 8));
+}
+
 TEST_F(SerialNumber, ReachesTheScanner) {
   EXPECT_THAT(calls_of([&] { EXPECT_TRUE(m_device.SetSerialNumber("12345678")); }),
               ElementsAre("ftrScanSaveSerialNumber(handle 2, buffer) = 1"));
@@ -207,6 +214,13 @@ TEST_F(ImageSize, IsFalseWhenTheCallFails) {
   __FTRSCAN_IMAGE_SIZE size{};
   bench.set_faults("ftrScanGetImageSize fails with 5");
   EXPECT_FALSE(m_device.GetImageSize(&size));
+}
+
+TEST_F(ImageSize, LeavesTheLEDsAlone) {
+  EXPECT_TRUE(m_device.SwitchGreenLED(true));
+  __FTRSCAN_IMAGE_SIZE size{};
+  EXPECT_THAT(calls_of([&] { EXPECT_TRUE(m_device.GetImageSize(&size)); }),
+              ElementsAre("ftrScanGetImageSize(handle 2, buffer) = 1"));
 }
 
 using FingerPresence = OpenDeviceTest;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "driver/device/device_fixture.h"
+#include "foundation/wait.h"
 
 namespace Osv::testing_support {
 namespace {
@@ -186,6 +187,21 @@ TEST_F(QuietOperations, SetScanInterfaceLoadsTheLibraryBeforeItTakesTheMutex) {
   const LockCount locks(device.m_cScannerLock);
   EXPECT_ANY_THROW((void)device.SetScanInterface(0));
   EXPECT_EQ(locks.so_far(), 0);
+}
+
+TEST_F(QuietOperations, AScannerThatStaysBusyIsAskedUnderOneHoldOfTheMutex) {
+  static CXMutex* mutex;
+  static int heldWaits;
+  mutex = &m_device.m_cScannerLock;
+  heldWaits = 0;
+  const WaitFunction before =
+      ExchangeWaitFunction([](eWait, int) { heldWaits += static_cast<int>(is_held(*mutex)); });
+  bench.set_faults("ftrScanGetImageByVariableDose fails with 121");
+  const LockCount locks(m_device.m_cScannerLock);
+  EXPECT_FALSE(m_device.GetImageByDose(m_frame.data(), 60));
+  ExchangeWaitFunction(before);
+  EXPECT_EQ(locks.so_far(), 1);
+  EXPECT_EQ(heldWaits, 20);
 }
 
 TEST_F(QuietOperations, AFailedReadAsksForTheErrorWithTheMutexHeld) {

@@ -1,8 +1,9 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "driver/device/device_fixture.h"

@@ -3,11 +3,13 @@
 #include <gmock/gmock.h>
 
 #include <array>
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "driver/support/loader_journal.h"
+#include "driver/support/log_lines.h"
 #include "foundation/exceptions.h"
 #include "support/closed_libraries.h"
 #include "support/failure_of.h"
@@ -18,13 +20,14 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
 using ::testing::HasSubstr;
+using ::testing::IsEmpty;
 using ::testing::TestWithParam;
 using ::testing::ValuesIn;
 using testing_support::failure_of;
 
 constexpr char kLibrary[] = "libKR9ScanAPI.so";
 
-// All names in the order in which they are looked up.
+// The three groups, each in the order in which its names are looked up.
 const std::vector<std::string> kMandatory = {"ftrScanOpenDeviceOnInterface",
                                              "ftrScanCloseDevice",
                                              "ftrScanSetOptions",
@@ -57,6 +60,57 @@ const std::vector<std::string> kOptional = {"ftrScanSetNewAuthorizationCode",
                                             "ftrScanSaveSecret7Bytes", "ftrScanRestoreSecret7Bytes",
                                             "ftrScanGlobalSetOptions"};
 
+/// All names in the order in which they are looked up.
+std::vector<std::string> all_names() {
+  std::vector<std::string> all = kMandatory;
+  all.insert(all.end(), kExtended.begin(), kExtended.end());
+  all.insert(all.end(), kOptional.begin(), kOptional.end());
+  return all;
+}
+
+template <class Function>
+const void* address(Function function) {
+  return reinterpret_cast<const void*>(function);
+}
+
+/// What stands in the slots of `all_names`, in its order.
+std::vector<const void*> all_slots(const ClKR9APILib& api) {
+  return {
+      address(api.ftrScanOpenDeviceOnInterface),
+      address(api.ftrScanCloseDevice),
+      address(api.ftrScanSetOptions),
+      address(api.ftrScanGetOptions),
+      address(api.ftrScanGetDeviceInfo),
+      address(api.ftrScanGetImageSize),
+      address(api.ftrScanGetFrame),
+      address(api.ftrScanGetBacklightImage),
+      address(api.ftrScanGetDarkImage),
+      address(api.ftrScanGetImage),
+      address(api.ftrScanIsFingerPresent),
+      address(api.ftrScanSave7Bytes),
+      address(api.ftrScanRestore7ControlBytes),
+      address(api.ftrScanGetDiodesStatus),
+      address(api.ftrScanSetDiodesStatus),
+      address(api.ftrScanGetInterfaces),
+      address(api.ftrSetBaseInterface),
+      address(api.ftrGetBaseInterfaceNumber),
+      address(api.ftrScanSaveSerialNumber),
+      address(api.ftrScanGetImageByVariableDose),
+      address(api.ftrScanGetImage2),
+      address(api.ftrScanGetLastError),
+      address(api.ftrScanSetLastError),
+      address(api.ftrScanGetExtMemorySize),
+      address(api.ftrScanSaveExtMemory),
+      address(api.ftrScanRestoreExtMemory),
+      address(api.ftrScanGetSerialNumber),
+      address(api.ftrScanGetVersion),
+      address(api.ftrScanSetNewAuthorizationCode),
+      address(api.ftrScanSaveSecret7Bytes),
+      address(api.ftrScanRestoreSecret7Bytes),
+      address(api.ftrScanGlobalSetOptions),
+  };
+}
+
 /// Whether the slots of `kExtended` are filled, in its order.
 std::vector<bool> extended_slots(const ClKR9APILib& api) {
   return {api.ftrScanGetExtMemorySize != nullptr, api.ftrScanSaveExtMemory != nullptr,
@@ -85,6 +139,18 @@ class ScannerBinding : public TestWithParam<std::string> {
  protected:
   void leave_out(const std::string& symbol) { m_libraries.leave_out(kLibrary, symbol); }
 
+  /// What the making of a binding logs.
+  static std::vector<std::string> lines_of_binding() {
+    simulator::Bench& bench = *ostrevan_simulator_bench();
+    const testing_support::LogOn log;
+    bench.reset();
+    bench.record(true);
+    const ClKR9APILib api;
+    const std::vector<std::string> lines = testing_support::log_lines(bench);
+    bench.reset();
+    return lines;
+  }
+
   simulator::ClosedLibraries m_libraries;
   testing_support::LoaderJournal m_loader;
 };
@@ -96,10 +162,7 @@ TEST_F(ScannerBinding, OpensTheLibraryOnceWithAllSymbolsBoundAtOnce) {
 
 TEST_F(ScannerBinding, LooksUpMandatoryThenExtendedThenOptionalFunctionsInTheirOrder) {
   const ClKR9APILib api;
-  std::vector<std::string> all = kMandatory;
-  all.insert(all.end(), kExtended.begin(), kExtended.end());
-  all.insert(all.end(), kOptional.begin(), kOptional.end());
-  EXPECT_THAT(m_loader.looked_up(), ElementsAreArray(all));
+  EXPECT_THAT(m_loader.looked_up(), ElementsAreArray(all_names()));
 }
 
 TEST_F(ScannerBinding, OfAWholeLibraryHasApiLevel1AndAllFunctions) {
@@ -110,11 +173,17 @@ TEST_F(ScannerBinding, OfAWholeLibraryHasApiLevel1AndAllFunctions) {
 }
 
 TEST_F(ScannerBinding, FillsEachSlotWithTheFunctionOfItsName) {
+  std::array<char, 32> functions{};  // an address for each name
+  std::vector<const void*> expected;
+  for (const std::string& name : all_names()) {
+    char& function = functions.at(expected.size());
+    m_loader.give(name, &function);
+    expected.push_back(&function);
+  }
   const ClKR9APILib api;
-  EXPECT_NE(api.ftrScanOpenDeviceOnInterface(0), nullptr);
-  EXPECT_EQ(api.ftrSetBaseInterface(7), 1);
-  api.ftrScanSetLastError(121);
-  EXPECT_EQ(api.ftrScanGetLastError(), 121U);
+  EXPECT_EQ(expected.size(), functions.size());
+  EXPECT_THAT(all_slots(api), ElementsAreArray(expected));
+  EXPECT_EQ(api.m_pfnUnnamed, nullptr);
 }
 
 TEST_F(ScannerBinding, WithoutTheLibraryFailsWithNumberMinus201AndTheLoadersText) {
@@ -161,8 +230,11 @@ TEST_F(ScannerBinding, ClosesTheLibraryWhenItGoes) {
 
 TEST_F(ScannerBinding, ClosesTheLibraryBeforeASecondRun) {
   ClKR9APILib api;
+  std::vector<std::size_t> openedAtClosings;
+  m_loader.before_closing([&] { openedAtClosings.push_back(m_loader.opened().size()); });
   api.Initialize();
-  EXPECT_EQ(m_loader.closed(), 1);
+  m_loader.before_closing(nullptr);
+  EXPECT_THAT(openedAtClosings, ElementsAre(1U));
   EXPECT_EQ(m_loader.opened().size(), 2U);
   EXPECT_EQ(api.m_nApiLevel, 1);
 }
@@ -212,6 +284,11 @@ TEST_P(ExtendedFunction, MissingEndsTheLookUpsAndLeavesTheLibraryOpen) {
   EXPECT_EQ(m_loader.closed(), 0);
 }
 
+TEST_P(ExtendedFunction, MissingIsNotLogged) {
+  leave_out(GetParam());
+  EXPECT_THAT(lines_of_binding(), IsEmpty());
+}
+
 INSTANTIATE_TEST_SUITE_P(OfTheScannerLibrary, ExtendedFunction, ValuesIn(kExtended),
                          [](const auto& symbol) { return symbol.param; });
 
@@ -222,6 +299,11 @@ TEST_P(OptionalFunction, MissingLeavesApiLevel1AndTheFunctionsFoundBeforeIt) {
   const ClKR9APILib api;
   EXPECT_EQ(api.m_nApiLevel, 1);
   EXPECT_EQ(optional_slots(api), filled_up_to(kOptional, GetParam()));
+}
+
+TEST_P(OptionalFunction, MissingIsNotLogged) {
+  leave_out(GetParam());
+  EXPECT_THAT(lines_of_binding(), IsEmpty());
 }
 
 INSTANTIATE_TEST_SUITE_P(OfTheScannerLibrary, OptionalFunction, ValuesIn(kOptional),

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -65,15 +66,19 @@ TEST_F(MemoryStream, ResetPutsBothPositionsToZero) {
 }
 
 TEST_F(MemoryStream, CutsTheCountTo32BitsForTheLibraryAlone) {
-  static std::uint32_t given;
-  m_device.table().ftrScanRestoreExtMemory = [](ScannerHandle, void*, unsigned long,
-                                                std::uint32_t size) {
-    given = size;
+  static std::vector<std::uint32_t> given;
+  given.clear();
+  const auto note = [](ScannerHandle, void*, unsigned long, std::uint32_t size) {
+    given.push_back(size);
     return 1;
   };
+  m_device.table().ftrScanRestoreExtMemory = note;
+  m_device.table().ftrScanSaveExtMemory = note;
   read(0x100000005);
-  EXPECT_EQ(given, 5U);
+  write(0x700000009);
+  EXPECT_THAT(given, ElementsAre(5U, 9U));
   EXPECT_EQ(m_device.m_nReadPos, 0x100000005UL);
+  EXPECT_EQ(m_device.m_nWritePos, 0x700000009UL);
 }
 
 /// A way into the memory, and the library function behind it.

@@ -17,6 +17,9 @@ LoaderJournal* LoaderJournal::current() { return s_pCurrent; }
 
 bool LoaderJournal::note_opening(const char* name, int mode) {
   m_vOpened.push_back(std::string(name) + " in mode " + std::to_string(mode));
+  if (m_openingHook) {
+    m_openingHook();
+  }
   return !m_bFindNothing;
 }
 
@@ -28,8 +31,8 @@ void* LoaderJournal::note_look_up(const char* name, void* found) {
 
 void LoaderJournal::note_closing() {
   ++m_nClosed;
-  if (m_hook) {
-    m_hook();
+  if (m_closingHook) {
+    m_closingHook();
   }
 }
 

@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// @file
@@ -14,8 +15,8 @@
 
 namespace Osv::testing_support {
 
-/// Records the loader's calls while it lives, and changes their answers. One object at a time, on
-/// one thread.
+/// Records the loader's calls while it lives, and changes their answers. One object at a time; the
+/// calls must not overlap.
 class LoaderJournal {
  public:
   LoaderJournal();
@@ -41,8 +42,11 @@ class LoaderJournal {
   /// `dlerror` gives this text.
   void say(const std::string& text) { m_sText = text; }
 
+  /// Called before a library is opened, on the thread that opens it, and behind the record of it.
+  void before_opening(std::function<void()> hook) { m_openingHook = std::move(hook); }
+
   /// Called before a library is closed.
-  void before_closing(std::function<void()> hook) { m_hook = std::move(hook); }
+  void before_closing(std::function<void()> hook) { m_closingHook = std::move(hook); }
 
   /// @name For the functions of the loader
   /// @{
@@ -60,7 +64,8 @@ class LoaderJournal {
   bool m_bFindNothing = false;
   std::map<std::string, void*> m_mAddresses;
   std::optional<std::string> m_sText;
-  std::function<void()> m_hook;
+  std::function<void()> m_openingHook;
+  std::function<void()> m_closingHook;
 };
 
 }  // namespace Osv::testing_support

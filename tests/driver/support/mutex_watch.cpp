@@ -1,6 +1,7 @@
 #include "driver/support/mutex_watch.h"
 
 #include <atomic>
+#include <utility>
 
 namespace Osv::testing_support {
 namespace {
@@ -8,6 +9,7 @@ namespace {
 std::atomic<pthread_mutex_t*> s_pWatched{nullptr};
 std::atomic<int> s_nLocks{0};
 thread_local pthread_mutex_t* t_pLastLocked = nullptr;
+thread_local std::function<void()> t_tell;
 
 }  // namespace
 
@@ -21,6 +23,10 @@ LockCount::~LockCount() { s_pWatched = nullptr; }
 int LockCount::so_far() const { return s_nLocks; }
 
 pthread_mutex_t* last_locked() { return t_pLastLocked; }
+
+WaitNotice::WaitNotice(std::function<void()> tell) { t_tell = std::move(tell); }
+
+WaitNotice::~WaitNotice() { t_tell = nullptr; }
 
 }  // namespace Osv::testing_support
 
@@ -36,6 +42,12 @@ int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
     s_nLocks.fetch_add(1, std::memory_order_relaxed);
   }
   t_pLastLocked = mutex;
+  if (t_tell) {
+    if (pthread_mutex_trylock(mutex) == 0) {
+      return 0;
+    }
+    std::exchange(t_tell, nullptr)();
+  }
   return __real_pthread_mutex_lock(mutex);
 }
 // NOLINTEND(bugprone-reserved-identifier)

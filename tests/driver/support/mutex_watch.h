@@ -2,6 +2,7 @@
 
 #include <pthread.h>
 
+#include <functional>
 #include <thread>
 #include <type_traits>
 
@@ -46,6 +47,16 @@ class LockCount {
   LockCount& operator=(const LockCount&) = delete;
 
   int so_far() const;
+};
+
+/// Tells once, while it lives, when the thread that made it has to wait for a mutex that another
+/// one holds. One object on a thread.
+class WaitNotice {
+ public:
+  explicit WaitNotice(std::function<void()> tell);
+  ~WaitNotice();
+  WaitNotice(const WaitNotice&) = delete;
+  WaitNotice& operator=(const WaitNotice&) = delete;
 };
 
 }  // namespace Osv::testing_support

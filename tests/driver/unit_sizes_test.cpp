@@ -1,0 +1,203 @@
+#include <gtest/gtest.h>
+#include <malloc.h>
+
+#include <boost/make_shared.hpp>
+#include <cstring>
+#include <memory>
+
+#include "driver/driver_fixture.h"
+
+namespace Osv::lx {
+namespace {
+
+using utilities::ClSimpleBitmap;
+
+struct Size {
+  int width;
+  int height;
+
+  std::size_t pixels() const { return static_cast<std::size_t>(width) * height; }
+};
+
+/// The unit that is attached, and what was asked of it.
+struct Unit {
+  Size size;
+  int frames = 0;
+  bool buffers_suffice = true;
+
+  static inline Unit* attached = nullptr;
+
+  static std::int32_t tell_size(ScannerHandle /*handle*/, __FTRSCAN_IMAGE_SIZE* size) {
+    *size = {attached->size.width, attached->size.height, {}};
+    return 1;
+  }
+
+  static std::int32_t fill(ScannerHandle /*handle*/, void* buffer) {
+    attached->take_frame(static_cast<unsigned char*>(buffer));
+    return 1;
+  }
+
+  static std::int32_t fill_by_dose(ScannerHandle handle, int /*dose*/, void* buffer) {
+    return fill(handle, buffer);
+  }
+
+ private:
+  /// Pixels come to lie behind header and palette of an 8-bit block.
+  void take_frame(unsigned char* pixels) {
+    constexpr std::size_t kInFront = sizeof(tagBITMAPINFOHEADER) + 256 * 4;
+    ++frames;
+    if (malloc_usable_size(pixels - kInFront) < kInFront + size.pixels()) {
+      buffers_suffice = false;
+    } else {
+      std::memset(pixels, 0x20, size.pixels());
+    }
+  }
+};
+
+/// A change of the size that the scanner tells. The engine of this test cuts images to 600 x 400.
+struct Change {
+  const char* name;
+  Size from;
+  Size to;
+};
+
+/// The worker's bitmap, prepared for a unit of the first size.
+class UnitSizes : public DriverFixture, public ::testing::WithParamInterface<Change> {
+ protected:
+  UnitSizes() {
+    Unit::attached = &unit;
+    libraries.use_file("libostrevancalibratesdk.so", HVK3_CUTTING_ENGINE);
+    EXPECT_EQ(driver.InitializeScanner(), 0UL);
+    answer_for_the_scanner();
+    driver.channel().SetCurrentThread();
+    driver.channel().get_capture_bitmap() = boost::make_shared<ClSimpleBitmap>();
+    prepare(bitmap());
+  }
+
+  ~UnitSizes() override { Unit::attached = nullptr; }
+
+  ClSimpleBitmap& bitmap() { return *driver.channel().get_currrent_bitmap(); }
+
+  void change_size() {
+    unit.size = GetParam().to;
+    unit.frames = 0;
+  }
+
+  void change_unit() {
+    driver.UninitializeScanner();
+    change_size();
+    ASSERT_EQ(driver.InitializeScanner(), 0UL);
+  }
+
+  void snap() {
+    unsigned char* block = nullptr;
+    EXPECT_EQ(driver.Snap(1, &block), 0UL);
+    const std::unique_ptr<unsigned char[]> image(block);
+  }
+
+  void score_frames() {
+    driver.m_pLiveDetection->Init();
+    driver.m_pLiveDetection->SetFakeScore(1);
+    bench.set_faults(
+        "FakeFingerDetectionEvaluateLiveliness gives 90;"
+        "FakeFingerDetectionEvaluateLiveliness answers 0");  // these frames show no finger
+  }
+
+  void fetch() { driver.GetLiveBitmap(driver.channel(), bitmap()); }
+
+  /// A frame of the present unit has come, in a block that it fits into.
+  void expect_frame() {
+    EXPECT_TRUE(unit.buffers_suffice);
+    EXPECT_EQ(driver.m_cRawBitmap.Width(), static_cast<unsigned long>(GetParam().to.width));
+    EXPECT_EQ(driver.m_cRawBitmap.Height(), static_cast<unsigned long>(GetParam().to.height));
+    EXPECT_EQ(bitmap().Width(), static_cast<unsigned long>(std::min(GetParam().to.width, 600)));
+    EXPECT_EQ(bitmap().Height(), static_cast<unsigned long>(std::min(GetParam().to.height, 400)));
+    EXPECT_GE(malloc_usable_size(bitmap().BI()), bitmap().FullSize());
+    EXPECT_EQ(bitmap().Pixel()[0], 255 - 0x20);
+  }
+
+  Unit unit{GetParam().from};
+
+ private:
+  /// The binding stays through all openings, so this does too.
+  void answer_for_the_scanner() {
+    struct Access : ClFutronicBaseSDK {
+      using ClFutronicBaseSDK::m_pApiLib;
+    };
+    const auto api = (driver.m_pScanner.get()->*(&Access::m_pApiLib)).get();
+    api->ftrScanGetImageSize = &Unit::tell_size;
+    api->ftrScanGetImageByVariableDose = &Unit::fill_by_dose;
+    api->ftrScanGetDarkImage = &Unit::fill;
+    api->ftrScanGetBacklightImage = &Unit::fill;
+  }
+};
+
+TEST_P(UnitSizes, BehindAReopeningTheNextFrameIsPreparedFirst) {
+  change_unit();
+  fetch();
+  expect_frame();
+  EXPECT_EQ(unit.frames, 2);
+}
+
+TEST_P(UnitSizes, BehindAReopeningTheWorkerFindsItsBitmapDirtyAndPreparesIt) {
+  change_unit();
+  ASSERT_TRUE(driver.IsDirty(driver.channel()));
+  EXPECT_EQ(driver.SetActiveChannel(driver.channel(), bitmap()), 0UL);
+  fetch();
+  expect_frame();
+  EXPECT_EQ(unit.frames, 2);
+}
+
+TEST_P(UnitSizes, BehindAReopeningASnapInBetweenDoesNotSpareTheWorkersPreparation) {
+  change_unit();
+  snap();
+  fetch();
+  expect_frame();
+  EXPECT_EQ(unit.frames, 4);
+}
+
+TEST_P(UnitSizes, BehindAReopeningAScoredFrameFits) {
+  score_frames();
+  change_unit();
+  fetch();
+  expect_frame();
+}
+
+TEST_P(UnitSizes, WithinAnOpeningASnapHasTheNextFrameFit) {
+  change_size();
+  snap();
+  fetch();
+  expect_frame();
+}
+
+TEST_P(UnitSizes, WithinAnOpeningASnapHasTheNextScoredFrameFit) {
+  score_frames();
+  change_size();
+  snap();
+  fetch();
+  expect_frame();
+}
+
+TEST_P(UnitSizes, WithinAnOpeningAScoredFrameTellsTheEngineNoMoreRoomThanThereIs) {
+  score_frames();
+  change_size();
+  try {
+    fetch();
+  } catch (const ClLXException& refusal) {
+    EXPECT_EQ(refusal.GetErrorNumber(), -21);  // the corrected image has no room in the old block
+  }
+  EXPECT_TRUE(unit.buffers_suffice);
+  EXPECT_GE(malloc_usable_size(bitmap().BI()), bitmap().FullSize());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Changes, UnitSizes,
+    ::testing::Values(Change{"FramesAndImagesGrow", {320, 240}, {1000, 800}},
+                      Change{"FramesAndImagesShrink", {1000, 800}, {320, 240}},
+                      Change{"OnlyFramesGrow", {640, 480}, {1000, 800}},
+                      Change{"OnlyFramesShrink", {1000, 800}, {640, 480}},
+                      Change{"FramesOfTheSameAreaGetOtherImages", {480, 640}, {640, 480}}),
+    [](const auto& change) { return change.param.name; });
+
+}  // namespace
+}  // namespace Osv::lx
