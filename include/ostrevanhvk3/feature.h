@@ -19,6 +19,13 @@
 #include <cstddef>
 #include <cstdint>
 
+/// The features of this family of scanners.
+enum eFeatureIDs : unsigned int {
+  eFeatureAuthorizationCode = 53,
+  eFeatureSecretBytes = 54,
+  eFeatureImageDataFormat = 55
+};
+
 /// A feature's value: `count` elements of `size` bytes each at `data`. 32 bytes, a binary format
 /// between client and plug-in. The client owns the record and what it puts into `data`; memory that
 /// the plug-in puts there is the client's too and goes back with `LXSP_Free`.
