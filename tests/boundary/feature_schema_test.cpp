@@ -1,6 +1,5 @@
 #include "boundary/feature_schema.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <array>
@@ -13,8 +12,6 @@
 
 namespace Osv::lx {
 namespace {
-
-using ::testing::Each;
 
 constexpr std::uint32_t kEarlier = 0x55555555;
 

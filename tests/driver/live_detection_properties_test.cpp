@@ -13,7 +13,7 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-const std::string kVersion("1.0.0 simulated", 16);  // with its zero
+const std::string kVersion = std::string("1.0.0 simulated") + '\0';
 const Failure kDisabled = {58, "The live detection is disabled"};
 
 /// A driver that has touched no scanner, with the detector on.

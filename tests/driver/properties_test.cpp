@@ -6,10 +6,8 @@
 namespace Osv::lx {
 namespace {
 
-using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
 
 constexpr char kDetector[] = "libostrevanfakefingerdetection.so";
 const Failure kIncorrect = {12, "Incorrect property or frame grabber does not support"};

@@ -74,13 +74,13 @@ TEST_F(FeatureValue, IsTheFirstElementWhateverTheCount) {
 }
 
 TEST_F(FeatureValue, OfAnotherSizeIsRefusedWith53) {
-  for (const std::uint64_t size : {0, 3, 5, 8}) {
+  for (const std::uint64_t size : {0UL, 3UL, 5UL, 8UL}) {
     EXPECT_EQ(module_number([&] { (void)GetFeatureNumericValue(record(1, size)); }), 53U) << size;
   }
 }
 
 TEST_F(FeatureValue, WithoutDataIsRefusedWith60) {
-  for (const std::uint64_t size : {1, 2, 4}) {
+  for (const std::uint64_t size : {1UL, 2UL, 4UL}) {
     const osvlx3_feature feature{55, 0, 1, size, nullptr};
     EXPECT_EQ(module_number([&] { (void)GetFeatureNumericValue(feature); }), 60U) << size;
   }
