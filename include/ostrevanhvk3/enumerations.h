@@ -40,11 +40,20 @@ enum eFilterIDs : unsigned int { eFilterNone = 0 };
 
 /// Properties of `SetFGProperty` and `GetFGProperty`.
 enum ePropertyIDs : unsigned int {
-  ePropChannelCount = 3,      ///< number of channels, read only: always 1
-  ePropLiveliness = 6,        ///< fake finger detection: 0 off, 2 security level 2, else level 1
-  ePropRedLED = 7,            ///< red LED: 0 off, any other value on
-  ePropGreenLED = 8,          ///< green LED: 0 off, any other value on
-  ePropFakeDetection = 12,    ///< fake detection threshold, a score
+  ePropChannelCount = 3,  ///< number of channels, read only: always 1
+
+  /// Fake finger detection: 0 off, 2 security level 2, any other value level 1. Reads as 100 while
+  /// it is on, and not as the level.
+  ePropLiveliness = 6,
+
+  ePropRedLED = 7,    ///< red LED: 0 off, any other value on
+  ePropGreenLED = 8,  ///< green LED: 0 off, any other value on
+
+  /// Fake detection threshold: a finger counts as live when its score is greater. The detector's
+  /// error curves give it unless the client sets it; once known it stays, also for another security
+  /// level. 0 counts as 1. Reads as 0 while fake finger detection is off.
+  ePropFakeDetection = 12,
+
   ePropLowContrastImage = 13  ///< low contrast image: 0 off, any other value on
 };
 

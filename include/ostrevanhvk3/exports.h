@@ -9,8 +9,8 @@
 
 #include "ostrevanhvk3/feature.h"
 #include "ostrevanhvk3/framegrabber.h"
-
-#define OSTREVANHVK3_EXPORT __attribute__((visibility("default")))
+#include "ostrevanhvk3/module_exception.h"
+#include "ostrevanhvk3/visibility.h"
 
 namespace Osv {
 namespace lx {
@@ -57,16 +57,19 @@ OSTREVANHVK3_EXPORT extern Osv::lx::ClDummyFramegrabber* m_pDummy;
 
 }  // extern "C"
 
-/// Reads a feature. Opens the scanner.
-/// @note This version has no feature yet: it answers a bare 2, and neither blocks nor touches the
-///   scanner.
-/// @param channel 1; another one gives 2, bare
+/// Reads a feature. Opens the scanner; see feature.h for the features and their values.
+/// @param channel 1; another one gives 2, bare and without a text
 /// @param feature `id` says which; `data`, `size` and `count` as the feature documents
-/// @return 0; a refusal of the feature as a bare number (12 unknown, 17, 52, 53, 60, 82); other
-///   failures OR 0x10000000; 0x10000017 without a frame grabber
+/// @return 0; a refusal of the feature as a bare number without a text (12 unknown, 17, 52, 82), or
+///   what the opening gave (2, bare: no scanner); other failures OR 0x10000000, among them 60 for a
+///   null pointer, 83 for a wrong authorization code and 0x10000017 when the scanner library lacks
+///   the function; 0x10000017 without a frame grabber
+/// @throws Osv::lx::CLX3ModuleException 51, 53 or 60 for feature 55
 OSTREVANHVK3_EXPORT unsigned long LXSP_GetFeature(unsigned int channel, osvlx3_feature* feature);
 
-/// Writes a feature. Opens the scanner. Arguments and results as with `LXSP_GetFeature`.
+/// Writes a feature. Opens the scanner. Arguments and results as with `LXSP_GetFeature`, but that
+/// refusals for the record's contents are bare numbers: 17, 52, 53, and 60 for null `data`.
+/// @throws Osv::lx::CLX3ModuleException 52, 53 or 60 for feature 55
 OSTREVANHVK3_EXPORT unsigned long LXSP_SetFeature(unsigned int channel,
                                                   const osvlx3_feature* feature);
 

@@ -162,22 +162,24 @@ class ClFramegrabber {
   virtual unsigned long SetResolution(unsigned int channel,
                                       const ClImageResolution& resolution) = 0;
 
-  /// Sets a property. Opens the scanner and waits for the frame.
-  /// @note This version answers 0x10000002 to each property, and neither blocks nor touches the
-  ///   scanner.
+  /// Sets a property. Opens the scanner; fake finger detection and LEDs wait for a frame that is
+  /// being fetched, the low contrast image for one that is being corrected.
+  ///
+  /// Properties end with the frame grabber. Fake finger detection loads the detector and counts
+  /// from the next frame on, also during capture.
   /// @param property one of `AvailableProperties`
   /// @param value see `ePropertyIDs`
   /// @return 0; 0x1000000C for an unknown property; 0x10000012 for one that is read only;
-  ///   0x10000002; the scanner's or engine's number
+  ///   0x10000002; the scanner's or engine's number; 0x10000017 with the loader's or the detector's
+  ///   text, or 0x1000003B, when fake finger detection can't be turned on
   virtual unsigned long SetFGProperty(ePropertyIDs property, unsigned int value) = 0;
 
-  /// Reads a property. Opens the scanner and waits for the frame.
-  /// @note This version answers 0x10000002 to each property and leaves the value alone; it neither
-  ///   blocks nor touches the scanner.
+  /// Reads a property. Opens the scanner; fake finger detection waits for a frame that is being
+  /// fetched, the LEDs for the device's work on it.
   /// @param property one of `AvailableProperties`
   /// @param value receives the value, and stays as it is on failure; a switch that is on reads as
-  ///   100
-  /// @return 0; 0x1000000C for an unknown property; 0x10000002
+  ///   100, whatever switched it on
+  /// @return 0; 0x1000000C for an unknown property; 0x10000002; 0x10000017 with the detector's text
   virtual unsigned long GetFGProperty(ePropertyIDs property, unsigned int& value) = 0;
 
   /// Freezes the channel, or lets it go on. Never blocks.
@@ -311,8 +313,6 @@ class ClFramegrabber {
 
   /// Measures the dirt on the platen, on which nothing may lie. Opens the scanner, waits for the
   /// frame and fetches one more, up to about 2 seconds while the scanner is busy.
-  /// @note This version answers 0x10000002 whatever the arguments, and neither blocks nor touches
-  ///   the scanner or the level.
   /// @param channel 1
   /// @param level receives the level, as the calibration engine measures it
   /// @return 0; 0x10000004; 0x1000003C with an empty text; 0x10000002; the scanner's or engine's

@@ -28,16 +28,6 @@ class PassLock {
   ClFramegrabberSDK& m_sdk;
 };
 
-/// A bitmap for a raw frame. Sizes that no frame has are refused, negative ones by `Create`: the
-/// scanner would fill a buffer that isn't there.
-void create_raw(utilities::ClSimpleBitmap& bitmap, const __FTRSCAN_IMAGE_SIZE& size) {
-  if (size.nWidth == 0 || size.nHeight == 0) {
-    throw CXMemoryAllocException();
-  }
-  bitmap.Create(static_cast<unsigned long>(size.nWidth), static_cast<unsigned long>(size.nHeight),
-                kBitsPerPixel, 0);
-}
-
 unsigned char* bytes(const utilities::ClSimpleBitmap& bitmap) {
   return reinterpret_cast<unsigned char*>(bitmap.BI());
 }
@@ -49,6 +39,16 @@ struct ClOstrevanHVK3SDK::LDImages {
   ClSimpleBitmap dark;
   ClSimpleBitmap backlight;
 };
+
+/// Refuses sizes that no frame has, `Create` the negative ones: the scanner would fill a buffer
+/// that isn't there.
+void ClOstrevanHVK3SDK::CreateRaw(ClSimpleBitmap& bitmap, const __FTRSCAN_IMAGE_SIZE& size) {
+  if (size.nWidth == 0 || size.nHeight == 0) {
+    throw CXMemoryAllocException();
+  }
+  bitmap.Create(static_cast<unsigned long>(size.nWidth), static_cast<unsigned long>(size.nHeight),
+                kBitsPerPixel, 0);
+}
 
 bool ClOstrevanHVK3SDK::IsDirty(ClFrameGrabberChannel& channel) {
   return channel.m_nChannel != m_nActiveChannel || m_nShapedOpening != m_nOpening;
@@ -101,7 +101,7 @@ void ClOstrevanHVK3SDK::Prepare(ClFrameGrabberChannel& channel, ClSimpleBitmap& 
   DescribeCamera(channel, size);
   OSV_LOG(OsvLFTrace, "KR9 scanner. Preparation of calibration");
   const unsigned long before = m_cRawBitmap.FullSize();
-  create_raw(m_cRawBitmap, size);
+  CreateRaw(m_cRawBitmap, size);
   if (m_cRawBitmap.FullSize() != before) {
     m_nShapedOpening = opening - 1;  // the worker's block has room for a frame of the old size
   }
@@ -215,9 +215,9 @@ void ClOstrevanHVK3SDK::CaptureAndScore(ClSimpleBitmap& bitmap) {
   const __FTRSCAN_IMAGE_SIZE size = ReadImageSize();
   const auto calibration = Calibration();
   const CXDisableDynCalibration withoutDynCalibration(*calibration);
-  create_raw(images.dose, size);
-  create_raw(images.dark, size);
-  create_raw(images.backlight, size);
+  CreateRaw(images.dose, size);
+  CreateRaw(images.dark, size);
+  CreateRaw(images.backlight, size);
   if (!FetchLDImages(images) && CheckScannerError(m_pScanner->GetLastError())) {
     bitmap.SetWhite();
     ResetLD(bitmap);
@@ -315,7 +315,7 @@ void ClOstrevanHVK3SDK::GetRowLiveBitmap(ClSimpleBitmap& bitmap) {
 }
 
 void ClOstrevanHVK3SDK::SnapRefImage(ClSimpleBitmap& bitmap) {
-  create_raw(bitmap, ReadImageSize());
+  CreateRaw(bitmap, ReadImageSize());
   bitmap.SetResolution(kDotsPerInch, kDotsPerInch);
   FuzzyImage(bitmap.Pixel());
 }

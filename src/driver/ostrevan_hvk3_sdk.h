@@ -124,14 +124,26 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   /// @}
 
   /// @name Properties, features and events
+  /// Only fake finger detection and the switching of LEDs take `m_cLock`. The others go to the
+  /// session, the calibration and the device between frames or during one.
   /// @{
   unsigned long GetProperty(ePropertyIDs id, unsigned int& value);
+
+  /// Fake finger detection on or off chooses the frame path from the next frame on.
   unsigned long SetProperty(ePropertyIDs id, unsigned int value);
+
+  /// See feature.h for the features. @throws CLX3ModuleException for the format of image data
   unsigned long GetFeature(osvlx3_feature* feature);
   unsigned long SetFeature(const osvlx3_feature* feature);
+
+  /// A property of the detector by name, under `m_cLock`. `*size` is the room at `value` and
+  /// receives the length; no terminating zero is written.
+  /// @throws ClLXException 17 too little room; 58 while the session is idle
   void GetLDProperty(unsigned long unused, const char* name, char* value, unsigned long* size);
   void SetLDProperty(unsigned long unused, const char* name, const char* value);
   void CurrentFrameInfo(unsigned long unused, unsigned int type, void* info);
+
+  /// The dirt on the empty platen, from a frame of its own under `m_cLock`.
   unsigned long ContaminationDetection(unsigned int channel, double* level);
 
   /// `handle` comes back in the callback; the first argument is dropped.
@@ -181,6 +193,9 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   void PrepareImage(ClSimpleBitmap& bitmap);
   bool FuzzyImage(unsigned char* pixels);
   void ResetLD(ClSimpleBitmap& bitmap);
+
+  /// The bitmap that contamination is measured on, as it comes from the scanner.
+  void CaptureUncorrected(ClSimpleBitmap& bitmap);
   /// @}
 
   TXRelaxed<unsigned int> m_nEventChannel = 1;
@@ -189,7 +204,7 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   unsigned int m_nLastError = 0;        // guarded by m_cErrorLock
   unsigned long m_nCalibratedSize = 0;  // guarded by m_cLock
   TXSharedSlot<CXCalibration> m_pCalibration;
-  const std::unique_ptr<CLiveDetection> m_pLiveDetection;
+  std::unique_ptr<CLiveDetection> m_pLiveDetection;  // constant
   TXRelaxed<unsigned int> m_nActiveChannel = kNoActiveChannel;
   ClMultiString m_cSDKInfo;  // guarded by m_cLock
   CXSetting m_cSetting;      // constant
@@ -220,7 +235,19 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   void AddVersion();
   __FTRSCAN_IMAGE_SIZE ReadImageSize();
   void ThrowDeviceError(const char* text);
+  [[noreturn]] void Refuse(int number, const char* text);
 
+  unsigned int FakeDetectionThreshold() const;
+  void SetFakeFingerDetection(unsigned int value);
+  void StartFakeFingerDetection(unsigned int securityLevel);
+  void SwitchLED(bool (ClFutronicBaseSDK::*led)(bool), bool on);
+  void RequireLiveDetection();
+  unsigned long ReadSecretBytes(osvlx3_feature& feature);
+  unsigned long WriteSecretBytes(const osvlx3_feature& feature);
+  unsigned long WriteAuthorizationCode(const osvlx3_feature& feature);
+  void WriteImageDataFormat(const osvlx3_feature& feature);
+
+  static void CreateRaw(ClSimpleBitmap& bitmap, const __FTRSCAN_IMAGE_SIZE& size);
   static bool IsWorkersBitmap(const ClFrameGrabberChannel& channel, const ClSimpleBitmap& bitmap);
   bool NeedsPreparation(const ClFrameGrabberChannel& channel, const ClSimpleBitmap& bitmap) const;
   void Prepare(ClFrameGrabberChannel& channel, ClSimpleBitmap& bitmap);

@@ -12,42 +12,7 @@ namespace {
 constexpr unsigned int kScore = 0;
 constexpr unsigned int kScoreAndState = 1;
 
-[[noreturn]] void throw_not_connected() {
-  throw ClLXException(error_text::NotConnected, error_number::NotConnected);
-}
-
 }  // namespace
-
-unsigned long ClOstrevanHVK3SDK::GetProperty(ePropertyIDs /*id*/, unsigned int& /*value*/) {
-  return error_number::NotConnected;
-}
-
-unsigned long ClOstrevanHVK3SDK::SetProperty(ePropertyIDs /*id*/, unsigned int /*value*/) {
-  return error_number::NotConnected;
-}
-
-unsigned long ClOstrevanHVK3SDK::GetFeature(osvlx3_feature* /*feature*/) {
-  return error_number::NotConnected;
-}
-
-unsigned long ClOstrevanHVK3SDK::SetFeature(const osvlx3_feature* /*feature*/) {
-  return error_number::NotConnected;
-}
-
-void ClOstrevanHVK3SDK::GetLDProperty(unsigned long /*unused*/, const char* /*name*/,
-                                      char* /*value*/, unsigned long* /*size*/) {
-  throw_not_connected();
-}
-
-void ClOstrevanHVK3SDK::SetLDProperty(unsigned long /*unused*/, const char* /*name*/,
-                                      const char* /*value*/) {
-  throw_not_connected();
-}
-
-unsigned long ClOstrevanHVK3SDK::ContaminationDetection(unsigned int /*channel*/,
-                                                        double* /*level*/) {
-  return error_number::NotConnected;
-}
 
 void ClOstrevanHVK3SDK::CurrentFrameInfo(unsigned long /*unused*/, unsigned int type, void* info) {
   if (info == nullptr) {

@@ -4,12 +4,17 @@
 #include <exception>
 #include <string>
 
+#include "ostrevanhvk3/module_exception.h"
+
 /// @file
 /// The exception family. Every failure inside the plug-in travels as one of these classes; the
 /// facade and the exported functions turn them into numbers and texts.
 ///
 /// The number sits on the two branches and not on `CXException`: a handler that wants it has to
 /// catch one of them, and a `CXMemoryAllocException` has none.
+///
+/// `lx::CLX3ModuleException` stands outside the family and goes through to the client, so it is
+/// declared with the client's headers.
 
 namespace Osv {
 
@@ -115,18 +120,6 @@ class CLiveDetectionException : public CXOtherException {
 /// The scanner's hardware, or the level of its library, lacks a function.
 class ClKR9NOTImplException : public CXOtherException {
   using CXOtherException::CXOtherException;
-};
-
-/// A bare number of the feature interface. It stands outside the family: no handler for
-/// `std::exception` sees it.
-class CLX3ModuleException {
- public:
-  explicit CLX3ModuleException(unsigned int value) : m_nValue(value) {}
-
-  unsigned int value() const { return m_nValue; }
-
- private:
-  unsigned int m_nValue;
 };
 
 }  // namespace lx

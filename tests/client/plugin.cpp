@@ -32,13 +32,12 @@ bool Plugin::is_loaded() {
   return library != nullptr;
 }
 
-template <typename Function>
-Function Plugin::function(const char* name) const {
-  void* const address = m_hLibrary == nullptr ? nullptr : dlsym(m_hLibrary, name);
-  if (address == nullptr) {
+void* Plugin::address(const char* name) const {
+  void* const found = m_hLibrary == nullptr ? nullptr : dlsym(m_hLibrary, name);
+  if (found == nullptr) {
     throw std::runtime_error(dlerror());
   }
-  return reinterpret_cast<Function>(address);
+  return found;
 }
 
 std::string last_error(lx::ClFramegrabber& grabber) {

@@ -32,12 +32,17 @@ class Plugin {
   /// What an exported pointer, such as "m_pFG", points at now.
   const void* pointer(const char* name) const;
 
+  /// Any exported function. @throws std::runtime_error with the loader's text
+  template <typename Function>
+  Function function(const char* name) const {
+    return reinterpret_cast<Function>(address(name));
+  }
+
   /// True while the plug-in is in this process.
   static bool is_loaded();
 
  private:
-  template <typename Function>
-  Function function(const char* name) const;
+  void* address(const char* name) const;
 
   void* m_hLibrary;
   lx::GetFrameGrabberFunction m_pfnGet;

@@ -30,6 +30,7 @@ struct Driver : ClOstrevanHVK3SDK {
 
   using ClOstrevanHVK3SDK::CaptureBmp;
   using ClOstrevanHVK3SDK::CaptureLDBmp;
+  using ClOstrevanHVK3SDK::CaptureUncorrected;
   using ClOstrevanHVK3SDK::FuzzyImage;
   using ClOstrevanHVK3SDK::kNoActiveChannel;
   using ClOstrevanHVK3SDK::kNoActiveScanner;

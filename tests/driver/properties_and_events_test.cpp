@@ -14,7 +14,6 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 const Failure kWrongChannel = {4, "Incorrect channel number for frame grabber"};
-const Failure kNotConnected = {2, "The scanner is not connected to the host"};
 
 struct FrameInfo : DriverFixture {
   FrameInfo() {
@@ -169,22 +168,6 @@ TEST_F(ChannelSettings, RefreshingTheBackgroundDoesNothingInTheDriver) {
   driver.RefreshBackGround(1, grabber);
   driver.RefreshBackGround(99, grabber);
   EXPECT_THAT(story(), IsEmpty());
-}
-
-struct PropertiesToCome : DriverFixture {};
-
-TEST_F(PropertiesToCome, AnswerAsWithNoScannerAttached) {
-  unsigned int value = 7;
-  double level = 7;
-  osvlx3_feature feature{};
-  EXPECT_EQ(driver.GetProperty(ePropChannelCount, value), 2UL);
-  EXPECT_EQ(driver.SetProperty(ePropRedLED, 1), 2UL);
-  EXPECT_EQ(driver.GetFeature(&feature), 2UL);
-  EXPECT_EQ(driver.SetFeature(&feature), 2UL);
-  EXPECT_EQ(driver.ContaminationDetection(1, &level), 2UL);
-  EXPECT_EQ(failure_of([&] { driver.GetLDProperty(0, "Version", nullptr, nullptr); }),
-            kNotConnected);
-  EXPECT_EQ(failure_of([&] { driver.SetLDProperty(0, "Version", ""); }), kNotConnected);
 }
 
 }  // namespace

@@ -1,0 +1,50 @@
+#include "driver/ostrevan_hvk3_sdk.h"
+#include "foundation/exceptions.h"
+#include "ostrevanhvk3/errors.h"
+#include "ostrevanhvk3/image_resolution.h"
+
+namespace Osv::lx {
+namespace {
+
+constexpr unsigned int kChannel = 1;
+constexpr unsigned int kDotsPerInch = 500;
+constexpr char kCaptureFailed[] = "Capture image failed.";
+
+}  // namespace
+
+unsigned long ClOstrevanHVK3SDK::ContaminationDetection(unsigned int channel, double* level) {
+  const Guard guard(m_cLock);
+  if (channel != kChannel) {
+    throw ClLXException(error_text::IncorrectChannel, error_number::IncorrectChannel);
+  }
+  if (level == nullptr) {
+    throw ClLXException("", error_number::NullPointer);
+  }
+  if (const unsigned long result = InitializeScanner(); result != 0) {
+    return result;
+  }
+  *level = 0.0;
+  ClSimpleBitmap bitmap;
+  CaptureUncorrected(bitmap);
+  PrepareImage(bitmap);
+  *level = Calibration()->ContaminationDetection(bitmap.BI());
+  return 0;
+}
+
+void ClOstrevanHVK3SDK::CaptureUncorrected(ClSimpleBitmap& bitmap) {
+  __FTRSCAN_IMAGE_SIZE size{};
+  const bool known = m_pScanner->GetImageSize(&size);
+  if (!known && (size.nWidth == 0 || size.nHeight == 0)) {
+    ThrowDeviceError(kCaptureFailed);  // the frame would fail for the same reason
+  }
+  CreateRaw(bitmap, size);
+  // The engine measures a bitmap whose pels were converted twice, and has to be fed that.
+  ClImageResolution resolution;
+  resolution.put_DPI(kDotsPerInch, kDotsPerInch);
+  bitmap.SetResolution(resolution.get_x(), resolution.get_y());
+  if (!m_pScanner->GetImageByDose(bitmap.Pixel(), Dose())) {
+    ThrowDeviceError(kCaptureFailed);
+  }
+}
+
+}  // namespace Osv::lx
