@@ -1,8 +1,22 @@
 #pragma once
 
+#include <cstdint>
+#include <span>
+
 #include "foundation/bitmap.h"
 
 namespace Osv::lx {
+
+/// The sum of bytes.
+std::uint64_t byte_sum(std::span<const unsigned char> bytes);
+
+/// The sum of `count` columns of an 8-bit image from column `from` on, over all rows.
+std::uint64_t column_sum(const utilities::ClSimpleBitmap& bitmap, unsigned long from,
+                         unsigned long count);
+
+/// The mean of so many rows and columns with this sum, cut towards zero. The mean of no pixels is
+/// brighter than that of any image, so that nothing takes it for a finger.
+unsigned long gray_mean(std::uint64_t sum, unsigned long rows, unsigned long columns);
 
 /// Measures of 8-bit gray images. They read each row once, in order, and allocate nothing.
 class ClBitmapUtilities {

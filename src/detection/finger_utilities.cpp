@@ -78,11 +78,15 @@ void add_row(Contrast& contrast, const utilities::ClSimpleBitmap& bitmap, unsign
 
 }  // namespace
 
+bool darker_by_a_finger(unsigned long gray, unsigned long mean) {
+  return static_cast<long>(gray - mean) > kDarkerThanGray;
+}
+
 bool ClFingerUtilities::IsFinger(const utilities::ClSimpleBitmap& bitmap, unsigned long gray,
                                  eArea area) {
   const Columns columns = columns_of(bitmap, area);
-  const unsigned long mean = ClBitmapUtilities::Gray_Avarage(bitmap, columns.from, columns.to);
-  return static_cast<long>(gray - mean) > kDarkerThanGray;
+  return darker_by_a_finger(gray,
+                            ClBitmapUtilities::Gray_Avarage(bitmap, columns.from, columns.to));
 }
 
 bool ClFingerUtilities::IsFinger(const utilities::ClSimpleBitmap& bitmap, eArea area) {

@@ -4,6 +4,10 @@
 
 namespace Osv::lx {
 
+/// True when an area with the mean gray level `mean` is dark enough against `gray` for a finger: by
+/// more than 19 levels.
+bool darker_by_a_finger(unsigned long gray, unsigned long mean);
+
 /// Tests for a finger in a part of an 8-bit gray image. A row narrower than the part counts whole.
 class ClFingerUtilities {
  public:
@@ -16,7 +20,7 @@ class ClFingerUtilities {
 
   virtual ~ClFingerUtilities() = default;
 
-  /// True when the area is, on average, more than 19 levels darker than `gray`.
+  /// True when the area is, on average, darker than `gray` by a finger.
   static bool IsFinger(const utilities::ClSimpleBitmap& bitmap, unsigned long gray, eArea area);
 
   /// The contrast test: looks for the change of ridges and valleys in blocks of 0.55 mm along three

@@ -7,6 +7,7 @@
 #include "detection/live_detection.h"
 #include "detection/plain_finger_detection.h"
 #include "detection/preview_detection.h"
+#include "detection/rolled_finger_lx1.h"
 
 namespace Osv::lx {
 namespace {
@@ -16,11 +17,11 @@ using Strategy = std::unique_ptr<ClImageDetection>;
 /// The mean of the middle row below which a frame of plain capture holds a finger.
 constexpr unsigned long kPlainThreshold = 240;
 
-/// Makers by the number of their capture mode; null where no strategy exists.
+/// Makers by the number of their capture mode.
 constexpr std::array<Strategy (*)(), 5> kMakers{
     []() -> Strategy { return std::make_unique<ClLiveDetection>(); },
     []() -> Strategy { return std::make_unique<ClPlainFingerDetection>(kPlainThreshold); },
-    nullptr,
+    []() -> Strategy { return std::make_unique<ClRolledFingerLX1>(); },
     []() -> Strategy { return std::make_unique<ClFastPlainFingerDetection>(); },
     []() -> Strategy { return std::make_unique<ClPreviewDetection>(); },
 };
@@ -28,8 +29,7 @@ constexpr std::array<Strategy (*)(), 5> kMakers{
 }  // namespace
 
 ClImageDetection* ClImageDetection::Create(eCaptureModeIDs mode) {
-  const auto make = mode < kMakers.size() ? kMakers[mode] : nullptr;
-  return make == nullptr ? nullptr : make().release();
+  return mode < kMakers.size() ? kMakers[mode]().release() : nullptr;
 }
 
 }  // namespace Osv::lx

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <vector>
 
@@ -149,6 +150,44 @@ TEST_F(FingerByContrast, TheEdgesAreLookedAtByThemselves) {
   EXPECT_FALSE(finger(Fingers::eAreaLast));
 }
 
+TEST_F(FingerByContrast, AnEdgeHasALimitOf7267) {
+  test::row_of(image, 10)[0] = 106;  // with the two blocks beside it the sum is 7375
+  test::row_of(image, 10)[3] = 255 - 108;
+  EXPECT_FALSE(finger(Fingers::eAreaFirst)) << "a sum of 7267";
+  test::row_of(image, 10)[3] = 255 - 107;
+  EXPECT_TRUE(finger(Fingers::eAreaFirst)) << "a sum of 7268";
+}
+
+TEST_F(FingerByContrast, OneBlockIsEnoughForAnEdgeOf3Blocks) {
+  darken_blocks(10, 1);
+  EXPECT_TRUE(finger(Fingers::eAreaFirst)) << "a fifth of 3 is cut to 0";
+  darken_blocks(10, 0);
+  EXPECT_FALSE(finger(Fingers::eAreaFirst));
+}
+
+TEST_F(FingerByContrast, TheProbeRowsOfAnImageBelow4RowsAreAllTheFirst) {
+  image = test::gray_image(100, 3, 255);
+  image.SetPels(kPels500Dpi, kPels500Dpi);
+  EXPECT_FALSE(finger());
+  darken_blocks(0, 3);
+  test::fill_row(image, 1, 0);
+  test::fill_row(image, 2, 0);
+  EXPECT_TRUE(finger());
+}
+
+TEST_F(FingerByContrast, ABlockThatBeginsWhiteHasItsHighMarkFromThere) {
+  darken_blocks(10, 2);
+  std::fill_n(test::row_of(image, 10).begin() + 20, 10, static_cast<unsigned char>(192));
+  EXPECT_FALSE(finger()) << "an even block";
+  test::row_of(image, 10)[20] = 255;
+  EXPECT_TRUE(finger());
+}
+
+TEST_F(FingerByContrast, BlocksOfOnePixelHaveNoContrast) {
+  image.SetPels(1819, 1819);
+  EXPECT_FALSE(finger());
+}
+
 TEST_F(FingerByContrast, TheLastBlockMayRunOverTheEndOfItsArea) {
   test::row_of(image, 10)[0] = 0;
   test::row_of(image, 10)[1] = 100;
@@ -193,7 +232,8 @@ bool plain_contrast_test(const ClSimpleBitmap& image, unsigned long area) {
   const unsigned long end = area == 1 ? 30 : width;
   const unsigned long n = end - first;
   const auto block = static_cast<unsigned long>(static_cast<double>(image.YPels()) * 0.00055);
-  const auto required = static_cast<unsigned long>(static_cast<double>(n / block) * 0.2);
+  const unsigned long blocks = n / block;
+  const auto required = static_cast<unsigned long>(static_cast<double>(blocks) * 0.2);
   unsigned long sum = 0;
   unsigned long count = 0;
   bool result = true;

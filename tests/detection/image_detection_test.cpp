@@ -8,6 +8,7 @@
 #include "detection/live_detection.h"
 #include "detection/plain_finger_detection.h"
 #include "detection/preview_detection.h"
+#include "detection/rolled_finger_lx1.h"
 
 namespace Osv::lx {
 namespace {
@@ -28,6 +29,10 @@ void expect_strategy(unsigned int mode) {
 TEST(ImageDetection, Mode0GivesTheLiveStrategy) { expect_strategy<ClLiveDetection>(0); }
 
 TEST(ImageDetection, Mode1GivesThePlainStrategy) { expect_strategy<ClPlainFingerDetection>(1); }
+
+TEST(ImageDetection, Mode2GivesTheRolledStrategyThatKeepsTheDarkestColumns) {
+  expect_strategy<ClRolledFingerLX1>(2);
+}
 
 TEST(ImageDetection, Mode3GivesTheFastPlainStrategy) {
   expect_strategy<ClFastPlainFingerDetection>(3);
