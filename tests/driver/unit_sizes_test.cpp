@@ -190,6 +190,21 @@ TEST_P(UnitSizes, WithinAnOpeningAScoredFrameTellsTheEngineNoMoreRoomThanThereIs
   EXPECT_GE(malloc_usable_size(bitmap().BI()), bitmap().FullSize());
 }
 
+TEST_P(UnitSizes, ASnapThatAWorkersPreparationOvertookIsPreparedAgain) {
+  score_frames();
+  ClSimpleBitmap snapped;
+  prepare(snapped);
+  change_size();
+  driver.channel().get_capture_bitmap() = boost::make_shared<ClSimpleBitmap>();
+  prepare(bitmap());
+  unit.frames = 0;
+  driver.GetLiveBitmap(driver.channel(), snapped);
+  EXPECT_TRUE(unit.buffers_suffice);
+  EXPECT_GE(malloc_usable_size(snapped.BI()), driver.m_cRawBitmap.FullSize());
+  fetch();
+  expect_frame();
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Changes, UnitSizes,
     ::testing::Values(Change{"FramesAndImagesGrow", {320, 240}, {1000, 800}},
