@@ -8,8 +8,6 @@ namespace Osv::client {
 namespace {
 
 using ::testing::AllOf;
-using ::testing::AnyOf;
-using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 

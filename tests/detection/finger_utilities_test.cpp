@@ -193,7 +193,8 @@ bool plain_contrast_test(const ClSimpleBitmap& image, unsigned long area) {
   const unsigned long end = area == 1 ? 30 : width;
   const unsigned long n = end - first;
   const auto block = static_cast<unsigned long>(static_cast<double>(image.YPels()) * 0.00055);
-  const auto required = static_cast<unsigned long>(static_cast<double>(n / block) * 0.2);
+  const unsigned long blocks = n / block;
+  const auto required = static_cast<unsigned long>(static_cast<double>(blocks) * 0.2);
   unsigned long sum = 0;
   unsigned long count = 0;
   bool result = true;
