@@ -16,7 +16,9 @@ struct Size {
   int width;
   int height;
 
-  std::size_t pixels() const { return static_cast<std::size_t>(width) * height; }
+  std::size_t pixels() const {
+    return static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+  }
 };
 
 /// The unit that is attached, and what was asked of it.
@@ -44,7 +46,7 @@ struct Unit {
  private:
   /// Pixels come to lie behind header and palette of an 8-bit block.
   void take_frame(unsigned char* pixels) {
-    constexpr std::size_t kInFront = sizeof(tagBITMAPINFOHEADER) + 256 * 4;
+    constexpr std::size_t kInFront = sizeof(tagBITMAPINFOHEADER) + 256UL * 4;
     ++frames;
     if (malloc_usable_size(pixels - kInFront) < kInFront + size.pixels()) {
       buffers_suffice = false;
