@@ -98,6 +98,7 @@ unsigned long ClOstrevanHVK3SDK::SetActiveChannel(ClFrameGrabberChannel& channel
 
 void ClOstrevanHVK3SDK::Prepare(ClFrameGrabberChannel& channel, ClSimpleBitmap& bitmap) {
   const unsigned int opening = m_nOpening;
+  m_nRawOpening = opening - 1;  // if this fails half-way, no bitmap fits what is left
   const __FTRSCAN_IMAGE_SIZE size = ReadImageSize();
   OSV_LOG(OsvLFTrace, "KR9 scanner. The image width: %d, height: %d", size.nWidth, size.nHeight);
   DescribeCamera(channel, size);

@@ -81,8 +81,10 @@ unsigned long ClOstrevanHVK3SDK::InitializeScanner() {
   if (m_nActiveScanner == kNoActiveScanner) {
     return ChooseFirstScanner();
   }
-  m_nOpening = m_nOpening + 1;  // before another unit can be open
-  if (!m_pScanner->Initialize()) {
+  ++m_nOpening;  // before another unit can be open
+  const bool opened = m_pScanner->Initialize();
+  ++m_nOpening;  // what was shaped meanwhile may be for the unit before
+  if (!opened) {
     return m_pScanner->GetLastError();
   }
   SwitchToLongImage();

@@ -124,8 +124,9 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   /// @}
 
   /// @name Properties, features and events
-  /// Only fake finger detection and the switching of LEDs take `m_cLock`. The others go to the
-  /// session, the calibration and the device between frames or during one.
+  /// Of the numbered properties only fake finger detection and the switching of LEDs take
+  /// `m_cLock`. The others, and the features, go to the session, the calibration and the device
+  /// between frames or during one.
   /// @{
   unsigned long GetProperty(ePropertyIDs id, unsigned int& value);
 
@@ -261,7 +262,7 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   mutable std::mutex m_cErrorLock;  // leaf
 
   // What was shaped before the present opening may be too small for the unit that is open now.
-  TXRelaxed<unsigned int> m_nOpening = 0;  // counts the openings begun
+  TXRelaxed<unsigned int> m_nOpening = 0;  // counts beginnings and ends of openings
   // The one that the worker's bitmap was shaped for; an earlier one once frames have another size.
   TXRelaxed<unsigned int> m_nShapedOpening = 0;
   unsigned int m_nRawOpening = 0;  // the one of m_cRawBitmap; guarded by m_cLock

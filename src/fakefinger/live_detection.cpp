@@ -21,6 +21,7 @@ constexpr unsigned int kScores = 101;
 constexpr char kSecurityLevel[] = "nSecurityLevel";
 
 using Curve = std::array<double, kScores>;
+using Guard = std::lock_guard<std::recursive_mutex>;
 
 bool is_known(double score) { return score != 0.0 && !std::isnan(score); }
 
@@ -41,11 +42,11 @@ double to_number(const std::string& text) {
 }
 
 /// One of the detector's rates at each whole score.
-Curve read_curve(const CLiveDetection& session, const char* rate) {
+Curve read_curve(CLiveDetectionLib& detector, void* handle, const char* rate) {
   Curve curve{};
   for (unsigned int score = 0; score < kScores; ++score) {
-    session.SetProperty("dQueryScore", to_text(score).c_str());
-    curve[score] = to_number(session.GetProperty(rate));
+    detector.SetProperty(handle, "dQueryScore", to_text(score).c_str());
+    curve[score] = to_number(detector.GetProperty(handle, rate));
   }
   return curve;
 }
@@ -68,15 +69,15 @@ double find_crossing(const Curve& far, const Curve& frr) {
 /// long as it is in the detector; it goes with the last of them.
 class CLiveDetection::Instance {
  public:
-  explicit Instance(std::mutex& detectorLock) : m_cDetectorLock(detectorLock) {
-    const std::lock_guard<std::mutex> lock(m_cDetectorLock);
+  explicit Instance(std::recursive_mutex& detectorLock) : m_cDetectorLock(detectorLock) {
+    const Guard lock(m_cDetectorLock);
     auto library = std::make_unique<CLiveDetectionLib>();
     m_hDetection = library->Create();
     m_pLibrary = std::move(library);
   }
 
   ~Instance() {
-    const std::lock_guard<std::mutex> lock(m_cDetectorLock);
+    const Guard lock(m_cDetectorLock);
     if (m_bDestroyHandle) {
       m_pLibrary->Destroy(&m_hDetection);
     }
@@ -86,9 +87,9 @@ class CLiveDetection::Instance {
   Instance(const Instance&) = delete;
   Instance& operator=(const Instance&) = delete;
 
+  /// For who holds the detector's lock.
   template <typename Call>
   auto Ask(Call call) {
-    const std::lock_guard<std::mutex> lock(m_cDetectorLock);
     return call(*m_pLibrary, m_hDetection);
   }
 
@@ -96,7 +97,7 @@ class CLiveDetection::Instance {
   void DestroyHandleAtTheEnd() { m_bDestroyHandle = true; }
 
  private:
-  std::mutex& m_cDetectorLock;
+  std::recursive_mutex& m_cDetectorLock;
   std::unique_ptr<CLiveDetectionLib> m_pLibrary;
   void* m_hDetection = nullptr;
   bool m_bDestroyHandle = false;  // written by one owner, read when the last has let go
@@ -104,15 +105,19 @@ class CLiveDetection::Instance {
 
 template <typename Call>
 auto CLiveDetection::Ask(Call call) const {
-  boost::shared_ptr<Instance> running;
-  {
-    const std::lock_guard<std::mutex> lock(m_cInstanceLock);
-    running = m_pDetectionLib;
-  }
+  // Let go only behind the instance: one that goes with this call has left the detector before
+  // another can start it again.
+  const Guard lock(m_cDetectorLock);
+  const boost::shared_ptr<Instance> running = Running();
   if (running == nullptr) {
     throw ClLXException(error_text::DetectionDisabled, error_number::DetectionDisabled);
   }
   return running->Ask(call);
+}
+
+boost::shared_ptr<CLiveDetection::Instance> CLiveDetection::Running() const {
+  const std::lock_guard<std::mutex> lock(m_cInstanceLock);
+  return m_pDetectionLib;
 }
 
 void CLiveDetection::Init() {
@@ -132,10 +137,7 @@ void CLiveDetection::Uninit() {
   }
 }
 
-bool CLiveDetection::IsInit() const {
-  const std::lock_guard<std::mutex> lock(m_cInstanceLock);
-  return m_pDetectionLib != nullptr;
-}
+bool CLiveDetection::IsInit() const { return Running() != nullptr; }
 
 void CLiveDetection::Reset() {
   Ask([](CLiveDetectionLib& detector, void* handle) { return detector.Reset(handle); });
@@ -186,11 +188,14 @@ double CLiveDetection::GetFakeScore() const {
   if (const double known = m_dFakeScore; is_known(known)) {
     return known;
   }
-  const Curve frr = read_curve(*this, "dQueryFRR");
-  const Curve far = read_curve(*this, "dQueryFAR");
-  const double found = find_crossing(far, frr);
-  m_dFakeScore = found;
-  return found;
+  return Ask([this](CLiveDetectionLib& detector, void* handle) {
+    if (const double known = m_dFakeScore; is_known(known)) {
+      return known;  // another thread has walked the curves meanwhile
+    }
+    const Curve frr = read_curve(detector, handle, "dQueryFRR");
+    const Curve far = read_curve(detector, handle, "dQueryFAR");
+    return m_dFakeScore.replace(0.0, find_crossing(far, frr));  // a client's threshold stays
+  });
 }
 
 }  // namespace Osv::lx

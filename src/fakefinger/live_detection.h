@@ -15,10 +15,10 @@ namespace Osv::lx {
 /// the detector's error curves and remembers it.
 ///
 /// Operations that reach the detector throw `ClLXException` 58 while the session is idle, and let
-/// the exceptions of `CLiveDetectionLib` through. Any thread may call them: one leaf mutex lets one
-/// call into the detector at a time, and a detector that `Uninit` has given up lives until the call
-/// that is in it has come back. Calls that belong together, as the images of one series or the
-/// first `GetFakeScore`, are kept apart from others by the caller.
+/// the exceptions of `CLiveDetectionLib` through. Any thread may call them: one mutex lets one
+/// operation into the detector at a time, the whole walk of the first `GetFakeScore` too, and a
+/// detector that `Uninit` has given up lives until the operation that is in it has come back. The
+/// images of one series are kept apart from others by the caller.
 class CLiveDetection {
  public:
   /// Loads the detector and makes a handle. A detector that was there before goes; after a failure
@@ -57,18 +57,21 @@ class CLiveDetection {
 
   /// The threshold: a finger counts as live when its score is greater. The first call walks the
   /// detector's curves and takes the last whole score before false accepts become rarer than false
-  /// rejects. A result of 0 is not remembered.
+  /// rejects. A result of 0 is not remembered, and a threshold that is set meanwhile counts.
   double GetFakeScore() const;
 
  private:
   class Instance;
 
-  /// Makes one call into the detector.
+  /// Makes calls into the detector that belong together.
   template <typename Call>
   auto Ask(Call call) const;
 
-  // Leaf, held for one call into the detector. Before the instance, which locks it when it goes.
-  std::mutex m_cDetectorLock;
+  boost::shared_ptr<Instance> Running() const;
+
+  // Held for one operation in the detector, with nothing below it but the instance's lock.
+  // Recursive, and before the instance, since that locks it when it goes.
+  mutable std::recursive_mutex m_cDetectorLock;
   mutable std::mutex m_cInstanceLock;           // leaf, held to copy or exchange the pointer
   boost::shared_ptr<Instance> m_pDetectionLib;  ///< null while idle
 

@@ -22,6 +22,18 @@ class TXRelaxed {
   }
   TXRelaxed& operator=(const TXRelaxed& other) { return *this = other.get(); }
 
+  /// Adds 1 in one step, whatever other threads do.
+  TXRelaxed& operator++() {
+    m_value.fetch_add(1, std::memory_order_relaxed);
+    return *this;
+  }
+
+  /// Takes `value` in the place of `expected` and nothing else. @return the value from then on
+  T replace(T expected, T value) {
+    return m_value.compare_exchange_strong(expected, value, std::memory_order_relaxed) ? value
+                                                                                       : expected;
+  }
+
   T get() const { return m_value.load(std::memory_order_relaxed); }
   operator T() const { return get(); }
 

@@ -3,6 +3,7 @@
 
 #include <boost/make_shared.hpp>
 #include <cstring>
+#include <functional>
 #include <memory>
 
 #include "driver/driver_fixture.h"
@@ -25,6 +26,7 @@ struct Size {
 struct Unit {
   Size size;
   int frames = 0;
+  bool fails = false;
   bool buffers_suffice = true;
 
   static inline Unit* attached = nullptr;
@@ -35,6 +37,9 @@ struct Unit {
   }
 
   static std::int32_t fill(ScannerHandle /*handle*/, void* buffer) {
+    if (attached->fails) {
+      return 0;
+    }
     attached->take_frame(static_cast<unsigned char*>(buffer));
     return 1;
   }
@@ -95,6 +100,20 @@ class UnitSizes : public DriverFixture, public ::testing::WithParamInterface<Cha
     unsigned char* block = nullptr;
     EXPECT_EQ(driver.Snap(1, &block), 0UL);
     const std::unique_ptr<unsigned char[]> image(block);
+  }
+
+  /// Behind a reopening a snap prepares its bitmap, then the worker fails to prepare its own.
+  void expect_snap_behind_a_failed_preparation(const std::function<void(bool)>& set_failing) {
+    change_unit();
+    ClSimpleBitmap snapped;
+    prepare(snapped);
+    set_failing(true);
+    EXPECT_ANY_THROW(driver.SetActiveChannel(driver.channel(), bitmap()));
+    set_failing(false);
+    unit.frames = 0;
+    driver.GetLiveBitmap(driver.channel(), snapped);
+    EXPECT_EQ(unit.frames, 2);
+    EXPECT_TRUE(unit.buffers_suffice);
   }
 
   void score_frames() {
@@ -205,6 +224,26 @@ TEST_P(UnitSizes, ASnapThatAWorkersPreparationOvertookIsPreparedAgain) {
   EXPECT_GE(malloc_usable_size(snapped.BI()), driver.m_cRawBitmap.FullSize());
   fetch();
   expect_frame();
+}
+
+TEST_P(UnitSizes, BehindAWorkersPreparationThatFoundNoSizeASnapIsPreparedAgain) {
+  expect_snap_behind_a_failed_preparation([this](bool failing) {
+    unit.size = failing ? Size{-1, 480} : GetParam().to;
+  });
+}
+
+TEST_P(UnitSizes, BehindAWorkersPreparationThatGotNoFrameASnapIsPreparedAgain) {
+  expect_snap_behind_a_failed_preparation([this](bool failing) { unit.fails = failing; });
+}
+
+TEST_P(UnitSizes, ASnapThatAPreparationOfTheSameSizeOvertookTakesNoFurtherFrame) {
+  ClSimpleBitmap snapped;
+  prepare(snapped);
+  driver.channel().get_capture_bitmap() = boost::make_shared<ClSimpleBitmap>();
+  prepare(bitmap());
+  unit.frames = 0;
+  driver.GetLiveBitmap(driver.channel(), snapped);
+  EXPECT_EQ(unit.frames, 1);
 }
 
 INSTANTIATE_TEST_SUITE_P(

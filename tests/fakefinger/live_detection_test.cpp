@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <functional>
+#include <future>
 #include <limits>
 #include <optional>
 #include <set>
@@ -59,6 +60,15 @@ class Session : public IdleSession {
     detector().codes["Reset"] = -7;
     failure_of<CLiveDetectionException>([&] { m_session->Reset(); });
     m_session->Uninit();
+  }
+
+  /// The journal begins with a detector that runs.
+  void expect_each_stopped_before_the_next_starts() {
+    int running = 1;
+    for (const std::string& line : journal()) {
+      running += line == "Initialize null" ? 1 : line == "Uninitialize" ? -1 : 0;
+      EXPECT_LE(running, 1);
+    }
   }
 
   void use_unless_idle() {
@@ -373,7 +383,7 @@ TEST_F(Session, HoldsOneMutexOverEachCallIntoTheDetector) {
   std::set<pthread_mutex_t*> mutexes;
   std::set<std::string> functions;
   detector().entered = [&] {
-    pthread_mutex_t* const mutex = testing_support::last_locked();
+    pthread_mutex_t* const mutex = testing_support::innermost_held();
     const std::string call = journal().back();
     mutexes.insert(mutex);
     functions.insert(call.substr(0, call.find(' ')));
@@ -415,9 +425,48 @@ TEST_F(OvertakenSession, KeepsThemForTheTextOfAFailureToo) {
 
 TEST_F(OvertakenSession, IsIdleAtOnce) {
   end_in_the_next_call(0);
-  const auto failure = failure_of<ClLXException>([&] { (void)m_session->GetFakeScore(); });
-  EXPECT_EQ(failure.GetErrorNumber(), 58);
+  (void)m_session->GetProperty("p");
   EXPECT_FALSE(m_session->IsInit());
+  const auto failure = failure_of<ClLXException>([&] { (void)m_session->GetProperty("p"); });
+  EXPECT_EQ(failure.GetErrorNumber(), 58);
+}
+
+TEST_F(OvertakenSession, FinishesTheWalkThatItIsOn) {
+  cross_at(50);
+  bool ended = false;
+  detector().entered = [&] {
+    if (!std::exchange(ended, true)) {
+      std::thread([this] { m_session->Uninit(); }).join();
+    }
+  };
+  EXPECT_EQ(m_session->GetFakeScore(), 49.0);
+  EXPECT_EQ(journal().back(), "unloaded");
+}
+
+TEST_F(Session, KeepsAThresholdThatIsSetDuringTheWalk) {
+  cross_at(50);
+  detector().entered = [&] { m_session->SetFakeScore(30.0); };
+  EXPECT_EQ(m_session->GetFakeScore(), 30.0);
+  EXPECT_EQ(m_session->GetFakeScore(), 30.0);
+}
+
+TEST_F(Session, WalksTheCurvesOnceForTwoThreadsThatAskAtOnce) {
+  cross_at(50);
+  std::promise<void> waiting;
+  std::thread other;
+  detector().entered = [&] {
+    if (other.joinable()) {
+      return;
+    }
+    other = std::thread([&] {
+      const testing_support::WaitNotice notice([&] { waiting.set_value(); });
+      EXPECT_EQ(m_session->GetFakeScore(), 49.0);
+    });
+    waiting.get_future().wait();
+  };
+  EXPECT_EQ(m_session->GetFakeScore(), 49.0);
+  other.join();
+  EXPECT_EQ(detector().count("SetProperty"), 202U);
 }
 
 TEST_F(Session, MayBeUsedOnOneThreadWhileAnotherEndsItAndBeginsItAgain) {
@@ -435,6 +484,7 @@ TEST_F(Session, MayBeUsedOnOneThreadWhileAnotherEndsItAndBeginsItAgain) {
   user.join();
   m_session->Uninit();
   EXPECT_THAT(journal(), testing::Each(testing::Not(testing::HasSubstr("(destroyed)"))));
+  expect_each_stopped_before_the_next_starts();
   EXPECT_EQ(detector().count("DestroyHandle"), 101U);
   EXPECT_EQ(journal().back(), "unloaded");
 }

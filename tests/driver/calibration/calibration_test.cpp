@@ -371,7 +371,7 @@ class EngineLock : public CalibrationTest {
   }
 
   static long note() {
-    sMutexes.push_back(last_locked());
+    sMutexes.push_back(innermost_held());
     EXPECT_TRUE(is_held(sMutexes.back())) << "call " << sMutexes.size();
     return -7;
   }

@@ -1,14 +1,17 @@
 #include "driver/support/mutex_watch.h"
 
+#include <algorithm>
 #include <atomic>
+#include <iterator>
 #include <utility>
+#include <vector>
 
 namespace Osv::testing_support {
 namespace {
 
 std::atomic<pthread_mutex_t*> s_pWatched{nullptr};
 std::atomic<int> s_nLocks{0};
-thread_local pthread_mutex_t* t_pLastLocked = nullptr;
+thread_local std::vector<pthread_mutex_t*> t_held;
 thread_local std::function<void()> t_tell;
 
 }  // namespace
@@ -22,7 +25,7 @@ LockCount::~LockCount() { s_pWatched = nullptr; }
 
 int LockCount::so_far() const { return s_nLocks; }
 
-pthread_mutex_t* last_locked() { return t_pLastLocked; }
+pthread_mutex_t* innermost_held() { return t_held.empty() ? nullptr : t_held.back(); }
 
 WaitNotice::WaitNotice(std::function<void()> tell) { t_tell = std::move(tell); }
 
@@ -34,21 +37,34 @@ extern "C" {
 
 // NOLINTBEGIN(bugprone-reserved-identifier): the linker gives these names.
 int __real_pthread_mutex_lock(pthread_mutex_t* mutex);
+int __real_pthread_mutex_unlock(pthread_mutex_t* mutex);
 [[gnu::visibility("default")]] int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex);
+[[gnu::visibility("default")]] int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex);
 
 int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
   using namespace Osv::testing_support;
   if (mutex == s_pWatched.load(std::memory_order_relaxed)) {
     s_nLocks.fetch_add(1, std::memory_order_relaxed);
   }
-  t_pLastLocked = mutex;
   if (t_tell) {
     if (pthread_mutex_trylock(mutex) == 0) {
+      t_held.push_back(mutex);
       return 0;
     }
     std::exchange(t_tell, nullptr)();
   }
-  return __real_pthread_mutex_lock(mutex);
+  const int result = __real_pthread_mutex_lock(mutex);
+  t_held.push_back(mutex);
+  return result;
+}
+
+int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex) {
+  using namespace Osv::testing_support;
+  const auto last = std::find(t_held.rbegin(), t_held.rend(), mutex);
+  if (last != t_held.rend()) {
+    t_held.erase(std::next(last).base());
+  }
+  return __real_pthread_mutex_unlock(mutex);
 }
 // NOLINTEND(bugprone-reserved-identifier)
 }

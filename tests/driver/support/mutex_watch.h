@@ -9,8 +9,8 @@
 #include "foundation/mutex.h"
 
 /// @file
-/// A look at the system's mutexes. The executable is linked with `--wrap` for the function that
-/// locks them.
+/// A look at the system's mutexes. The executable is linked with `--wrap` for the functions that
+/// lock and unlock them.
 
 namespace Osv::testing_support {
 
@@ -34,9 +34,9 @@ inline bool is_held(pthread_mutex_t* mutex) {
 
 inline bool is_held(CXMutex& mutex) { return is_held(system_mutex(mutex)); }
 
-/// The mutex that this thread has locked last, held or not. A function called out of a library's
-/// stand-in finds the mutex here that its caller holds over the call.
-pthread_mutex_t* last_locked();
+/// Of the mutexes that this thread holds the one locked last, null for none. A function called out
+/// of a library's stand-in finds the mutex here that its caller holds over the call.
+pthread_mutex_t* innermost_held();
 
 /// Counts how often a mutex is locked while it lives. One object at a time.
 class LockCount {
