@@ -50,7 +50,7 @@ class ClFramegrabberSDK {
   /// Ends acquisition, also one that never began.
   virtual void StopLiveCapturing(ClFrameGrabberChannel& /*channel*/) {}
 
-  /// True when the channel must be made active again. Asked before each frame.
+  /// True when the channel must be made active again. Asked in each pass.
   virtual bool IsDirty(ClFrameGrabberChannel& channel) = 0;
 
   /// True when the scanner detects plain fingers by itself.

@@ -85,8 +85,8 @@ class ClSimpleBitmap {
   void SetWhite();
 
   /// The colour of a pixel; x and y are not checked. At 16 and 32 bits the masks are applied to 1
-  /// for any pixel that is not black and to 0 for a black one, not to the pixel's number, and is to
-  /// stay so. An index beyond a shortened palette gives 4294967295.
+  /// for any pixel that is not black and to 0 for a black one, not to the pixel's number; this is
+  /// to stay so. An index beyond a shortened palette gives 4294967295.
   unsigned int GetPixel(unsigned long x, unsigned long y) const;
 
   /// Sets a pixel; x and y are not checked. Up to 8 bits a colour that is not in the palette
@@ -107,7 +107,7 @@ class ClSimpleBitmap {
                      unsigned char* pixels);
 
   /// Replaces the picture by a plain one of another size with the gray ramp of its depth and no
-  /// resolution. A bitmap without pixels stays as it is.
+  /// resolution. An empty bitmap stays as it is.
   ///
   /// Bilinear is meant for 8 bits; other depths go through their colours, and a gray that the new
   /// ramp lacks becomes black. Where the source column or row of a pixel, cut to a whole number,

@@ -141,10 +141,10 @@ void put_row(ClSimpleBitmap& target, unsigned long y, const std::vector<unsigned
   }
 }
 
-/// A target side of 1 would divide by zero; it stays black.
+/// A target side of 1 would divide by zero, and a source without pixels has none to blend: black.
 void interpolate(const ClSimpleBitmap& source, ClSimpleBitmap& target) {
   target.SetBlack();
-  if (target.Width() == 1 || target.Height() == 1) {
+  if (target.Width() == 1 || target.Height() == 1 || source.PixelSize() == 0) {
     return;
   }
   BlendedRows rows(source, target.Width());
@@ -191,7 +191,7 @@ void ClSimpleBitmap::Rescale(unsigned long width, unsigned long height, eRescale
   if (mode != eRescaleBilinear && mode != eRescaleDouble) {
     throw MakeException<CXOtherException>("Scaling mode not supported", kUnknownMode);
   }
-  if (PixelSize() == 0) {
+  if (Empty()) {
     return;
   }
   ClSimpleBitmap scaled;

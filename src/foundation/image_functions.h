@@ -49,7 +49,8 @@ tagBITMAPINFOHEADER* clip_bitmap(const tagBITMAPINFOHEADER* bi, unsigned long x,
                                  unsigned long ypels, bool use_malloc);
 
 /// Copies `height` rows of `width` bytes without padding from `src` to padded rows at `dst`, the
-/// last row first.
+/// last row first. Below 8 bits, where a row is shorter than `width` bytes, it gets as many as it
+/// holds.
 void fill_image_data(unsigned char* dst, const unsigned char* src, unsigned long width,
                      unsigned long height, unsigned long bits);
 

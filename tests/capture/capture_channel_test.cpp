@@ -257,6 +257,12 @@ TEST_F(Stopping, TwiceInARowSucceeds) {
   EXPECT_TRUE(channel.StopCapture());
 }
 
+TEST_F(Stopping, AThreadThatEndedWithANumberIsNoSuccess) {
+  start(eCaptureLive);
+  channel.result = 1;
+  EXPECT_FALSE(channel.StopCapture());
+}
+
 TEST_F(Stopping, FromACallbackFailsWithNumber65) {
   Failure failure;
   client.on_live = [&](const Client::Image&) {

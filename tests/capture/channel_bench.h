@@ -22,10 +22,11 @@ namespace Osv::test {
 /// A channel that starts no thread: the test calls `Work` itself.
 struct StillChannel : lx::ClOstrevanHVK3Channel {
   bool Start() override { return starts; }
-  int Stop() override { return 0; }
+  int Stop() override { return result; }
   bool DoImageProcessing() const override { return processes; }
 
   bool starts = true;
+  int result = 0;          ///< what the thread ends with
   bool processes = false;  ///< takes the road of channels that turn their frames
 };
 

@@ -58,8 +58,10 @@ struct RefreshBackground : testing::Test {
 
 TEST_F(RefreshBackground, DuringCaptureTheNextFrameBecomesTheBackground) {
   channel.m_bRunning = true;
+  const eFilterIDs filter = channel.m_eFilter;
   channel.RefreshBackGround(grabber);
   EXPECT_TRUE(channel.m_bDirty);
+  EXPECT_EQ(channel.m_eFilter, filter);
   EXPECT_EQ(grabber.asked_channel, 0U);
 }
 

@@ -91,6 +91,7 @@ TEST(WorkerThread, AnObjectCanBeStartedAgain) {
   worker.work = [&] { return ++runs; };
   worker.Start();
   worker.Stop();
+  EXPECT_NE(worker.m_hThread, pthread_t{}) << "stopping forgets nothing";
   worker.Start();
   EXPECT_EQ(worker.Stop(), 2);
 }

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "foundation/bitmap.h"
@@ -154,15 +155,28 @@ TEST(Rescale, ToASizeThatNoBlockHasIsRefusedAndTheBitmapStaysAsItWas) {
   EXPECT_EQ(block(bitmap), before);
 }
 
-TEST(Rescale, OfABitmapWithoutPixelsLeavesItAsItIs) {
-  ClSimpleBitmap empty;
-  ClSimpleBitmap flat = created(0, 3, 8);
-  const Bytes before = block(flat);
+TEST(Rescale, OfAnEmptyBitmapLeavesItEmpty) {
   for (const auto mode : {kBilinear, kDouble}) {
+    ClSimpleBitmap empty;
     empty.Rescale(4, 4, mode);
-    flat.Rescale(4, 4, mode);
     EXPECT_TRUE(empty.Empty());
-    EXPECT_EQ(block(flat), before);
+  }
+}
+
+TEST(DoubleRescale, OfABitmapWithoutColumnsDoublesItsRows) {
+  ClSimpleBitmap flat = created(0, 3, 8);
+  flat.SetResolution(500, 500);
+  flat.Rescale(4, 4, kDouble);
+  EXPECT_EQ(block(flat), block(created(0, 6, 8)));
+}
+
+TEST(BilinearRescale, OfABitmapWithoutPixelsIsBlack) {
+  for (const auto& [width, height] : {std::pair{0UL, 3UL}, {3UL, 0UL}, {0UL, 0UL}}) {
+    ClSimpleBitmap flat = created(width, height, 8);
+    flat.Rescale(4, 4, kBilinear);
+    ClSimpleBitmap black = created(4, 4, 8);
+    black.SetBlack();
+    EXPECT_EQ(block(flat), block(black));
   }
 }
 

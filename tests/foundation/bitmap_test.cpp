@@ -303,6 +303,14 @@ TEST(BitmapAssignment, ToItselfDoesNothing) {
   EXPECT_EQ(bitmap.BI(), before);
 }
 
+TEST(BitmapCopy, OfItsOwnBlockDoesNothing) {
+  ClSimpleBitmap bitmap = random_bitmap(5, 3, 8);
+  const ClSimpleBitmap before = bitmap;
+  bitmap.Copy(bitmap.BI());
+  ASSERT_EQ(bitmap.FullSize(), before.FullSize());
+  EXPECT_EQ(std::memcmp(bitmap.BI(), before.BI(), before.FullSize()), 0);
+}
+
 TEST(BitmapAttach, TakesTheBlockAndReleasesTheOneBefore) {
   ClSimpleBitmap bitmap = created(3, 3, 8);
   tagBITMAPINFOHEADER* const attached = new_block();
