@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "bench/random.h"
 #include "ostrevanhvk3_simulator/bench.h"
 
 namespace Osv::simulator {
