@@ -1,9 +1,12 @@
 #include "ostrevanhvk3_simulator/bench.h"
 
+#include <fstream>
+#include <sstream>
 #include <stdexcept>
 
 #include "bench/picture_file.h"
 #include "bench/simulation.h"
+#include "bench/vocabulary.h"
 
 namespace Osv::simulator {
 namespace {
@@ -16,10 +19,22 @@ eFunction known_function(const std::string& name) {
   return *function;
 }
 
+std::string read_text(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::ostringstream text;
+  text << file.rdbuf();
+  if (!file.is_open() || text.fail()) {
+    throw std::runtime_error("can't read the scenario '" + path + "'");
+  }
+  return text.str();
+}
+
 /// The bench over the parts of the simulation.
 class SimulationBench final : public Bench {
  public:
   void reset() override {
+    m_cAll.scenario.clear();
+    m_cAll.console.clear();
     m_cAll.faults.set({});
     m_cAll.scene.reset();
     m_cAll.journal.record(false);
@@ -83,11 +98,19 @@ class SimulationBench final : public Bench {
   void clear_journal() override { m_cAll.journal.clear(); }
 
   void set_faults(const std::string& words) override { m_cAll.faults.set(parse_faults(words)); }
+  void add_faults(const std::string& words) override { m_cAll.faults.add(parse_faults(words)); }
   void clear_faults() override { m_cAll.faults.set({}); }
   void release() override { m_cAll.faults.release(); }
   void wait_until_blocked(const std::string& function) override {
     m_cAll.faults.wait_until_blocked(known_function(function));
   }
+
+  std::string run(const std::string& line) override { return m_cAll.console.run(*this, line); }
+  void load_scenario(const std::string& path) override { set_scenario(read_text(path)); }
+  void set_scenario(const std::string& lines) override { m_cAll.scenario.set(*this, lines); }
+  ScenarioState scenario() const override { return m_cAll.scenario.state(); }
+  std::vector<Word> vocabulary() const override { return all_words(); }
+  std::vector<Word> arguments() const override { return all_arguments(); }
 
   void set_log(eLogTarget target, const std::string& path) override {
     m_cAll.log.set_target(target, path);

@@ -24,6 +24,25 @@ void check_percent(unsigned int percent) {
   }
 }
 
+const char* name_of(eFingerKind kind) {
+  constexpr std::array kNames = {"live", "printed", "moulded"};
+  return kNames[static_cast<std::size_t>(kind)];
+}
+
+const char* name_of(eSkin skin) {
+  constexpr std::array kNames = {"normal", "dry", "wet"};
+  return kNames[static_cast<std::size_t>(skin)];
+}
+
+const char* on_or_off(unsigned char level) { return level == 0 ? "off" : "on"; }
+
+/// A scanner in a line of words. Its codes stay with it.
+std::string in_words(unsigned int interface, const DeviceState& state) {
+  return "interface " + std::to_string(interface) + ": " + state.serial.c_str() +
+         (state.plugged_in ? ", plugged in" : ", unplugged") + ", green " + on_or_off(state.green) +
+         ", red " + on_or_off(state.red);
+}
+
 }  // namespace
 
 Scene::Scene() { reset(); }
@@ -326,6 +345,21 @@ void Scene::set_dirt(unsigned int percent) {
     m_nDirt = percent;
     forget_platen();
   }
+}
+
+std::string Scene::in_words() const {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  std::string words = m_pPicture != nullptr ? "picture" : "print " + std::to_string(m_nPrintSeed);
+  words += m_pPicture == nullptr && m_ePrintShape == ePrint::Rolled ? " rolled" : "";
+  words += std::string(", ") + name_of(m_eKind) + ", " + name_of(m_eSkin) + " skin, pressure " +
+           std::to_string(m_nPressure) + ", " + (touch().contact > 0 ? "touches" : "is away") +
+           "\ndirt " + std::to_string(m_nDirt);
+  for (unsigned int interface = 0; interface < kInterfaceCount; ++interface) {
+    if (m_aUnits[interface] != nullptr) {
+      words += "\n" + simulator::in_words(interface, m_aUnits[interface]->state());
+    }
+  }
+  return words;
 }
 
 Scene& scene() { return simulation().scene; }

@@ -94,6 +94,9 @@ class OSV_SIMULATOR_API Scene {
   void set_pressure(unsigned int percent);
   void set_dirt(unsigned int percent);
   void set_pace(unsigned int frames_per_second) { m_cPacer.set(frames_per_second); }
+
+  /// The scanners that were ever plugged in, and the finger, in words.
+  std::string in_words() const;
   /// @}
 
  private:

@@ -139,6 +139,18 @@ struct Timeline {
   static constexpr Timeline settled_finger() { return {0, 0, 1, 0, false}; }
 };
 
+/// How far a scenario has come.
+struct ScenarioState {
+  bool ended = true;    ///< no line is left
+  std::string trouble;  ///< what went wrong with the last line that could not be carried out
+};
+
+/// A word of the language that steers the simulator, or an argument of such words.
+struct Word {
+  std::string pattern;  ///< as in "roll WAY over FRAMES frames", or "FRAMES"
+  std::string meaning;
+};
+
 /// One call into a stand-in.
 struct Call {
   std::string function;
@@ -288,6 +300,10 @@ class Bench {
   /// @throws std::invalid_argument naming the word that is not understood; the old plan stays
   virtual void set_faults(const std::string& words) = 0;
 
+  /// Adds faults to the plan, and counts calls for them from now on. Nothing is released.
+  /// @throws std::invalid_argument as `set_faults`
+  virtual void add_faults(const std::string& words) = 0;
+
   /// As `set_faults` with no faults.
   virtual void clear_faults() = 0;
 
@@ -297,6 +313,40 @@ class Bench {
   /// Waits until a call of the function is blocked by the fault plan.
   /// @throws std::invalid_argument for a name that no stand-in has
   virtual void wait_until_blocked(const std::string& function) = 0;
+  /// @}
+
+  /// @name Words
+  /// The words of docs/simulator.md steer a scene while it runs: line by line, or as a scenario.
+  /// Both know how to wait; while the one waits, the other goes on.
+  /// @{
+
+  /// Carries out a line of words, or keeps it until an earlier line has waited long enough. Blank
+  /// lines, and what stands behind a '#', mean nothing.
+  /// @return the answer to a line that asks something; empty for any other, and for one that is
+  /// kept
+  /// @throws std::invalid_argument for a line that is not understood, saying where and what would
+  /// be
+  /// @throws std::runtime_error for one that can't be carried out
+  virtual std::string run(const std::string& line) = 0;
+
+  /// Reads a scenario file and begins with it, in place of an earlier scenario. Lines behind a
+  /// wait are carried out by the thread whose call ended it, at the end of this call.
+  /// @throws std::runtime_error for a file that can't be read
+  /// @throws std::invalid_argument as `set_scenario`
+  virtual void load_scenario(const std::string& path) = 0;
+
+  /// The same with the lines themselves. All are read before the first is carried out; pictures are
+  /// loaded then, too.
+  /// @throws std::invalid_argument for a line as in `run`, with its number; nothing is carried out
+  virtual void set_scenario(const std::string& lines) = 0;
+
+  virtual ScenarioState scenario() const = 0;
+
+  /// All words, and all their arguments.
+  /// @{
+  virtual std::vector<Word> vocabulary() const = 0;
+  virtual std::vector<Word> arguments() const = 0;
+  /// @}
   /// @}
 
   /// @name Logging stand-in
