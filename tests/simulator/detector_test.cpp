@@ -1,5 +1,6 @@
 #include <array>
 #include <string>
+#include <utility>
 
 #include "libraries/detector_api.h"
 #include "libraries/scanner_api.h"
@@ -87,6 +88,40 @@ TEST_F(DetectorStandIn, ALiveFingerScoresAboveTheCrossingOfBothLevels) {
   set("nSecurityLevel", "2");
   EXPECT_GT(m_dScore, crossing() + 10);
   EXPECT_LE(m_dScore, 100);
+}
+
+TEST_F(DetectorStandIn, APrintedSheetScoresBelowTheCrossingOfBothLevels) {
+  bench.set_timeline(Timeline::settled_finger());
+  bench.set_finger_kind(eFingerKind::Printed);
+  EXPECT_EQ(score_scene(), 0);
+  EXPECT_GE(m_dScore, 0);
+  EXPECT_LT(m_dScore, 10);
+}
+
+TEST_F(DetectorStandIn, AMouldedFingerPassesAtLevelOneAndIsCaughtAtLevelTwo) {
+  bench.set_timeline(Timeline::settled_finger());
+  bench.set_finger_kind(eFingerKind::Moulded);
+  EXPECT_EQ(score_scene(), 0);
+  EXPECT_GT(m_dScore, crossing() + 1);
+  set("nSecurityLevel", "2");
+  EXPECT_LT(m_dScore, crossing() - 1);
+}
+
+TEST_F(DetectorStandIn, TheScoreOfAKindDependsLittleOnPrintAndSkin) {
+  bench.set_timeline(Timeline::settled_finger());
+  const std::array<std::pair<unsigned int, eSkin>, 3> fingers = {
+      {{4, eSkin::Normal}, {2, eSkin::Dry}, {3, eSkin::Wet}}};
+  for (const auto& [seed, skin] : fingers) {
+    bench.set_print(seed, ePrint::Plain);
+    bench.set_skin(skin);
+    bench.set_finger_kind(eFingerKind::Moulded);
+    score_scene();
+    EXPECT_GT(m_dScore, 50);
+    EXPECT_LT(m_dScore, 60);
+    bench.set_finger_kind(eFingerKind::Live);
+    score_scene();
+    EXPECT_GT(m_dScore, 85);
+  }
 }
 
 TEST_F(DetectorStandIn, ThreeTimesTheSamePictureScoresBelowTheCrossing) {
