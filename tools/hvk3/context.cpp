@@ -11,8 +11,14 @@ Context::Context(const Options& options, Console& console, Report& report)
   } else {
     console.detail("the plug-in's own log goes where the installed logging facility puts it");
   }
-  m_cPlugin.emplace(options.plugin);
-  console.detail("loaded " + m_cPlugin->name());
+}
+
+Plugin& Context::plugin() {
+  if (!m_cPlugin) {
+    m_cPlugin.emplace(m_cOptions.plugin);
+    m_cConsole.detail("loaded " + m_cPlugin->name());
+  }
+  return *m_cPlugin;
 }
 
 }  // namespace hvk3

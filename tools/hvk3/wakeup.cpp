@@ -52,4 +52,13 @@ bool Wakeup::wait(const Deadline& deadline) const {
   return ready != 0;  // a signal that interrupts the wait counts as a wake-up
 }
 
+Wakeup::Deadline deadline_after(double seconds) {
+  using Clock = std::chrono::steady_clock;
+  if (seconds == 0.0) {
+    return std::nullopt;
+  }
+  return Clock::now() +
+         std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
+}
+
 }  // namespace hvk3

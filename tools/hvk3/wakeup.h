@@ -29,4 +29,7 @@ class Wakeup {
   int m_nFile;
 };
 
+/// The moment so many seconds from now; none for 0.
+Wakeup::Deadline deadline_after(double seconds);
+
 }  // namespace hvk3
