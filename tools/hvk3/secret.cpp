@@ -29,10 +29,10 @@ std::string content_of(std::istream& in, bool hex) {
   return content;
 }
 
-std::string content_of(const std::string& path, bool hex) {
+std::string content_of(const char* option, const std::string& path, bool hex) {
   std::ifstream file(path, std::ios::binary);
   if (!file.is_open()) {
-    throw Failure(ExitStatus::Usage, path + " can't be read");
+    throw Failure(ExitStatus::Usage, std::string(option) + " names no file that can be read");
   }
   return content_of(file, hex);
 }
@@ -57,12 +57,13 @@ std::string SecretBytes::hex() const {
   return text;
 }
 
-SecretBytes SecretReader::read(const std::string& path) {
+SecretBytes SecretReader::read(const char* option, const std::string& path) {
   if (path != "-") {
-    std::string content = content_of(path, m_bHex);
-    const SecretBytes bytes = take(content, path);
+    const std::string source = std::string("the file of ") + option;
+    std::string content = content_of(option, path, m_bHex);
+    const SecretBytes bytes = take(content, source);
     if (!content.empty()) {
-      throw_size(path, m_bHex);
+      throw_size(source, m_bHex);
     }
     return bytes;
   }

@@ -39,8 +39,9 @@ class SecretReader {
   explicit SecretReader(bool hex) : m_bHex(hex) {}
 
   /// The only secret of a file, or the next one of standard input for "-".
-  /// @throws Failure `Usage`, without naming any byte
-  SecretBytes read(const std::string& path);
+  /// @param option names the source in a failure: somebody may have given the bytes for the path
+  /// @throws Failure `Usage`
+  SecretBytes read(const char* option, const std::string& path);
 
   /// @throws Failure `Usage` when standard input holds more than was taken
   void finish() const;

@@ -15,7 +15,7 @@ constexpr char kExamples[] =
 void run(Context& context) {
   const Options& options = context.options();
   SecretReader reader(options.hex);
-  const SecretBytes code = reader.read(options.code);
+  const SecretBytes code = reader.read("--code", options.code);
   reader.finish();
   choose_scanner(context.grabber(), options.device);
   set_feature_bytes(context.plugin(), eFeatureAuthorizationCode, code.data(), SecretBytes::kSize);

@@ -27,7 +27,7 @@ void write(const SecretBytes& bytes, const std::string& path) {
 void run(Context& context) {
   const Options& options = context.options();
   SecretReader reader(options.hex);
-  const SecretBytes code = reader.read(options.code);
+  const SecretBytes code = reader.read("--code", options.code);
   reader.finish();
   choose_scanner(context.grabber(), options.device);
   const SecretBytes bytes = read_protected(context.plugin(), code);

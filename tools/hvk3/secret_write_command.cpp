@@ -13,8 +13,8 @@ constexpr char kExamples[] =
 void run(Context& context) {
   const Options& options = context.options();
   SecretReader reader(options.hex);
-  const SecretBytes code = reader.read(options.code);
-  const SecretBytes bytes = reader.read(options.secret);
+  const SecretBytes code = reader.read("--code", options.code);
+  const SecretBytes bytes = reader.read("--secret", options.secret);
   reader.finish();
   choose_scanner(context.grabber(), options.device);
   write_protected(context.plugin(), code, bytes);
