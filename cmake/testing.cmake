@@ -1,5 +1,5 @@
 # Unit tests: hvk3_unit_tests(NAME [THREADS] SOURCE...) links the plug-in's object library. THREADS
-# marks tests in which threads meet: they run under the thread sanitizer too.
+# marks tests in which threads meet: they alone are built for and run under the thread sanitizer.
 find_package(GTest REQUIRED)
 include(GoogleTest)
 
@@ -11,6 +11,9 @@ function(hvk3_unit_tests name)
     set(label plain)
   endif()
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
+  if(HVK3_SANITIZE STREQUAL "thread" AND NOT arg_THREADS)
+    set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL ON)
+  endif()
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
   # The product is optimised, its tests are compiled quickly: that halves the time of a whole build.
   target_compile_options(${name} PRIVATE -O0 -g1)

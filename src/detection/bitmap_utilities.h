@@ -15,7 +15,8 @@ std::uint64_t column_sum(const utilities::ClSimpleBitmap& bitmap, unsigned long 
                          unsigned long count);
 
 /// The mean of so many rows and columns with this sum, cut towards zero. The mean of no pixels is
-/// brighter than that of any image, so that nothing takes it for a finger.
+/// brighter than that of any image: as a frame it is no finger, as a background it makes one of
+/// every image.
 unsigned long gray_mean(std::uint64_t sum, unsigned long rows, unsigned long columns);
 
 /// Measures of 8-bit gray images. They read each row once, in order, and allocate nothing.
@@ -25,7 +26,7 @@ class ClBitmapUtilities {
   static unsigned long Gray_Sum(const utilities::ClSimpleBitmap& bitmap);
 
   /// The mean gray level of the columns `from` up to but excluding `to`, cut towards zero. The mean
-  /// of no pixels is brighter than that of any image.
+  /// of no pixels is brighter than that of any image. @param to the width at most
   static unsigned long Gray_Avarage(const utilities::ClSimpleBitmap& bitmap, unsigned long from,
                                     unsigned long to);
 

@@ -22,7 +22,8 @@ class ClImageDetection {
   /// @param out empty on entry. On true the finished finger image, on false the working image, if
   ///   the strategy has one
   /// @return true when `out` is finished
-  /// @throws CXMemoryAllocException when there is no memory for a copy
+  /// @throws CXMemoryAllocException when there is no memory for a copy, std::bad_alloc when there
+  ///   is none for the strategy's own figures
   virtual bool Detect(utilities::ClSimpleBitmap& in, utilities::ClSimpleBitmap& out) = 0;
 
   /// The capture mode, which the client also gets beside a finished image.

@@ -11,7 +11,8 @@ namespace Osv::lx {
 /// passed.
 ///
 /// The first frame is the background, whatever it shows. The edge is the column at which the
-/// running mean of row 0 is lowest, it never moves back, and it is kept modulo 256 for each row.
+/// running mean of row 0 is lowest, searched from where it was, and it is kept modulo 256 for each
+/// row.
 /// That row 0 decides for all rows, and that the edge wraps around on wider images, is to stay so.
 class ClRolledFinger : public ClImageDetection {
  public:

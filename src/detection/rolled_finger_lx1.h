@@ -49,8 +49,7 @@ class ClRolledFingerLX1 : public ClImageDetection {
   unsigned long m_nReserved = 5;      ///< 1 in a copy; no operation reads it
   bool m_bInitialized = false;        ///< a background has been taken
   bool m_bRolling = false;            ///< a finger is on the platen
-  unsigned long m_nLowerLimit = 255;  ///< the background's smallest column sum less 5 percent;
-                                      ///< kept, but no operation reads it
+  unsigned long m_nLowerLimit = 255;  ///< the background's lowest sum less 5 percent; never read
   unsigned long m_nBackgroundGray = 255;  ///< mean of the latest frame `Initialize` looked at
   std::vector<unsigned long> m_Minima;    ///< the lowest sum of each column so far
   utilities::ClSimpleBitmap m_Image;      ///< the composite

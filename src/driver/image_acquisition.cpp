@@ -68,9 +68,11 @@ bool ClOstrevanHVK3SDK::IsWorkersBitmap(const ClFrameGrabberChannel& channel,
 
 bool ClOstrevanHVK3SDK::NeedsPreparation(const ClFrameGrabberChannel& channel,
                                          const ClSimpleBitmap& bitmap) const {
+  const bool outdated = IsWorkersBitmap(channel, bitmap)
+                            ? m_nShapedOpening != m_nOpening
+                            : m_bSizeVaries && bitmap.BI() != m_pShapedBlock;
   return bitmap.Empty() || channel.m_nChannel != m_nActiveChannel || m_nRawOpening != m_nOpening ||
-         (IsWorkersBitmap(channel, bitmap) && m_nShapedOpening != m_nOpening) ||
-         bitmap.FullSize() < m_nBlockSize;
+         outdated || bitmap.FullSize() < m_nBlockSize;
 }
 
 unsigned long ClOstrevanHVK3SDK::SetActiveChannel(ClFrameGrabberChannel& channel,
@@ -102,8 +104,9 @@ void ClOstrevanHVK3SDK::Prepare(ClFrameGrabberChannel& channel, ClSimpleBitmap& 
   OSV_LOG(OsvLFTrace, "KR9 scanner. Preparation of calibration");
   const unsigned long before = m_cRawBitmap.FullSize();
   CreateRaw(m_cRawBitmap, size);
-  if (m_cRawBitmap.FullSize() != before) {
+  if (before != 0 && m_cRawBitmap.FullSize() != before) {
     m_nShapedOpening = opening - 1;  // the worker's block has room for a frame of the old size
+    m_bSizeVaries = true;
   }
   FuzzyImage(m_cRawBitmap.Pixel());
   ShapeBitmap(bitmap);
@@ -134,6 +137,7 @@ void ClOstrevanHVK3SDK::ShapeBitmap(ClSimpleBitmap& bitmap) {
   bitmap.Attach(header);
   bitmap.SetWhite();
   m_nBlockSize = bitmap.FullSize();
+  m_pShapedBlock = bitmap.BI();
 }
 
 __FTRSCAN_IMAGE_SIZE ClOstrevanHVK3SDK::ReadImageSize() {

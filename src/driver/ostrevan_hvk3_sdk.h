@@ -266,6 +266,10 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   TXRelaxed<unsigned int> m_nShapedOpening = 0;
   unsigned int m_nRawOpening = 0;  // the one of m_cRawBitmap; guarded by m_cLock
   unsigned long m_nBlockSize = 0;  // bytes of the block last shaped; guarded by m_cLock
+  // Once frames have changed their size, a snap's block is trusted only if none was shaped behind
+  // it.
+  bool m_bSizeVaries = false;            // guarded by m_cLock
+  const void* m_pShapedBlock = nullptr;  // the block last shaped; guarded by m_cLock
 };
 
 }  // namespace Osv::lx

@@ -8,6 +8,7 @@ namespace Osv::client {
 namespace {
 
 using ::testing::AllOf;
+using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 constexpr unsigned long kInvalidState = 0x10000041;

@@ -3,6 +3,7 @@
 namespace Osv::client {
 namespace {
 
+using ::testing::Each;
 using ::testing::ElementsAre;
 
 constexpr char kDisconnected[] = "KR9 scanner is disconnected from the host, error: 2 error: 2";

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <random>
+#include <span>
 #include <vector>
 
 #include "detection/literal_rolled_finger_lx1.h"
@@ -50,9 +51,12 @@ TEST(ColumnSums, WhiteColumnsDoNotOverflow) {
 
 TEST(ColumnSums, OfTheFirstColumnsLeaveTheRestAlone) {
   const ClSimpleBitmap image = test::noise_image(40, 12, 5);
-  std::vector<unsigned long> sums(7);
-  column_sums(image, sums);
-  EXPECT_EQ(sums[6], LiteralRolledFingerLX1::column_sum(image, 6));
+  constexpr std::size_t kFirst = 7;
+  std::vector<unsigned long> sums(image.Width(), 1);
+  column_sums(image, std::span(sums).first(kFirst));
+  for (std::size_t i = 0; i < sums.size(); ++i) {
+    EXPECT_EQ(sums[i], i < kFirst ? LiteralRolledFingerLX1::column_sum(image, i) : 1UL) << i;
+  }
 }
 
 TEST(ColumnSums, OfAnEmptyImageAreNone) {

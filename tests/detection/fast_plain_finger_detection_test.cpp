@@ -9,7 +9,7 @@ namespace {
 
 using utilities::ClSimpleBitmap;
 
-constexpr unsigned long kPixels = 10 * 10;
+constexpr unsigned long kPixels = 10UL * 10;
 
 struct Probe : ClFastPlainFingerDetection {
   using ClFastPlainFingerDetection::m_bFinger;

@@ -393,10 +393,10 @@ TEST_F(RolledFingerLX1, AColumnThatIsNotThereIsNotCopied) {
   EXPECT_TRUE(test::same_block(target, frame_of(7)));
 }
 
-TEST_F(RolledFingerLX1, AnEmptyFrameIsHarmless) {
+TEST_F(RolledFingerLX1, AnEmptyFrameTakenForTheBackgroundStartsARollWithoutAComposite) {
   EXPECT_FALSE(show(ClSimpleBitmap()));
   EXPECT_TRUE(out.Empty());
-  EXPECT_FALSE(show(100)) << "no pixels are brighter than any finger";
+  EXPECT_FALSE(show(100)) << "this frame starts the roll";
   EXPECT_TRUE(show(ClSimpleBitmap()));
   EXPECT_TRUE(out.Empty());
 }

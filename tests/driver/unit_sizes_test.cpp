@@ -16,7 +16,9 @@ struct Size {
   int width;
   int height;
 
-  std::size_t pixels() const { return static_cast<std::size_t>(width) * height; }
+  std::size_t pixels() const {
+    return static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+  }
 };
 
 /// The unit that is attached, and what was asked of it.
@@ -44,7 +46,7 @@ struct Unit {
  private:
   /// Pixels come to lie behind header and palette of an 8-bit block.
   void take_frame(unsigned char* pixels) {
-    constexpr std::size_t kInFront = sizeof(tagBITMAPINFOHEADER) + 256 * 4;
+    constexpr std::size_t kInFront = sizeof(tagBITMAPINFOHEADER) + 256UL * 4;
     ++frames;
     if (malloc_usable_size(pixels - kInFront) < kInFront + size.pixels()) {
       buffers_suffice = false;
@@ -188,6 +190,21 @@ TEST_P(UnitSizes, WithinAnOpeningAScoredFrameTellsTheEngineNoMoreRoomThanThereIs
   }
   EXPECT_TRUE(unit.buffers_suffice);
   EXPECT_GE(malloc_usable_size(bitmap().BI()), bitmap().FullSize());
+}
+
+TEST_P(UnitSizes, ASnapThatAWorkersPreparationOvertookIsPreparedAgain) {
+  score_frames();
+  ClSimpleBitmap snapped;
+  prepare(snapped);
+  change_size();
+  driver.channel().get_capture_bitmap() = boost::make_shared<ClSimpleBitmap>();
+  prepare(bitmap());
+  unit.frames = 0;
+  driver.GetLiveBitmap(driver.channel(), snapped);
+  EXPECT_TRUE(unit.buffers_suffice);
+  EXPECT_GE(malloc_usable_size(snapped.BI()), driver.m_cRawBitmap.FullSize());
+  fetch();
+  expect_frame();
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -36,11 +36,13 @@ constexpr int kLargestMemory = 64 << 20;
 }
 
 /// True when the block that the engine wrote lies within the `size` bytes that it had, by both ways
-/// of counting its palette. The first conditions keep its size from overflowing.
+/// of counting its palette, and each pixel has a byte of its row at least. The first conditions
+/// keep its size from overflowing.
 bool fits(const tagBITMAPINFOHEADER* block, unsigned long size) {
   return size >= sizeof(tagBITMAPINFOHEADER) && block->biWidth >= 0 && block->biHeight >= 0 &&
          block->biBitCount <= kDeepest && block->biClrUsed <= size &&
-         img::bmp_size(block) <= size && utilities::ClSimpleBitmap::FullSize(block) <= size;
+         img::bmp_size(block) <= size && utilities::ClSimpleBitmap::FullSize(block) <= size &&
+         static_cast<unsigned long>(block->biWidth) <= img::bmp_bpr(block);
 }
 
 unsigned long memory_size(ClFutronicBaseSDK& scanner) {

@@ -156,6 +156,14 @@ TEST_F(CorrectedBitmap, ThatDoesNotLieInItsBufferIsMinus1) {
   }
 }
 
+TEST_F(CorrectedBitmap, WithLessThanAByteForAPixelIsMinus1) {
+  constexpr std::uint16_t kDepths[] = {0, 1, 4};
+  for (const std::uint16_t depth : kDepths) {
+    write_header_only({40, 498, 438, 1, depth, 0, 0, 0, 0, 0, 0});
+    EXPECT_EQ(engine_failure([&] { calibrate(); }).GetErrorNumber(), -1) << depth;
+  }
+}
+
 using SensitiveMode = CalibrationTest;
 
 TEST_F(SensitiveMode, IsSetWithAnOptionWithoutBlanks) {

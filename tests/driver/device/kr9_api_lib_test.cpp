@@ -146,7 +146,7 @@ class ScannerBinding : public TestWithParam<std::string> {
     bench.reset();
     bench.record(true);
     const ClKR9APILib api;
-    const std::vector<std::string> lines = testing_support::log_lines(bench);
+    std::vector<std::string> lines = testing_support::log_lines(bench);
     bench.reset();
     return lines;
   }

@@ -14,7 +14,7 @@ namespace {
 
 constexpr long kSmallBuffer = -21;
 constexpr long kBufferSmallerThanTold = -99;
-constexpr std::size_t kPixelsBegin = sizeof(tagBITMAPINFOHEADER) + 256 * 4;
+constexpr std::size_t kPixelsBegin = sizeof(tagBITMAPINFOHEADER) + 256UL * 4;
 
 char s_engine;
 

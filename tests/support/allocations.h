@@ -1,0 +1,11 @@
+#pragma once
+
+/// @file
+/// A count of the program's allocations. Linked in, it replaces the global allocation functions.
+
+namespace Osv::test {
+
+/// Blocks taken with `new` since the program began, on all threads.
+long allocations_so_far();
+
+}  // namespace Osv::test
