@@ -1,12 +1,10 @@
 #include "bench/fault.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
-#include <cstdlib>
 #include <initializer_list>
-#include <stdexcept>
 #include <string_view>
+
+#include "bench/words.h"
 
 namespace Osv::simulator {
 namespace {
@@ -27,98 +25,10 @@ constexpr Functions kNumberGivers = {eFunction::ftrScanGetExtMemorySize,
                                      eFunction::FakeFingerDetectionEvaluateLiveliness};
 constexpr Functions kSizeGivers = {eFunction::Calibrate};
 
-[[noreturn]] void refuse(std::string_view word) {
-  throw std::invalid_argument("fault not understood at '" + std::string(word) + "'");
-}
-
-/// The words of one fault, read from left to right. A quoted text is one word.
-class Words {
- public:
-  explicit Words(std::string_view text) : m_sText(text) { advance(); }
-
-  bool ended() const { return m_sWord.empty() && !m_bQuoted; }
-  std::string_view word() const { return m_sWord; }
-
-  /// Goes on behind `word` if it is the present one.
-  bool accept(std::string_view word) {
-    const bool fits = !m_bQuoted && m_sWord == word;
-    if (fits) {
-      advance();
-    }
-    return fits;
-  }
-
-  void expect(std::string_view word) {
-    if (!accept(word)) {
-      refuse_here();
-    }
-  }
-
-  [[noreturn]] void refuse_here() const { refuse(ended() ? "end of fault" : m_sWord); }
-
-  std::string quoted() {
-    if (!m_bQuoted) {
-      refuse_here();
-    }
-    std::string text(m_sWord);
-    advance();
-    return text;
-  }
-
-  /// A decimal or, behind 0x, hexadecimal number.
-  long whole_number() {
-    const std::string text(m_sWord);
-    char* end = nullptr;
-    const int base = text.find("0x") == std::string::npos ? 10 : 16;
-    const long value = std::strtol(text.c_str(), &end, base);
-    if (m_bQuoted || text.empty() || *end != '\0') {
-      refuse_here();
-    }
-    advance();
-    return value;
-  }
-
-  double number() {
-    double value = 0;
-    const char* const end = m_sWord.data() + m_sWord.size();
-    if (m_bQuoted || std::from_chars(m_sWord.data(), end, value).ptr != end || m_sWord.empty()) {
-      refuse_here();
-    }
-    advance();
-    return value;
-  }
-
-  void advance() {
-    constexpr std::string_view kBlanks = " \t\r";
-    m_sText.remove_prefix(std::min(m_sText.find_first_not_of(kBlanks), m_sText.size()));
-    m_bQuoted = m_sText.starts_with('\'');
-    if (m_bQuoted) {
-      take_quoted();
-      return;
-    }
-    m_sWord = m_sText.substr(0, m_sText.find_first_of(kBlanks));
-    m_sText.remove_prefix(m_sWord.size());
-  }
-
- private:
-  void take_quoted() {
-    const std::size_t end = m_sText.find('\'', 1);
-    if (end == std::string_view::npos) {
-      refuse(m_sText);
-    }
-    m_sWord = m_sText.substr(1, end - 1);
-    m_sText.remove_prefix(end + 1);
-  }
-
-  std::string_view m_sText;
-  std::string_view m_sWord;
-  bool m_bQuoted = false;
-};
-
 /// One fault in the making.
 class FaultReader {
  public:
-  explicit FaultReader(std::string_view text) : m_cWords(text) {}
+  explicit FaultReader(std::string_view text) : m_cWords(text, "fault") {}
 
   Fault read() {
     read_function();
@@ -157,12 +67,8 @@ class FaultReader {
   }
 
   unsigned int call_number() {
-    const std::string word(m_cWords.word());
-    const long number = m_cWords.whole_number();
-    if (number < 1 || number > std::numeric_limits<int>::max()) {
-      refuse(word);
-    }
-    return static_cast<unsigned int>(number);
+    constexpr long kLast = std::numeric_limits<int>::max();
+    return static_cast<unsigned int>(m_cWords.whole_number_between(1, kLast));
   }
 
   void read_effect() {

@@ -1,5 +1,6 @@
 #include "bench/fault_plan.h"
 
+#include <limits>
 #include <utility>
 
 namespace Osv::simulator {
@@ -12,6 +13,18 @@ void FaultPlan::set(std::vector<Fault> faults) {
     m_bActive = !m_vFaults.empty();
   }
   release();
+}
+
+void FaultPlan::add(std::vector<Fault> faults) {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  for (Fault& fault : faults) {
+    const unsigned int calls = m_aCalls[index_of(fault.function)];
+    constexpr unsigned int kEnd = std::numeric_limits<unsigned int>::max();
+    fault.first += calls;
+    fault.last = fault.last > kEnd - calls ? kEnd : fault.last + calls;
+    m_vFaults.push_back(std::move(fault));
+  }
+  m_bActive = !m_vFaults.empty();
 }
 
 Effects FaultPlan::on_call(eFunction function, const char* subject) {

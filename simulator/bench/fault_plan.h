@@ -21,6 +21,9 @@ class FaultPlan {
   /// Replaces the plan, counts anew and lets blocked calls go on.
   void set(std::vector<Fault> faults);
 
+  /// Adds to the plan; the calls of these faults are counted from now on.
+  void add(std::vector<Fault> faults);
+
   /// Counts the call, waits if the plan blocks it, and gives the effects that it is to have.
   /// @param subject the text that "of '...'" names, or null
   Effects on_call(eFunction function, const char* subject);

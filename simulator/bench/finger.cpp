@@ -93,15 +93,18 @@ Finger lay_down(const GrayImage& picture) {
   Finger finger;
   finger.ink.reserve(std::size_t{kRawWidth} * kRawHeight);
   finger.distance.reserve(finger.ink.capacity());
+  finger.across.reserve(finger.ink.capacity());
   for (int y = 0; y < kRawHeight; ++y) {
     for (int x = 0; x < kRawWidth; ++x) {
       Point point = place_map().at(x, y);
       point = {point.x - place.x, point.y - place.y};
-      const double distance =
-          std::hypot(2 * point.x / picture.width - 1, 2 * point.y / picture.height - 1);
+      const double across = 2 * point.x / picture.width - 1;
+      const double distance = std::hypot(across, 2 * point.y / picture.height - 1);
       finger.ink.push_back(static_cast<unsigned char>(std::lround(kBlack - sampler.at(point))));
       finger.distance.push_back(
           static_cast<unsigned char>(std::min(distance / double{kDistanceStep}, kFarthest)));
+      finger.across.push_back(static_cast<unsigned char>(
+          std::clamp((across + double{kAcrossReach}) / double{kAcrossStep}, 0.0, kFarthest)));
     }
   }
   return finger;

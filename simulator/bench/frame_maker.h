@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "bench/finger.h"
+#include "bench/motion.h"
 #include "bench/optics.h"
 
 /// @file
@@ -18,7 +19,7 @@ namespace Osv::simulator {
 enum class eLight {
   Dose,       ///< the scanner's own light, as long as the dose tells
   Dark,       ///< none but what comes in from the room
-  Backlight,  ///< through the finger from behind: live skin glows evenly, with faint ridges
+  Backlight,  ///< through the finger from behind
 };
 
 inline constexpr std::size_t kLightCount = 3;
@@ -30,9 +31,16 @@ inline constexpr int kNominalDose = 60;
 struct Exposure {
   eLight light = eLight::Dose;
   int dose = kNominalDose;
-  float contact = 0;  ///< of the finger: 0 none, 1 settled
+  Touch touch = {};
+  eFingerKind kind = eFingerKind::Live;
 
   bool operator==(const Exposure&) const = default;
+};
+
+/// What lies on the platens.
+struct Platen {
+  Finger finger;
+  std::vector<unsigned char> dirt;  ///< per pixel, see `make_dirt`
 };
 
 /// Makes the frames of one unit. One thread at a time.
@@ -41,9 +49,9 @@ class FrameMaker {
   explicit FrameMaker(unsigned int seed);
 
   /// Fills `buffer` with a frame: rows from the top, empty platen dark, ridges bright.
-  void fill(const Exposure& exposure, const Finger& finger, unsigned char* buffer);
+  void fill(const Exposure& exposure, const Platen& platen, unsigned char* buffer);
 
-  /// Has to be told when there is another finger.
+  /// Has to be told when something else lies on the platen.
   void forget();
 
   const Optics& optics() const { return *m_pOptics; }
@@ -56,7 +64,7 @@ class FrameMaker {
     bool fresh = false;
   };
 
-  void expose(const Exposure& exposure, const Finger& finger, Clean& clean) const;
+  void expose(const Exposure& exposure, const Platen& platen, Clean& clean) const;
 
   std::shared_ptr<const Optics> m_pOptics;
   std::array<Clean, kLightCount> m_aClean;  // the last one of each light

@@ -4,19 +4,13 @@
 #include <map>
 #include <mutex>
 
+#include "bench/random.h"
 #include "ostrevanhvk3_simulator/bench.h"
 
 namespace Osv::simulator {
 namespace {
 
 constexpr std::size_t kPixels = std::size_t{kRawWidth} * kRawHeight;
-
-/// An even distribution between 0 and 1.
-float fraction(std::uint32_t value) {
-  constexpr unsigned int kBits = 8;
-  constexpr float kSteps = 1U << 24U;
-  return static_cast<float>(scramble(value) >> kBits) / kSteps;
-}
 
 /// Uneven light: brightest beside the centre and weaker towards the edges, differently per unit.
 class Light {
@@ -67,12 +61,6 @@ Optics make_optics(unsigned int seed) {
 }
 
 }  // namespace
-
-std::uint32_t scramble(std::uint32_t value) {
-  value = (value ^ (value >> 16U)) * 0x7FEB352DU;
-  value = (value ^ (value >> 15U)) * 0x846CA68BU;
-  return value ^ (value >> 16U);
-}
 
 Payload common_payload() {
   return {.raw_width = kRawWidth,

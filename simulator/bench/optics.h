@@ -30,7 +30,4 @@ std::shared_ptr<const Optics> optics_of(unsigned int seed);
 /// The payload that corrects frames of these optics.
 std::vector<unsigned char> payload_of(const Optics& optics);
 
-/// The noise of one pixel: a hash of its argument.
-std::uint32_t scramble(std::uint32_t value);
-
 }  // namespace Osv::simulator

@@ -1,14 +1,15 @@
 #pragma once
 
+#include <memory>
+
 #include "ostrevanhvk3_simulator/bench.h"
 
 /// @file
-/// The built-in print.
+/// The built-in prints.
 
 namespace Osv::simulator {
 
-/// A simple print of 320 x 400 pixels: arches of ridges that bend around a core, within the oval of
-/// a finger tip, fading out at its edge. It has neither axis nor centre of symmetry.
-const GrayImage& built_in_print();
+/// The print of a seed, made at its first use and kept. Any thread may call it.
+std::shared_ptr<const GrayImage> built_in_print(unsigned int seed, ePrint shape);
 
 }  // namespace Osv::simulator

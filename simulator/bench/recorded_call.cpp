@@ -20,7 +20,7 @@ std::string format_words(const char* format, std::va_list arguments) {
 
 }  // namespace
 
-RecordedCall::RecordedCall(eFunction function, const char* subject) {
+RecordedCall::RecordedCall(eFunction function, const char* subject) : m_eFunction(function) {
   Simulation& all = simulation();
   all.journal.count_call(function);
   m_sEffects = all.faults.on_call(function, subject);
@@ -35,6 +35,9 @@ RecordedCall::~RecordedCall() {
     m_sRecord->last_error = last_error();
     simulation().journal.add(std::move(*m_sRecord));
   }
+  Bench& bench = *ostrevan_simulator_bench();
+  simulation().scenario.call_ended(bench, m_eFunction);
+  simulation().console.call_ended(bench, m_eFunction);
 }
 
 void RecordedCall::arguments(const char* format, ...) {

@@ -15,8 +15,8 @@
 namespace Osv::simulator {
 
 /// Lives as long as the call does: asks the fault plan at its beginning, where it waits if the plan
-/// blocks the call, and goes into the journal at its end. Without faults and recording it
-/// allocates nothing.
+/// blocks the call, and goes into the journal at its end, where waiting lines of words go on.
+/// Without faults and recording it allocates nothing.
 class OSV_SIMULATOR_API RecordedCall {
  public:
   /// @param subject the text that a fault can name: an option or a property; may be null
@@ -37,6 +37,7 @@ class OSV_SIMULATOR_API RecordedCall {
   /// @}
 
  private:
+  eFunction m_eFunction;
   Effects m_sEffects;
   std::optional<Call> m_sRecord;
 };

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "bench/dirt.h"
 #include "bench/print.h"
 #include "bench/simulation.h"
+#include "bench/skin.h"
 
 namespace Osv::simulator {
 namespace {
@@ -15,40 +17,44 @@ void check_interface(unsigned int interface) {
   }
 }
 
-/// Part `frame` + 1 of a way of `frames` frames that never quite arrives.
-float part_of_way(unsigned int frame, unsigned int frames) {
-  return static_cast<float>(frame + 1) / static_cast<float>(frames + 1);
+void check_percent(unsigned int percent) {
+  constexpr unsigned int kWhole = 100;
+  if (percent > kWhole) {
+    throw std::invalid_argument("there are no " + std::to_string(percent) + " percent");
+  }
+}
+
+const char* name_of(eFingerKind kind) {
+  constexpr std::array kNames = {"live", "printed", "moulded"};
+  return kNames[static_cast<std::size_t>(kind)];
+}
+
+const char* name_of(eSkin skin) {
+  constexpr std::array kNames = {"normal", "dry", "wet"};
+  return kNames[static_cast<std::size_t>(skin)];
+}
+
+const char* on_or_off(unsigned char level) { return level == 0 ? "off" : "on"; }
+
+/// A scanner in a line of words. Its codes stay with it.
+std::string in_words(unsigned int interface, const DeviceState& state) {
+  return "interface " + std::to_string(interface) + ": " + state.serial.c_str() +
+         (state.plugged_in ? ", plugged in" : ", unplugged") + ", green " + on_or_off(state.green) +
+         ", red " + on_or_off(state.red);
 }
 
 }  // namespace
-
-float contact_at(const Timeline& timeline, unsigned int frame) {
-  const unsigned int length =
-      timeline.empty + timeline.coming + timeline.staying + timeline.lifting;
-  if (length == 0) {
-    return 0;
-  }
-  frame = timeline.again ? frame % length : std::min(frame, length - 1);
-  if (frame < timeline.empty) {
-    return 0;
-  }
-  frame -= timeline.empty;
-  if (frame < timeline.coming) {
-    return part_of_way(frame, timeline.coming);
-  }
-  frame -= timeline.coming;
-  if (frame < timeline.staying) {
-    return 1;
-  }
-  return 1 - part_of_way(frame - timeline.staying, timeline.lifting);
-}
 
 Scene::Scene() { reset(); }
 
 void Scene::reset() {
   forget_units();
   plug_in(0, Device());
-  set_finger(built_in_print());
+  set_print(kDefaultPrint, ePrint::Plain);
+  set_finger_kind(eFingerKind::Live);
+  set_skin(eSkin::Normal);
+  set_pressure(kWhole);
+  set_dirt(0);
   set_timeline(Timeline());
   set_pace(kDefaultPace);
 }
@@ -119,11 +125,33 @@ int Scene::base_interface() const {
   return m_nBaseInterface;
 }
 
-const Finger& Scene::laid_down_finger() {
-  if (!m_sFinger.has_value()) {
-    m_sFinger = lay_down(m_sPicture);
+const GrayImage& Scene::picture() const {
+  return m_pPicture != nullptr ? *m_pPicture : *built_in_print(m_nPrintSeed, m_ePrintShape);
+}
+
+const Platen& Scene::laid_out_platen() {
+  if (!m_sPlaten.has_value()) {
+    m_sPlaten.emplace();
+    m_sPlaten->finger =
+        lay_down(m_eSkin == eSkin::Normal ? picture() : with_skin(picture(), m_eSkin));
+    m_sPlaten->dirt = make_dirt(m_nDirt);
   }
-  return *m_sFinger;
+  return *m_sPlaten;
+}
+
+void Scene::forget_platen() {
+  m_sPlaten.reset();
+  for (const auto& unit : m_aUnits) {
+    if (unit != nullptr) {
+      unit->forget_frames();
+    }
+  }
+}
+
+Touch Scene::touch() const {
+  Touch touch = m_cMotion.at(m_nFrames);
+  touch.contact *= static_cast<float>(m_nPressure) / static_cast<float>(kWhole);
+  return touch;
 }
 
 std::uint32_t Scene::take_frame(std::uint32_t handle, eLight light, int dose,
@@ -140,16 +168,18 @@ std::uint32_t Scene::take_frame(std::uint32_t handle, eLight light, int dose,
     m_cPacer.wait();
   }
   return with_unit(handle, [&](Unit& unit) {
-    const Exposure exposure = {light, dose, contact_at(m_sTimeline, m_nFrames)};
-    unit.frames().fill(exposure, laid_down_finger(), buffer);
-    m_nFrames += light == eLight::Dose ? 1 : 0;
+    const Exposure exposure = {light, dose, touch(), m_eKind};
+    unit.frames().fill(exposure, laid_out_platen(), buffer);
+    if (light == eLight::Dose) {
+      m_sLastTouch = m_cMotion.at(m_nFrames);
+      ++m_nFrames;
+    }
     return 0U;
   });
 }
 
 std::uint32_t Scene::look_for_finger(std::uint32_t handle) {
-  return with_unit(
-      handle, [&](Unit&) { return contact_at(m_sTimeline, m_nFrames) > 0 ? 0U : kEmptyFrame; });
+  return with_unit(handle, [&](Unit&) { return touch().contact > 0 ? 0U : kEmptyFrame; });
 }
 
 void Scene::plug_in(unsigned int interface, const Device& device) {
@@ -211,10 +241,50 @@ void Scene::list_from_base(bool on) {
   m_bListFromBase = on;
 }
 
+void Scene::set_leds(unsigned int interface, unsigned char green, unsigned char red) {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  Unit& unit = known_unit(interface);
+  unit.green = green;
+  unit.red = red;
+}
+
+void Scene::set_authorization_code(unsigned int interface, const SevenBytes& code) {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  known_unit(interface).authorization_code() = code;
+}
+
+void Scene::set_secret(unsigned int interface, const SevenBytes& bytes) {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  known_unit(interface).secret() = bytes;
+}
+
+void Scene::move(const Motion& motion) {
+  m_cMotion = motion;
+  m_nFrames = 0;
+}
+
 void Scene::set_timeline(const Timeline& timeline) {
   const std::lock_guard<std::mutex> lock(m_cLock);
-  m_sTimeline = timeline;
-  m_nFrames = 0;
+  move(Motion(timeline));
+  m_sLastTouch = {};
+}
+
+void Scene::touch_down() {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  move(Motion::touching_down(m_sLastTouch));
+}
+
+void Scene::lift_off() {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  move(Motion::lifting_off(m_sLastTouch));
+}
+
+void Scene::roll(eRoll way, unsigned int frames) {
+  if (frames == 0) {
+    throw std::invalid_argument("a roll needs frames");
+  }
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  move(Motion::rolling(m_sLastTouch, way, frames));
 }
 
 unsigned int Scene::frame_count() const {
@@ -229,21 +299,67 @@ void Scene::set_finger(const GrayImage& picture) {
     throw std::invalid_argument("the pixels of a picture must fit its size");
   }
   const std::lock_guard<std::mutex> lock(m_cLock);
-  if (picture.width == m_sPicture.width && picture.pixels == m_sPicture.pixels) {
+  m_pPicture = std::make_shared<const GrayImage>(picture);
+  forget_platen();
+}
+
+void Scene::set_print(unsigned int seed, ePrint shape) {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  if (m_pPicture == nullptr && seed == m_nPrintSeed && shape == m_ePrintShape) {
     return;
   }
-  m_sPicture = picture;
-  m_sFinger.reset();
-  for (const auto& unit : m_aUnits) {
-    if (unit != nullptr) {
-      unit->forget_frames();
-    }
-  }
+  m_pPicture = nullptr;
+  m_nPrintSeed = seed;
+  m_ePrintShape = shape;
+  forget_platen();
 }
 
 GrayImage Scene::finger() const {
   const std::lock_guard<std::mutex> lock(m_cLock);
-  return m_sPicture;
+  return picture();
+}
+
+void Scene::set_finger_kind(eFingerKind kind) {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  m_eKind = kind;
+}
+
+void Scene::set_skin(eSkin skin) {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  if (m_eSkin != skin) {
+    m_eSkin = skin;
+    forget_platen();
+  }
+}
+
+void Scene::set_pressure(unsigned int percent) {
+  check_percent(percent);
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  m_nPressure = percent;
+}
+
+void Scene::set_dirt(unsigned int percent) {
+  check_percent(percent);
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  if (m_nDirt != percent) {
+    m_nDirt = percent;
+    forget_platen();
+  }
+}
+
+std::string Scene::in_words() const {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  std::string words = m_pPicture != nullptr ? "picture" : "print " + std::to_string(m_nPrintSeed);
+  words += m_pPicture == nullptr && m_ePrintShape == ePrint::Rolled ? " rolled" : "";
+  words += std::string(", ") + name_of(m_eKind) + ", " + name_of(m_eSkin) + " skin, pressure " +
+           std::to_string(m_nPressure) + ", " + (touch().contact > 0 ? "touches" : "is away") +
+           "\ndirt " + std::to_string(m_nDirt);
+  for (unsigned int interface = 0; interface < kInterfaceCount; ++interface) {
+    if (m_aUnits[interface] != nullptr) {
+      words += "\n" + simulator::in_words(interface, m_aUnits[interface]->state());
+    }
+  }
+  return words;
 }
 
 Scene& scene() { return simulation().scene; }

@@ -12,6 +12,7 @@
 #include "bench/finger.h"
 #include "bench/frame_maker.h"
 #include "bench/functions.h"
+#include "bench/motion.h"
 #include "bench/pacer.h"
 #include "bench/unit.h"
 #include "bench/visibility.h"
@@ -31,13 +32,12 @@ inline constexpr std::uint32_t kEmptyFrame = 4306;
 inline constexpr std::uint32_t kWrongAuthorizationCode = 0x20000006;
 /// @}
 
-/// Contact of the finger in a frame of the timeline, counted from 0: 0 none, 1 settled.
-float contact_at(const Timeline& timeline, unsigned int frame);
-
 /// Any thread may call it. Operations for the scanner library give its error numbers, 0 for
 /// success.
 class OSV_SIMULATOR_API Scene {
  public:
+  static constexpr unsigned int kDefaultPrint = 1;  // seed of the print that a scene begins with
+
   Scene();
 
   /// @name For the scanner library
@@ -78,15 +78,31 @@ class OSV_SIMULATOR_API Scene {
   std::vector<unsigned char> memory(unsigned int interface);
   void set_memory(unsigned int interface, const std::vector<unsigned char>& bytes);
   void list_from_base(bool on);
+  void set_leds(unsigned int interface, unsigned char green, unsigned char red);
+  void set_authorization_code(unsigned int interface, const SevenBytes& code);
+  void set_secret(unsigned int interface, const SevenBytes& bytes);
   void set_timeline(const Timeline& timeline);
+  void touch_down();
+  void lift_off();
+  void roll(eRoll way, unsigned int frames);
   unsigned int frame_count() const;
   void set_finger(const GrayImage& picture);
+  void set_print(unsigned int seed, ePrint shape);
   GrayImage finger() const;
+  void set_finger_kind(eFingerKind kind);
+  void set_skin(eSkin skin);
+  void set_pressure(unsigned int percent);
+  void set_dirt(unsigned int percent);
   void set_pace(unsigned int frames_per_second) { m_cPacer.set(frames_per_second); }
+
+  /// The scanners that were ever plugged in, and the finger, in words.
+  std::string in_words() const;
   /// @}
 
  private:
   void forget_units();
+
+  static constexpr unsigned int kWhole = 100;  // percent
 
   struct OpenHandle {
     unsigned int interface = 0;
@@ -95,7 +111,11 @@ class OSV_SIMULATOR_API Scene {
 
   Unit* unit_of(std::uint32_t handle);
   Unit& known_unit(unsigned int interface) const;
-  const Finger& laid_down_finger();
+  void move(const Motion& motion);
+  Touch touch() const;
+  const GrayImage& picture() const;
+  const Platen& laid_out_platen();
+  void forget_platen();
 
   Pacer m_cPacer;
   mutable std::mutex m_cLock;  // guards all below
@@ -104,10 +124,18 @@ class OSV_SIMULATOR_API Scene {
   std::uint32_t m_nLastHandle = 0;
   int m_nBaseInterface = 0;
   bool m_bListFromBase = false;
-  Timeline m_sTimeline;
+  Motion m_cMotion{Timeline()};
   unsigned int m_nFrames = 0;
-  GrayImage m_sPicture;
-  std::optional<Finger> m_sFinger;  // the picture on the platen, made when a frame needs it
+  Touch m_sLastTouch;  // as the last frame has it
+  /// The picture of the finger, null for the built-in print, which is made when it is needed.
+  std::shared_ptr<const GrayImage> m_pPicture;
+  unsigned int m_nPrintSeed = kDefaultPrint;
+  ePrint m_ePrintShape = ePrint::Plain;
+  eFingerKind m_eKind = eFingerKind::Live;
+  eSkin m_eSkin = eSkin::Normal;
+  unsigned int m_nPressure = kWhole;
+  unsigned int m_nDirt = 0;
+  std::optional<Platen> m_sPlaten;  // made when a frame needs it
 };
 
 /// The scene of this process, for the scanner stand-in.

@@ -89,6 +89,40 @@ TEST_F(DetectorStandIn, ALiveFingerScoresAboveTheCrossingOfBothLevels) {
   EXPECT_LE(m_dScore, 100);
 }
 
+TEST_F(DetectorStandIn, APrintedSheetScoresBelowTheCrossingOfBothLevels) {
+  bench.set_timeline(Timeline::settled_finger());
+  bench.set_finger_kind(eFingerKind::Printed);
+  EXPECT_EQ(score_scene(), 0);
+  EXPECT_GE(m_dScore, 0);
+  EXPECT_LT(m_dScore, 10);
+}
+
+TEST_F(DetectorStandIn, AMouldedFingerPassesAtLevelOneAndIsCaughtAtLevelTwo) {
+  bench.set_timeline(Timeline::settled_finger());
+  bench.set_finger_kind(eFingerKind::Moulded);
+  EXPECT_EQ(score_scene(), 0);
+  EXPECT_GT(m_dScore, crossing() + 1);
+  set("nSecurityLevel", "2");
+  EXPECT_LT(m_dScore, crossing() - 1);
+}
+
+TEST_F(DetectorStandIn, TheScoreOfAKindDependsLittleOnPrintAndSkin) {
+  bench.set_timeline(Timeline::settled_finger());
+  for (const unsigned int seed : {1U, 2U, 4U}) {
+    bench.set_print(seed, ePrint::Plain);
+    for (const eSkin skin : {eSkin::Normal, eSkin::Dry, eSkin::Wet}) {
+      bench.set_skin(skin);
+      bench.set_finger_kind(eFingerKind::Moulded);
+      score_scene();
+      EXPECT_GT(m_dScore, 50);
+      EXPECT_LT(m_dScore, 60);
+      bench.set_finger_kind(eFingerKind::Live);
+      score_scene();
+      EXPECT_GT(m_dScore, 85);
+    }
+  }
+}
+
 TEST_F(DetectorStandIn, ThreeTimesTheSamePictureScoresBelowTheCrossing) {
   bench.set_timeline(Timeline::settled_finger());
   const Bytes frame = take_dose_frame(m_hScanner);

@@ -54,6 +54,29 @@ struct GrayImage {
   std::vector<unsigned char> pixels;
 };
 
+/// What is printed of a built-in finger.
+enum class ePrint {
+  Plain,  ///< the finger laid flat: an oval of 320 x 400 pixels
+  Rolled  ///< from nail to nail, as a roll brings it out: 440 x 410 pixels
+};
+
+/// What the finger is made of. The detector of fake fingers tells them by their backlight image.
+enum class eFingerKind {
+  Live,     ///< a finger
+  Printed,  ///< a sheet with a print on it, which lets no light through
+  Moulded   ///< a cast of a finger, which lets light through but not as skin does
+};
+
+/// How wet the skin is.
+enum class eSkin {
+  Normal,
+  Dry,  ///< thin, broken ridges
+  Wet   ///< wide ridges that run into each other
+};
+
+/// How a finger rolls: to one side, or there and back.
+enum class eRoll { Right, Left, RightAndBack, LeftAndBack };
+
 /// Where a picture comes to lie: column and row of its upper left pixel in the final image, counted
 /// from the upper left corner. Negative for a picture larger than the image, which is then cut.
 struct Place {
@@ -116,6 +139,18 @@ struct Timeline {
   static constexpr Timeline settled_finger() { return {0, 0, 1, 0, false}; }
 };
 
+/// How far a scenario has come.
+struct ScenarioState {
+  bool ended = true;    ///< no line is left
+  std::string trouble;  ///< what went wrong with the last line that could not be carried out
+};
+
+/// A word of the language that steers the simulator, or an argument of such words.
+struct Word {
+  std::string pattern;  ///< as in "roll WAY over FRAMES frames", or "FRAMES"
+  std::string meaning;
+};
+
 /// One call into a stand-in.
 struct Call {
   std::string function;
@@ -156,6 +191,15 @@ class Bench {
 
   virtual DeviceState state(unsigned int interface) const = 0;
 
+  /// Sets the levels of the LEDs, as if the application had done it.
+  virtual void set_leds(unsigned int interface, unsigned char green, unsigned char red) = 0;
+
+  /// Set the code that guards the secret bytes, and these.
+  /// @{
+  virtual void set_authorization_code(unsigned int interface, const SevenBytes& code) = 0;
+  virtual void set_secret(unsigned int interface, const SevenBytes& bytes) = 0;
+  /// @}
+
   /// The scanner's whole extended memory.
   virtual std::vector<unsigned char> memory(unsigned int interface) const = 0;
 
@@ -176,7 +220,25 @@ class Bench {
   /// Sets what happens on the platens, and starts its clock anew.
   virtual void set_timeline(const Timeline& timeline) = 0;
 
-  /// Dose frames delivered since the timeline was set.
+  /// Move the finger in place of a timeline, from how the sensor saw it last; its clock starts
+  /// anew.
+  /// @{
+
+  /// It comes within 5 frames and stays.
+  virtual void touch_down() = 0;
+
+  /// It lifts within 3 frames and stays away.
+  virtual void lift_off() = 0;
+
+  /// It rolls, and stays on the side that it has reached. If it doesn't lie on the side where it
+  /// begins, it first touches down there within 3 frames. A strip of four tenths of the picture's
+  /// width touches at a time.
+  /// @param frames from the first position to the last one, there and back together
+  /// @throws std::invalid_argument for no frames
+  virtual void roll(eRoll way, unsigned int frames) = 0;
+  /// @}
+
+  /// Dose frames delivered since the timeline was set, or the finger moved.
   virtual unsigned int frame_count() const = 0;
 
   /// Takes an 8-bit gray PNG or BMP file as the finger, ridges dark, 500 dots per inch.
@@ -186,11 +248,25 @@ class Bench {
   /// Takes a picture as the finger. @throws std::invalid_argument for an inconsistent one
   virtual void set_finger(const GrayImage& picture) = 0;
 
-  /// Takes the built-in print as the finger.
+  /// Takes the built-in print as the finger: that of seed 1, laid flat.
   virtual void set_built_in_finger() = 0;
 
-  /// The picture that is the finger now.
+  /// Takes the built-in print of a seed as the finger.
+  virtual void set_print(unsigned int seed, ePrint shape) = 0;
+
+  /// The picture that is the finger now, as it is with normal skin.
   virtual GrayImage finger() const = 0;
+
+  virtual void set_finger_kind(eFingerKind kind) = 0;
+  virtual void set_skin(eSkin skin) = 0;
+
+  /// How firmly the finger presses, from 0 to 100 percent of what settles it. Less makes the
+  /// contact smaller and weaker. @throws std::invalid_argument for more
+  virtual void set_pressure(unsigned int percent) = 0;
+
+  /// Makes so much of the platens dirty; of a clean one the contamination measure gives about this
+  /// number. @throws std::invalid_argument for more than 100
+  virtual void set_dirt(unsigned int percent) = 0;
 
   /// Where a picture of this size lies in the final image, one pixel on one pixel.
   virtual Place place(int width, int height) const = 0;
@@ -224,6 +300,10 @@ class Bench {
   /// @throws std::invalid_argument naming the word that is not understood; the old plan stays
   virtual void set_faults(const std::string& words) = 0;
 
+  /// Adds faults to the plan, and counts calls for them from now on. Nothing is released.
+  /// @throws std::invalid_argument as `set_faults`
+  virtual void add_faults(const std::string& words) = 0;
+
   /// As `set_faults` with no faults.
   virtual void clear_faults() = 0;
 
@@ -233,6 +313,40 @@ class Bench {
   /// Waits until a call of the function is blocked by the fault plan.
   /// @throws std::invalid_argument for a name that no stand-in has
   virtual void wait_until_blocked(const std::string& function) = 0;
+  /// @}
+
+  /// @name Words
+  /// The words of docs/simulator.md steer a scene while it runs: line by line, or as a scenario.
+  /// Both know how to wait; while the one waits, the other goes on.
+  /// @{
+
+  /// Carries out a line of words, or keeps it until an earlier line has waited long enough. Blank
+  /// lines, and what stands behind a '#', mean nothing.
+  /// @return the answer to a line that asks something; empty for any other, and for one that is
+  /// kept
+  /// @throws std::invalid_argument for a line that is not understood, saying where and what would
+  /// be
+  /// @throws std::runtime_error for one that can't be carried out
+  virtual std::string run(const std::string& line) = 0;
+
+  /// Reads a scenario file and begins with it, in place of an earlier scenario. Lines behind a
+  /// wait are carried out by the thread whose call ended it, at the end of this call.
+  /// @throws std::runtime_error for a file that can't be read
+  /// @throws std::invalid_argument as `set_scenario`
+  virtual void load_scenario(const std::string& path) = 0;
+
+  /// The same with the lines themselves. All are read before the first is carried out; pictures are
+  /// loaded then, too.
+  /// @throws std::invalid_argument for a line as in `run`, with its number; nothing is carried out
+  virtual void set_scenario(const std::string& lines) = 0;
+
+  virtual ScenarioState scenario() const = 0;
+
+  /// All words, and all their arguments.
+  /// @{
+  virtual std::vector<Word> vocabulary() const = 0;
+  virtual std::vector<Word> arguments() const = 0;
+  /// @}
   /// @}
 
   /// @name Logging stand-in
