@@ -22,10 +22,10 @@ class Completion : public Tool {
  protected:
   /// What bash offers for the last of these words.
   static WordSet offered(const Words& line) {
-    Words words = {"/bin/bash", "-c",
-                   "source <(\"$0\" completion bash); COMP_WORDS=(\"$@\"); "
-                   "COMP_CWORD=$(($# - 1)); _hvk3; echo \"${COMPREPLY[@]}\"",
-                   HVK3_TOOL, "hvk3"};
+    const std::string script =
+        R"(source <("$0" completion bash); COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _hvk3
+           echo "${COMPREPLY[@]}")";
+    Words words = {"/bin/bash", "-c", script, HVK3_TOOL, "hvk3"};
     words.insert(words.end(), line.begin(), line.end());
     return split(run(words).out);
   }

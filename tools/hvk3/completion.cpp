@@ -104,7 +104,7 @@ void add(Tables& tables, const std::string& path, const CLI::App& app) {
   for (const CLI::App* const command : subcommands(app)) {
     const std::string below = path + '/' + command->get_name();
     next.push_back(command->get_name());
-    tables.paths += "      '" + below + "') path='" + below + "' ;;\n";
+    tables.paths.append("      '").append(below).append("') path='").append(below).append("' ;;\n");
     add(tables, below, *command);
   }
   for (const CLI::Option* const option : app.get_options()) {

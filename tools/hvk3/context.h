@@ -17,7 +17,13 @@ namespace hvk3 {
 /// in the opposite order.
 class Context {
  public:
+  /// @throws Failure
   Context(const Options& options, Console& console, Report& report);
+
+  /// Tells what went wrong in a scenario.
+  ~Context();
+  Context(const Context&) = delete;
+  Context& operator=(const Context&) = delete;
 
   const Options& options() const { return m_cOptions; }
   Console& console() { return m_cConsole; }

@@ -89,6 +89,10 @@ void add_scene_options(CLI::App& command, Options& options, CLI::Option* simulat
       ->type_name("FPS");
   scene_option(command.add_option("--faults", scene.faults, "Fault plan in the simulator's words"))
       ->type_name("WORDS");
+  scene_option(command.add_option("--script", scene.script,
+                                  "Scenario in the simulator's words, - for words on standard "
+                                  "input while it runs"))
+      ->type_name("FILE|-");
   scene_option(command.add_option("--simulator", scene.libraries, "Folder of the simulator"))
       ->type_name("DIR");
   scene_option(command.add_option("--log", scene.log_file, "Write the plug-in's log to a file"))

@@ -21,8 +21,8 @@ enum class eMode { Live, Plain };
 
 struct Options {
   std::string plugin;  ///< empty: the default one
-  bool simulate = false;
   Scene scene;
+  bool simulate = false;
   bool verbose = false;
   bool json = false;
   std::optional<unsigned int> device;  ///< interface of the scanner; none: the first of the list
@@ -43,14 +43,14 @@ struct Options {
   std::string feature;               ///< number or name
   std::string value;                 ///< of the property or feature to set
 
+  double hold = 0.0;  ///< seconds to hold the LEDs, 0 until a signal
   std::optional<bool> red_led;
   std::optional<bool> green_led;
-  double hold = 0.0;  ///< seconds, 0 until a signal
 
+  bool print = false;  ///< show the protected bytes
+  bool hex = false;    ///< they and their code are written as hexadecimal digits
   std::string code;    ///< file with the authorization code, - for standard input
   std::string secret;  ///< file with the protected bytes, likewise
-  bool hex = false;    ///< they are written as hexadecimal digits
-  bool print = false;  ///< show the protected bytes
 };
 
 /// @name The options by subject; each command adds those that it uses.

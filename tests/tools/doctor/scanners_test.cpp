@@ -6,7 +6,6 @@ namespace hvk3::test {
 namespace {
 
 using Osv::eFamily;
-using Osv::simulator::Device;
 using Osv::simulator::eMemory;
 
 using ScannersTest = DoctorTest;
