@@ -11,7 +11,6 @@
 namespace Osv::lx {
 namespace {
 
-constexpr char kConfigurationFile[] = "/etc/ostrevanhvk3.cfg";
 constexpr unsigned long kIndexLimit = 0x80000000;
 constexpr unsigned long kErrorNoDevice = 259;
 

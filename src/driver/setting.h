@@ -5,6 +5,9 @@
 
 namespace Osv::lx {
 
+/// Where the driver's configuration file is.
+constexpr char kConfigurationFile[] = "/etc/ostrevanhvk3.cfg";
+
 /// What the driver would read from its configuration file, were there a key to read.
 class CXSetting {
  public:

@@ -3,7 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
 #include <nlohmann/json.hpp>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -25,8 +28,12 @@ using testing::StartsWith;
 
 class Tool : public testing::Test {
  protected:
+  /// @param name of the command, with a blank behind its group
   static Words command(const std::string& name, const Words& more) {
-    Words words = {HVK3_TOOL, name, "--simulate", "--pace", "unlimited"};
+    Words words = {HVK3_TOOL};
+    std::istringstream parts(name);
+    std::copy(std::istream_iterator<std::string>(parts), {}, std::back_inserter(words));
+    words.insert(words.end(), {"--simulate", "--pace", "unlimited"});
     words.insert(words.end(), more.begin(), more.end());
     return words;
   }

@@ -1,5 +1,7 @@
 #include "hvk3/capture_session.h"
 
+#include <utility>
+
 #include "hvk3/scanner.h"
 
 namespace hvk3 {
@@ -14,8 +16,8 @@ CaptureSession& session_of(void* user) { return *static_cast<CaptureSession*>(us
 }  // namespace
 
 CaptureSession::CaptureSession(Osv::lx::ClFramegrabber& grabber, eCaptureModeIDs mode,
-                               const Wakeup& wakeup)
-    : m_cGrabber(grabber), m_eMode(mode), m_cWakeup(wakeup) {}
+                               const Wakeup& wakeup, std::function<void()> observe)
+    : m_cGrabber(grabber), m_eMode(mode), m_cWakeup(wakeup), m_cObserve(std::move(observe)) {}
 
 CaptureSession::~CaptureSession() { end_capture(); }
 
@@ -85,6 +87,9 @@ void CaptureSession::on_stop(int /*handle*/, unsigned int /*channel*/, void* use
 void CaptureSession::on_frame(int /*handle*/, unsigned int /*channel*/, unsigned char* image,
                               void* user) {
   CaptureSession& session = session_of(user);
+  if (session.m_cObserve) {
+    session.m_cObserve();
+  }
   session.update([&] { ++session.m_cProgress.frames; });
   if (session.m_eMode == eCaptureLive) {
     session.keep(image);

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <deque>
+#include <functional>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -31,8 +32,11 @@ struct Progress {
 class CaptureSession {
  public:
   /// @param mode live: every frame is an image to take; plain: every finished finger image is
+  /// @param observe runs for each live image inside its callback, before it is an image to take;
+  ///   may be empty
   /// @param grabber, wakeup outlive the session
-  CaptureSession(Osv::lx::ClFramegrabber& grabber, eCaptureModeIDs mode, const Wakeup& wakeup);
+  CaptureSession(Osv::lx::ClFramegrabber& grabber, eCaptureModeIDs mode, const Wakeup& wakeup,
+                 std::function<void()> observe);
 
   /// Stops capture if it still runs.
   ~CaptureSession();
@@ -69,7 +73,8 @@ class CaptureSession {
   Osv::lx::ClFramegrabber& m_cGrabber;
   const eCaptureModeIDs m_eMode;
   const Wakeup& m_cWakeup;
-  bool m_bStarted = false;  // main thread only
+  const std::function<void()> m_cObserve;  // worker thread
+  bool m_bStarted = false;                 // main thread only
 
   mutable std::mutex m_cLock;  // guards everything below
   std::condition_variable m_cRoom;

@@ -13,15 +13,25 @@
 
 namespace hvk3 {
 
-/// Loads the simulator if it is wanted, then the plug-in; both go in the opposite order.
+/// Loads the simulator if it is wanted, and the plug-in when a command first asks for it; both go
+/// in the opposite order.
 class Context {
  public:
+  /// @throws Failure
   Context(const Options& options, Console& console, Report& report);
+
+  /// Tells what went wrong in a scenario.
+  ~Context();
+  Context(const Context&) = delete;
+  Context& operator=(const Context&) = delete;
 
   const Options& options() const { return m_cOptions; }
   Console& console() { return m_cConsole; }
   Report& report() { return m_cReport; }
-  Osv::lx::ClFramegrabber& grabber() { return m_cPlugin->grabber(); }
+
+  /// @throws Failure `PluginUnavailable`
+  Plugin& plugin();
+  Osv::lx::ClFramegrabber& grabber() { return plugin().grabber(); }
 
  private:
   const Options& m_cOptions;

@@ -6,6 +6,11 @@
 namespace hvk3 {
 namespace {
 
+constexpr char kExamples[] =
+    "  hvk3 info                               the first scanner\n"
+    "  hvk3 info --device 3                    the one at interface 3\n"
+    "  hvk3 info --simulate --scanners 2 --device 1 --json\n";
+
 std::string join(const std::vector<std::string>& words) {
   return std::accumulate(words.begin(), words.end(), std::string(),
                          [](const std::string& line, const std::string& word) {
@@ -49,6 +54,6 @@ void add_options(CLI::App& app, Options& options) {
 
 }  // namespace
 
-const Command kInfoCommand = {"info", "Describe a scanner", &add_options, &run};
+const Command kInfoCommand = {"info", "Describe a scanner", kExamples, &add_options, &run};
 
 }  // namespace hvk3

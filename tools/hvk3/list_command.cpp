@@ -4,6 +4,12 @@
 namespace hvk3 {
 namespace {
 
+constexpr char kExamples[] =
+    "  hvk3 list                        interface and serial number, a tab between\n"
+    "  hvk3 list --json                 for programs\n"
+    "  hvk3 list --simulate --scanners 2\n"
+    "A scanner that is attached and not listed: see 'hvk3 doctor'.\n";
+
 void run(Context& context) {
   const std::vector<ListedScanner> scanners = list_scanners(context.grabber());
   auto& list = context.report()["scanners"] = nlohmann::ordered_json::array();
@@ -19,6 +25,6 @@ void run(Context& context) {
 }  // namespace
 
 const Command kListCommand = {"list", "List the attached scanners: interface number, serial number",
-                              &add_plugin_options, &run};
+                              kExamples, &add_plugin_options, &run};
 
 }  // namespace hvk3

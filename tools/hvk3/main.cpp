@@ -1,18 +1,9 @@
-#include <CLI/CLI.hpp>
-#include <array>
+#include <iostream>
 
-#include "hvk3/commands.h"
+#include "hvk3/command_line.h"
 
 namespace hvk3 {
 namespace {
-
-constexpr std::array<const Command*, 4> kCommands = {&kListCommand, &kInfoCommand, &kSnapCommand,
-                                                     &kCaptureCommand};
-
-constexpr char kFooter[] =
-    "Exit status: 0 success, 1 internal error, 2 usage, 3 no scanner, or unplugged meanwhile,\n"
-    "4 operation or capture failed for another reason, 5 timeout, 6 output can't be written,\n"
-    "7 plug-in or simulator can't be loaded, 128+N ended by signal N (130 for Ctrl-C).";
 
 std::string message_of(const Failure& failure) {
   const std::string number = failure.number() ? ' ' + std::to_string(*failure.number()) : "";
@@ -42,24 +33,14 @@ int run(const Command& command, const Options& options) {
 }
 
 int parse_and_run(int argc, const char* const* argv) {
-  CLI::App app("Drives HVK3 fingerprint scanners through their frame grabber plug-in.", "hvk3");
-  app.require_subcommand(1);
-  app.footer(kFooter);
-  std::array<Options, kCommands.size()> options;
-  std::array<CLI::App*, kCommands.size()> parsers = {};
-  for (std::size_t i = 0; i < kCommands.size(); ++i) {
-    parsers[i] = app.add_subcommand(kCommands[i]->name, kCommands[i]->description);
-    kCommands[i]->add_options(*parsers[i], options[i]);
-  }
+  CommandLine line;
   try {
-    app.parse(argc, argv);
+    line.app().parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : static_cast<int>(ExitStatus::Usage);
+    return line.app().exit(error) == 0 ? 0 : static_cast<int>(ExitStatus::Usage);
   }
-  const auto chosen = std::find_if(parsers.begin(), parsers.end(),
-                                   [](const CLI::App* parser) { return parser->parsed(); });
-  const auto index = static_cast<std::size_t>(chosen - parsers.begin());
-  return run(*kCommands[index], options[index]);
+  const CommandLine::Choice choice = line.choice();
+  return run(choice.command, choice.options);
 }
 
 }  // namespace

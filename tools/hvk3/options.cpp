@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <map>
 
+#include "hvk3/failure.h"
 #include "hvk3/image_file.h"
 
 namespace hvk3 {
@@ -34,6 +35,41 @@ CLI::Option* add_choice(CLI::App& command, const std::string& name, Enum& target
       ->check(CLI::IsMember(words));
 }
 
+/// What `parse` makes of an argument; its refusal is one of the command line's.
+template <class Parse>
+auto parsed(const std::string& option, const std::string& word, Parse parse) {
+  try {
+    return parse(word);
+  } catch (const Failure& failure) {
+    throw CLI::ValidationError(option, failure.what());
+  }
+}
+
+/// Shows in the help which words an argument takes.
+CLI::Validator property_names() {
+  std::string names;
+  for (const Property& property : known_properties()) {
+    names += (names.empty() ? "" : ",") + property.name;
+  }
+  return {[](const std::string&) { return std::string(); }, "{" + names + "}"};
+}
+
+CLI::Option* add_words(CLI::App& command, const std::string& name,
+                       const std::function<void(const std::vector<std::string>&)>& assign,
+                       const std::string& description) {
+  return command.add_option_function<std::vector<std::string>>(name, assign, description);
+}
+
+void add_led_option(CLI::App& command, const std::string& name, std::optional<bool>& target,
+                    const std::string& description) {
+  static const std::map<std::string, bool> kWords = {{"on", true}, {"off", false}};
+  command
+      .add_option_function<std::string>(
+          name, [&target](const std::string& word) { target = kWords.at(word); }, description)
+      ->type_name("")
+      ->check(CLI::IsMember(kWords));
+}
+
 void add_scene_options(CLI::App& command, Options& options, CLI::Option* simulate) {
   Scene& scene = options.scene;
   const auto scene_option = [&](CLI::Option* option) {
@@ -53,6 +89,10 @@ void add_scene_options(CLI::App& command, Options& options, CLI::Option* simulat
       ->type_name("FPS");
   scene_option(command.add_option("--faults", scene.faults, "Fault plan in the simulator's words"))
       ->type_name("WORDS");
+  scene_option(command.add_option("--script", scene.script,
+                                  "Scenario in the simulator's words, - for words on standard "
+                                  "input while it runs"))
+      ->type_name("FILE|-");
   scene_option(command.add_option("--simulator", scene.libraries, "Folder of the simulator"))
       ->type_name("DIR");
   scene_option(command.add_option("--log", scene.log_file, "Write the plug-in's log to a file"))
@@ -98,21 +138,113 @@ void add_image_options(CLI::App& command, Options& options) {
       ->needs(show);
 }
 
+void add_count_option(CLI::App& command, Options& options, const std::string& description) {
+  command.add_option("--count", options.count, description)
+      ->check(CLI::Range(1U, kLargestCount))
+      ->capture_default_str();
+}
+
+void add_timeout_option(CLI::App& command, Options& options) {
+  command.add_option("--timeout", options.timeout, "Seconds for the whole capture, 0 for no limit")
+      ->check(CLI::Range(0.0, kLongestTimeout))
+      ->capture_default_str();
+}
+
+void add_setting_option(CLI::App& command, Options& options) {
+  const auto assign = [&options](const std::vector<std::string>& words) {
+    for (const std::string& word : words) {
+      options.settings.push_back(parsed("--set", word, &parse_setting));
+    }
+  };
+  add_words(command, "--set", assign,
+            "Set a property first; may be repeated (names: see 'hvk3 property get --help')")
+      ->type_name("NAME=VALUE")
+      ->allow_extra_args(false);
+}
+
+void add_property_names(CLI::App& command, Options& options) {
+  const auto assign = [&options](const std::vector<std::string>& words) {
+    for (const std::string& word : words) {
+      options.properties.push_back(parsed("NAME", word, &find_property));
+    }
+  };
+  add_words(command, "NAME", assign, "Names or numbers of properties (default: all)")
+      ->type_name("")
+      ->check(property_names());
+}
+
+void add_property_value(CLI::App& command, Options& options) {
+  command
+      .add_option_function<std::string>(
+          "NAME",
+          [&options](const std::string& word) {
+            options.properties = {parsed("NAME", word, &find_property)};
+          },
+          "Name or number of the property")
+      ->type_name("")
+      ->check(property_names())
+      ->required();
+  command.add_option("VALUE", options.value, "A number, or on, off, level-1, level-2")
+      ->type_name("")
+      ->required();
+}
+
+void add_feature_name(CLI::App& command, Options& options) {
+  command
+      .add_option("FEATURE", options.feature, "Number or name, as 'hvk3 feature list' shows them")
+      ->type_name("")
+      ->required();
+}
+
+void add_feature_value(CLI::App& command, Options& options) {
+  add_feature_name(command, options);
+  command.add_option("VALUE", options.value, "A number")->type_name("")->required();
+}
+
+void add_level_option(CLI::App& command, Options& options) {
+  command.add_option("--level", options.level, "Security level, 1 or 2")
+      ->check(CLI::Range(1U, 2U))
+      ->capture_default_str();
+}
+
+void add_led_options(CLI::App& command, Options& options) {
+  add_led_option(command, "--red", options.red_led, "Switch the red LED");
+  add_led_option(command, "--green", options.green_led, "Switch the green LED");
+  command.add_option("--hold", options.hold, "Seconds to keep them so, 0 until Ctrl-C")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(0.0, kLongestTimeout))
+      ->required();
+}
+
+void add_code_option(CLI::App& command, Options& options, const std::string& description) {
+  command.add_option("--code", options.code, description)->type_name("FILE|-")->required();
+  command.add_flag("--hex", options.hex, "The bytes are written as 14 hexadecimal digits");
+}
+
+void add_secret_option(CLI::App& command, Options& options) {
+  command
+      .add_option("--secret", options.secret,
+                  "File with the 7 protected bytes, - for standard input (behind the code)")
+      ->type_name("FILE|-")
+      ->required();
+}
+
+void add_secret_output_options(CLI::App& command, Options& options) {
+  command.add_option("--out", options.out, "Write the 7 bytes to a file that only you may read")
+      ->type_name("FILE");
+  command.add_flag("--print", options.print, "Show them as hexadecimal digits");
+}
+
 void add_capture_options(CLI::App& command, Options& options) {
   add_choice(command, "--mode", options.mode, {{"live", eMode::Live}, {"plain", eMode::Plain}},
              "live: every frame; plain: settled finger images (default: plain)");
-  command
-      .add_option("--count", options.count,
-                  "Number of images; with --out and more than one, -1, -2, ... join the file name")
-      ->check(CLI::Range(1U, kLargestCount))
-      ->capture_default_str();
+  add_count_option(
+      command, options,
+      "Number of images; with --out and more than one, -1, -2, ... join the file name");
   command
       .add_option("--settle", options.settle,
                   "Plain mode: keep the darkest of so many finished images")
       ->check(CLI::Range(1U, kLargestCount))
-      ->capture_default_str();
-  command.add_option("--timeout", options.timeout, "Seconds for the whole capture, 0 for no limit")
-      ->check(CLI::Range(0.0, kLongestTimeout))
       ->capture_default_str();
 }
 

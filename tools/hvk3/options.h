@@ -2,8 +2,10 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "hvk3/scene.h"
+#include "hvk3/settings.h"
 #include "hvk3/terminal_picture.h"
 
 /// @file
@@ -19,8 +21,8 @@ enum class eMode { Live, Plain };
 
 struct Options {
   std::string plugin;  ///< empty: the default one
-  bool simulate = false;
   Scene scene;
+  bool simulate = false;
   bool verbose = false;
   bool json = false;
   std::optional<unsigned int> device;  ///< interface of the scanner; none: the first of the list
@@ -33,6 +35,22 @@ struct Options {
   unsigned int count = 1;
   unsigned int settle = 10;
   double timeout = 30.0;  ///< seconds, 0 for none
+
+  std::vector<Setting> settings;  ///< properties to set first
+  unsigned int level = 1;         ///< security level of fake finger detection
+
+  std::vector<Property> properties;  ///< empty: all
+  std::string feature;               ///< number or name
+  std::string value;                 ///< of the property or feature to set
+
+  double hold = 0.0;  ///< seconds to hold the LEDs, 0 until a signal
+  std::optional<bool> red_led;
+  std::optional<bool> green_led;
+
+  bool print = false;  ///< show the protected bytes
+  bool hex = false;    ///< they and their code are written as hexadecimal digits
+  std::string code;    ///< file with the authorization code, - for standard input
+  std::string secret;  ///< file with the protected bytes, likewise
 };
 
 /// @name The options by subject; each command adds those that it uses.
@@ -41,6 +59,18 @@ void add_plugin_options(CLI::App& command, Options& options);
 void add_device_option(CLI::App& command, Options& options);
 void add_image_options(CLI::App& command, Options& options);
 void add_capture_options(CLI::App& command, Options& options);
+void add_count_option(CLI::App& command, Options& options, const std::string& description);
+void add_timeout_option(CLI::App& command, Options& options);
+void add_setting_option(CLI::App& command, Options& options);
+void add_property_names(CLI::App& command, Options& options);
+void add_property_value(CLI::App& command, Options& options);
+void add_feature_name(CLI::App& command, Options& options);
+void add_feature_value(CLI::App& command, Options& options);
+void add_level_option(CLI::App& command, Options& options);
+void add_led_options(CLI::App& command, Options& options);
+void add_code_option(CLI::App& command, Options& options, const std::string& description);
+void add_secret_option(CLI::App& command, Options& options);
+void add_secret_output_options(CLI::App& command, Options& options);
 /// @}
 
 }  // namespace hvk3

@@ -23,6 +23,13 @@ class Plugin {
 
   Osv::lx::ClFramegrabber& grabber() { return *m_pGrabber; }
 
+  /// A further function of the plug-in, of the type that the caller knows.
+  /// @throws Failure `PluginUnavailable` when the plug-in has none
+  template <class Function>
+  Function function(const char* name) const {
+    return m_cLibrary.function<Function>(name);
+  }
+
   /// What was given to the loader.
   const std::string& name() const { return m_sName; }
 

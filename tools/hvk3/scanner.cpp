@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 
 #include "hvk3/failure.h"
+#include "hvk3/printable.h"
 #include "ostrevanhvk3/errors.h"
 
 namespace hvk3 {
@@ -26,20 +26,6 @@ std::string last_error(ClFramegrabber& grabber) {
   std::vector<char> text(size);
   grabber.GetLastError(text.data(), size);
   return text.data();
-}
-
-std::string printable(const char* bytes, std::size_t size) {
-  constexpr char kDigits[] = "0123456789ABCDEF";
-  std::string text;
-  for (const char* end = bytes + ::strnlen(bytes, size); bytes != end; ++bytes) {
-    const auto byte = static_cast<unsigned char>(*bytes);
-    if (byte >= ' ' && byte <= '~' && byte != '\\') {
-      text += *bytes;
-    } else {
-      text.append("\\x").append(1, kDigits[byte >> 4]).append(1, kDigits[byte & 0xF]);
-    }
-  }
-  return text;
 }
 
 ListedScanner to_listed(const DeviceInfo& device) {

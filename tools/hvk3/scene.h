@@ -14,6 +14,7 @@ struct Scene {
   unsigned int scanners = 1;
   unsigned int pace = 15;  ///< frames per second, 0 for as fast as it goes
   std::string faults;      ///< the simulator's words
+  std::string script;      ///< file with a scenario in the simulator's words, - for standard input
   std::string log_file;
   bool log_to_stderr = false;
 };

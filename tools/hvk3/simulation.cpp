@@ -18,6 +18,8 @@ constexpr std::array<const char*, 5> kLibraries = {
     "libostrevan-simulator.so", "libKR9ScanAPI.so", "libostrevancalibratesdk.so",
     "libostrevanfakefingerdetection.so", "libostrevanlf.so"};
 
+constexpr char kStandardInput[] = "-";
+
 std::filesystem::path folder_of(const Scene& scene) {
   const std::filesystem::path folder = scene.libraries.empty()
                                            ? installation_prefix() / "simulator"
@@ -62,6 +64,9 @@ void set_scene(Bench& bench, const Scene& scene) {
   bench.set_pace(scene.pace);
   set_log(bench, scene);
   bench.set_faults(scene.faults);
+  if (!scene.script.empty() && scene.script != kStandardInput) {
+    bench.load_scenario(scene.script);
+  }
 }
 
 }  // namespace
@@ -72,13 +77,21 @@ Simulation::Simulation(const Scene& scene) {
   for (const char* const name : kLibraries) {
     m_vLibraries.emplace_back((folder / name).string());
   }
-  Bench& bench = *m_vLibraries.front().function<decltype(&ostrevan_simulator_bench)>(
-      "ostrevan_simulator_bench")();
   try {
-    set_scene(bench, scene);
+    set_scene(bench(), scene);
   } catch (const std::exception& error) {
     throw Failure(ExitStatus::Usage, error.what());
   }
+  if (scene.script == kStandardInput) {
+    m_cFeed.emplace(bench());
+  }
 }
+
+Bench& Simulation::bench() const {
+  return *m_vLibraries.front().function<decltype(&ostrevan_simulator_bench)>(
+      "ostrevan_simulator_bench")();
+}
+
+std::string Simulation::trouble() const { return bench().scenario().trouble; }
 
 }  // namespace hvk3

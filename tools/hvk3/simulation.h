@@ -1,8 +1,11 @@
 #pragma once
 
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "hvk3/scene.h"
+#include "hvk3/script_feed.h"
 #include "hvk3/shared_library.h"
 
 /// @file
@@ -18,8 +21,15 @@ class Simulation {
   ///   that can't be set
   explicit Simulation(const Scene& scene);
 
+  /// What went wrong with the scenario's last line that could not be carried out; empty for
+  /// nothing.
+  std::string trouble() const;
+
  private:
+  Osv::simulator::Bench& bench() const;
+
   std::vector<SharedLibrary> m_vLibraries;
+  std::optional<ScriptFeed> m_cFeed;
 };
 
 }  // namespace hvk3

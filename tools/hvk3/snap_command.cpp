@@ -4,9 +4,15 @@
 #include "hvk3/delivery.h"
 #include "hvk3/interruption.h"
 #include "hvk3/scanner.h"
+#include "hvk3/settings.h"
 
 namespace hvk3 {
 namespace {
+
+constexpr char kExamples[] =
+    "  hvk3 snap --out platen.png              one image at once\n"
+    "  hvk3 snap --set low-contrast=on --show  with a property set first\n"
+    "  hvk3 snap --simulate --empty --show     the empty platen of a simulated scanner\n";
 
 Image snap(Osv::lx::ClFramegrabber& grabber) {
   constexpr unsigned int kChannel = 1;
@@ -24,6 +30,7 @@ void run(Context& context) {
   const Wakeup wakeup;
   const Interruption interruption(wakeup);
   choose_scanner(context.grabber(), context.options().device);
+  apply(context.grabber(), context.options().settings);
   const Image image = snap(context.grabber());
   interruption.check();
   deliver(context, image, 1);
@@ -32,12 +39,13 @@ void run(Context& context) {
 void add_options(CLI::App& app, Options& options) {
   add_plugin_options(app, options);
   add_device_option(app, options);
+  add_setting_option(app, options);
   add_image_options(app, options);
 }
 
 }  // namespace
 
 const Command kSnapCommand = {"snap", "Take one image at once, whatever lies on the platen",
-                              &add_options, &run};
+                              kExamples, &add_options, &run};
 
 }  // namespace hvk3

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdint>
 #include <limits>
@@ -50,6 +51,24 @@ bool Wakeup::wait(const Deadline& deadline) const {
     [[maybe_unused]] const auto got = ::read(m_nFile, &count, sizeof(count));
   }
   return ready != 0;  // a signal that interrupts the wait counts as a wake-up
+}
+
+bool Wakeup::wait_for_input(int file) const {
+  std::array<pollfd, 2> files = {pollfd{m_nFile, POLLIN, 0}, pollfd{file, POLLIN, 0}};
+  int ready = 0;
+  do {
+    ready = ::poll(files.data(), files.size(), -1);
+  } while (ready < 0 && errno == EINTR);
+  return ready > 0 && files[0].revents == 0;
+}
+
+Wakeup::Deadline deadline_after(double seconds) {
+  using Clock = std::chrono::steady_clock;
+  if (seconds == 0.0) {
+    return std::nullopt;
+  }
+  return Clock::now() +
+         std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
 }
 
 }  // namespace hvk3

@@ -25,8 +25,15 @@ class Wakeup {
   /// Waits for a `notify` since the last wait. @return false when the deadline has passed
   [[nodiscard]] bool wait(const Deadline& deadline) const;
 
+  /// Waits until a file can be read, or has ended. @return false after a `notify`, which stays for
+  ///   the next wait
+  [[nodiscard]] bool wait_for_input(int file) const;
+
  private:
   int m_nFile;
 };
+
+/// The moment so many seconds from now; none for 0.
+Wakeup::Deadline deadline_after(double seconds);
 
 }  // namespace hvk3

@@ -150,20 +150,32 @@ void ClFutronicBaseSDK::Unitialize() {
   Destroy();
 }
 
-void ClFutronicBaseSDK::GetKR9ScannerList(std::vector<DeviceInfo>& list) {
+bool ClFutronicBaseSDK::AttachedInterfaces(std::vector<int>& numbers) {
   OpenLibrary();
-  list.clear();
-  const auto api = Api();
+  numbers.clear();
   ftrScanInterfaceList interfaces{};
-  if (api->ftrScanGetInterfaces(&interfaces) == 0) {
-    return;
+  if (Api()->ftrScanGetInterfaces(&interfaces) == 0) {
+    return false;
   }
   for (std::size_t number = 0; number < interfaces.size(); ++number) {
-    if (interfaces[number] != 0) {
-      continue;
+    if (interfaces[number] == 0) {
+      numbers.push_back(static_cast<int>(number));
     }
+  }
+  return true;
+}
+
+void ClFutronicBaseSDK::GetKR9ScannerList(std::vector<DeviceInfo>& list) {
+  std::vector<int> numbers;
+  const bool told = AttachedInterfaces(numbers);
+  list.clear();
+  if (!told) {
+    return;
+  }
+  const auto api = Api();
+  for (const int number : numbers) {
     try {
-      list.push_back(DescribeScanner(*api, static_cast<int>(number)));
+      list.push_back(DescribeScanner(*api, number));
     } catch (const lx::ClLXException&) {
       // A device that does not answer as a scanner of this family does not appear in the list.
     }
@@ -186,58 +198,23 @@ DeviceInfo ClFutronicBaseSDK::DescribeScanner(ClKR9APILib& api, int interfaceNum
   return info;
 }
 
-bool ClFutronicBaseSDK::IsKR9Scanner(ScannerHandle handle) {
-  const auto api = Api();
-  if (handle == nullptr) {
-    handle = ftrHandle;
-  }
-  ftrScanDeviceInfoRecord info{};
-  info.nSize = sizeof(info);
-  if (api->ftrScanGetDeviceInfo(handle, &info) == 0) {
-    return false;
-  }
-  return (info.nModel == 1 || info.nModel == 4) && api->m_nApiLevel != 0 &&
-         CarriesCalibration(*api, handle);
+FamilyFindings ClFutronicBaseSDK::Family(ScannerHandle handle) {
+  return TestFamily(*Api(), handle == nullptr ? ftrHandle.get() : handle);
 }
 
-bool ClFutronicBaseSDK::CarriesCalibration(ClKR9APILib& api, ScannerHandle handle) {
-  constexpr std::array<unsigned char, 8> kSignature = {'C', 'A', 'L', 0, 'G', 'E', 'O', 0};
-  constexpr std::uint32_t kFirstRead = 46;
-  constexpr std::size_t kLengthPosition = 20;
-  constexpr std::int64_t kSignaturePosition = 25;
-  constexpr std::int64_t kLongestDescription = 127;
-
-  std::int32_t memorySize = 0;
-  if (api.ftrScanGetExtMemorySize(handle, &memorySize) == 0 || memorySize <= 0) {
-    return false;
-  }
-  // The length byte is signed here, and only here. A negative one moves the comparison to other
-  // bytes of the block or before it, so the block has zero bytes in front.
-  std::array<unsigned char,
-             kSignature.size() + kSignaturePosition + kLongestDescription + kSignature.size()>
-      memory{};
-  unsigned char* const block = memory.data() + kSignature.size();
-  if (api.ftrScanRestoreExtMemory(handle, block, 0, kFirstRead) == 0 || block[0] != 1) {
-    return false;
-  }
-  const std::int64_t length = static_cast<std::int8_t>(block[kLengthPosition]);
-  const auto end =
-      static_cast<std::uint64_t>(length + kSignaturePosition + std::int64_t{kSignature.size()});
-  if (end >= static_cast<std::uint64_t>(memorySize)) {
-    return false;
-  }
-  if (end > kFirstRead &&
-      api.ftrScanRestoreExtMemory(handle, block, 0, static_cast<std::uint32_t>(end)) == 0) {
-    return false;
-  }
-  return std::equal(kSignature.begin(), kSignature.end(), block + length + kSignaturePosition);
-}
-
-bool ClFutronicBaseSDK::IsKR9Scanner(int interfaceNumber) {
+FamilyFindings ClFutronicBaseSDK::Family(int interfaceNumber) {
   OpenLibrary();
   const auto api = Api();
   const OpenDevice device(*api, interfaceNumber);
-  return device.get() != nullptr && IsKR9Scanner(device.get());
+  return device.get() == nullptr ? FamilyFindings() : TestFamily(*api, device.get());
+}
+
+bool ClFutronicBaseSDK::IsKR9Scanner(ScannerHandle handle) {
+  return Family(handle).result == eFamily::Member;
+}
+
+bool ClFutronicBaseSDK::IsKR9Scanner(int interfaceNumber) {
+  return Family(interfaceNumber).result == eFamily::Member;
 }
 
 bool ClFutronicBaseSDK::SetScanInterface(unsigned long interfaceNumber) {

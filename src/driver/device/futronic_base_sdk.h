@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "driver/calibration/stream.h"
+#include "driver/device/family.h"
 #include "driver/device/kr9_api_lib.h"
 #include "foundation/mutex.h"
 #include "foundation/relaxed.h"
@@ -55,9 +56,20 @@ class ClFutronicBaseSDK : public CXStream {
   /// `Destroy` under the lock.
   void Unitialize();
 
+  /// The interfaces that have a device of any kind, in ascending order. False when the library
+  /// doesn't tell. No lock of its own.
+  [[nodiscard]] bool AttachedInterfaces(std::vector<int>& numbers);
+
   /// Lists the scanners of this family in the order of their interfaces. A device that can't be
   /// opened, is none of them or gives no serial number is left out. No lock of its own.
   void GetKR9ScannerList(std::vector<DeviceInfo>& list);
+
+  /// Whether a device is a scanner of this family, and if not, why. Null means the open device. No
+  /// lock.
+  [[nodiscard]] FamilyFindings Family(ScannerHandle handle);
+
+  /// The same for the device on an interface, through a handle of its own. No lock.
+  [[nodiscard]] FamilyFindings Family(int interfaceNumber);
 
   /// True when a device is of an accepted model and carries a calibration block. Null means the
   /// open device. No lock.
@@ -168,7 +180,6 @@ class ClFutronicBaseSDK : public CXStream {
 
  private:
   DeviceInfo DescribeScanner(ClKR9APILib& api, int interfaceNumber);
-  bool CarriesCalibration(ClKR9APILib& api, ScannerHandle handle);
   void RequireExtendedMemory();
   [[noreturn]] void ThrowMemoryError();
 

@@ -237,6 +237,65 @@ TEST_F(FamilyTest, LogsNothingWhenItFails) {
   EXPECT_THAT(lines_of([&] { EXPECT_FALSE(is_one_with(Bytes(kMemorySize))); }), IsEmpty());
 }
 
+TEST_F(FamilyTest, TellsWhatItReadOfAScannerOfTheFamily) {
+  const FamilyFindings findings = m_device.Family(nullptr);
+  EXPECT_EQ(findings.result, eFamily::Member);
+  EXPECT_EQ(findings.model, 1);
+  EXPECT_EQ(findings.memorySize, bench.memory(0).size());
+  EXPECT_EQ(findings.blockVersion, 1);
+  EXPECT_EQ(findings.descriptionLength, 9);
+}
+
+TEST_F(FamilyTest, TellsNothingOfStepsThatItDidNotReach) {
+  bench.plug_in(1, {.model = 3});
+  const FamilyFindings findings = m_device.Family(1);
+  EXPECT_EQ(findings.model, 3);
+  EXPECT_FALSE(findings.memorySize.has_value());
+  EXPECT_FALSE(findings.blockVersion.has_value());
+  EXPECT_FALSE(findings.descriptionLength.has_value());
+}
+
+TEST_F(FamilyTest, NamesTheStepAtWhichADeviceFails) {
+  struct Row {
+    const char* faults;
+    eFamily expected;
+  };
+  bench.set_memory(0, memory_with(std::string(14, 'd')));
+  for (const Row& row :
+       {Row{"ftrScanGetDeviceInfo fails with 5", eFamily::NoModel},
+        Row{"ftrScanGetExtMemorySize fails with 8", eFamily::NoMemorySize},
+        Row{"ftrScanGetExtMemorySize gives 0", eFamily::NoMemory},
+        Row{"ftrScanRestoreExtMemory call 1 fails with 87", eFamily::MemoryUnreadable},
+        Row{"ftrScanGetExtMemorySize gives 47", eFamily::BlockTooLong},
+        Row{"ftrScanRestoreExtMemory call 2 fails with 87", eFamily::BlockUnreadable},
+        Row{"", eFamily::Member}}) {
+    bench.set_faults(row.faults);
+    EXPECT_EQ(m_device.Family(nullptr).result, row.expected) << row.faults;
+  }
+}
+
+TEST_F(FamilyTest, NamesTheStepAtWhichAMemoryFails) {
+  Bytes other_version = memory_with("");
+  other_version[0] = 2;
+  Bytes no_signature = memory_with("");
+  no_signature[25] = 'X';
+  bench.set_memory(0, other_version);
+  EXPECT_EQ(m_device.Family(nullptr).result, eFamily::OtherBlockVersion);
+  bench.set_memory(0, no_signature);
+  EXPECT_EQ(m_device.Family(nullptr).result, eFamily::NoSignature);
+}
+
+TEST_F(FamilyTest, NamesTheModelOrTheLibraryAsTheReason) {
+  bench.plug_in(1, {.model = 2});
+  EXPECT_EQ(m_device.Family(1).result, eFamily::OtherModel);
+  m_device.table().m_nApiLevel = 0;
+  EXPECT_EQ(m_device.Family(nullptr).result, eFamily::BaseApi);
+}
+
+TEST_F(FamilyTest, NamesADeviceThatCantBeOpened) {
+  EXPECT_EQ(m_device.Family(9).result, eFamily::NotOpened);
+}
+
 TEST_F(FamilyTest, OfAnInterfaceUsesAHandleOfItsOwn) {
   EXPECT_THAT(calls_of([&] { EXPECT_TRUE(m_device.IsKR9Scanner(0)); }),
               ElementsAre("ftrScanOpenDeviceOnInterface(interface 0) = handle 3",

@@ -141,5 +141,19 @@ TEST_F(ScannerList, IsEmptyWithALibraryThatLacksTheExtendedMemory) {
   EXPECT_THAT(interfaces(), IsEmpty());
 }
 
+TEST_F(ScannerList, AttachedInterfacesAreThoseOfAnyDevice) {
+  bench.plug_in(3, {.model = 2});
+  std::vector<int> numbers = {99};
+  EXPECT_TRUE(m_device.AttachedInterfaces(numbers));
+  EXPECT_EQ(numbers, (std::vector<int>{0, 3}));
+}
+
+TEST_F(ScannerList, AttachedInterfacesFailWhenTheLibraryDoesNotTell) {
+  bench.set_faults("ftrScanGetInterfaces fails with 5");
+  std::vector<int> numbers = {99};
+  EXPECT_FALSE(m_device.AttachedInterfaces(numbers));
+  EXPECT_TRUE(numbers.empty());
+}
+
 }  // namespace
 }  // namespace Osv::testing_support

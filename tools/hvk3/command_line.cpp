@@ -1,0 +1,65 @@
+#include "hvk3/command_line.h"
+
+#include <algorithm>
+#include <string>
+
+namespace hvk3 {
+namespace {
+
+constexpr char kFooter[] =
+    "Examples:\n"
+    "  hvk3 list                              the attached scanners\n"
+    "  hvk3 doctor                            why a scanner is not among them\n"
+    "  hvk3 capture --out finger.png --show   wait for a finger, keep its settled image\n"
+    "  hvk3 capture --simulate --show         the same without a scanner\n"
+    "  hvk3 COMMAND --help                    options and examples of a command\n"
+    "\n"
+    "Exit status: 0 success, 1 internal error, 2 usage, 3 no scanner, or unplugged meanwhile,\n"
+    "4 operation or capture failed for another reason, 5 timeout, 6 output can't be written,\n"
+    "7 plug-in or simulator can't be loaded, 8 doctor found a defect, 128+N ended by signal N\n"
+    "(130 for Ctrl-C).";
+
+}  // namespace
+
+CommandLine::CommandLine()
+    : m_cApp("Drives HVK3 fingerprint scanners through their frame grabber plug-in.", "hvk3") {
+  m_cApp.require_subcommand(1);
+  m_cApp.footer(kFooter);
+  for (const Command* const command : all_commands()) {
+    add(*command);
+  }
+}
+
+/// The parser above the commands of a group, which appears with the first of them.
+CLI::App& CommandLine::parent_of(const std::string& group) {
+  if (group.empty()) {
+    return m_cApp;
+  }
+  const auto is_it = [&](const CLI::App* parser) { return parser->get_name() == group; };
+  if (const auto known = m_cApp.get_subcommands(is_it); !known.empty()) {
+    return *known.front();
+  }
+  const auto groups = all_command_groups();
+  const auto described = std::find_if(groups.begin(), groups.end(),
+                                      [&](const auto& each) { return group == each.name; });
+  return *m_cApp.add_subcommand(group, described->description)->require_subcommand(1);
+}
+
+void CommandLine::add(const Command& command) {
+  const std::string name = command.name;
+  const std::size_t blank = name.find(' ');
+  const std::string group = blank == std::string::npos ? "" : name.substr(0, blank);
+  const std::string own = name.substr(blank + 1);  // npos + 1 is 0
+  CLI::App* const parser = parent_of(group).add_subcommand(own, command.description);
+  parser->footer(std::string("Examples:\n") + command.examples);
+  Entry& entry = m_cEntries.emplace_back(Entry{command, parser, {}});
+  command.add_options(*parser, entry.options);
+}
+
+CommandLine::Choice CommandLine::choice() const {
+  const auto chosen = std::find_if(m_cEntries.begin(), m_cEntries.end(),
+                                   [](const Entry& entry) { return entry.parser->parsed(); });
+  return {chosen->command, chosen->options};
+}
+
+}  // namespace hvk3
