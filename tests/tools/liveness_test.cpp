@@ -51,6 +51,12 @@ TEST_F(Liveness, CallsAFingerAboveTheThresholdLive) {
   EXPECT_EQ(all["fake"], 0);
 }
 
+TEST_F(Liveness, CallsOnlyTheFrameOfTheFakeAFake) {
+  const Json all = verdicts({"--faults", "FakeFingerDetectionEvaluateLiveliness call 30 gives 20"});
+  EXPECT_EQ(all["fake"], 1);
+  EXPECT_GT(all["live"], 5);
+}
+
 TEST_F(Liveness, JudgesByTheLevel) {
   EXPECT_GT(verdicts_at(55, {"--level", "1"})["live"], 0);
   EXPECT_GT(verdicts_at(55, {"--level", "2"})["fake"], 0);

@@ -1,5 +1,8 @@
 #include "hvk3/doctor/closed_library.h"
 
+#include <fstream>
+
+#include "support/temporary_folder.h"
 #include "tools/doctor/doctor_fixture.h"
 
 namespace hvk3::test {
@@ -53,7 +56,9 @@ TEST_F(ClosedLibraryTest, NamesTheFunctionThatNoLibraryGivesIt) {
 }
 
 TEST_F(ClosedLibraryTest, ThatIsNoLibraryIsToBeInstalledAnew) {
-  m_libraries.use_file(kEngineLibrary, __FILE__);
+  const TemporaryFolder folder;
+  std::ofstream(folder.file("text")) << "no library";
+  m_libraries.use_file(kEngineLibrary, folder.file("text"));
   const Finding found = finding(kEngineLibrary);
   EXPECT_EQ(found.kind, eFinding::Bad);
   EXPECT_THAT(found.remedy, HasSubstr("Install the library anew"));
