@@ -32,11 +32,11 @@ class RecoveryExample : public GuideTest {
 TEST_F(RecoveryExample, WaitsForAScannerThatWasUnpluggedAndGoesOn) {
   block(kFrameCall, 5);
   std::future<void> hands = std::async(std::launch::async, [this] { unplug_and_plug_in(); });
-  const Outcome outcome = run(&recovery_main, {"40"});
+  const Outcome outcome = run(&recovery_main, {"12"});
   hands.get();
   EXPECT_EQ(outcome.status, 0) << outcome.error;
   EXPECT_THAT(outcome.out, HasSubstr("KR9 scanner is disconnected from the host, error: 2"));
-  EXPECT_THAT(outcome.out, EndsWith("\n40 images\n"));
+  EXPECT_THAT(outcome.out, EndsWith("\n12 images\n"));
   EXPECT_GE(sleeps.nanosleeps(1, 0), 2);
 }
 
