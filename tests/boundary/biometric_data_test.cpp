@@ -88,7 +88,7 @@ TEST_F(BiometricData, TheSizeInTheHeaderOfTheBitmapPlaysNoPart) {
   EXPECT_EQ(std::memcmp(image.pixels, bitmap.Pixel(), 24), 0);
 }
 
-/// A header whose pixels no block can hold, though their size may come out small in 64 bits.
+/// A header whose pixels no block can hold, though 64 bits make it a small size.
 struct AbsurdHeader {
   std::int32_t width;
   std::int32_t height;
@@ -110,10 +110,9 @@ TEST_P(AbsurdHeaders, AreABadAllocAndTheEnvelopeStays) {
   EXPECT_EQ(data.tag1, 0U);
 }
 
-// The last three come out as -8 bytes, 0 bytes and 0 bytes.
+// Without a check they come out as -8 bytes, 0 bytes and 0 bytes.
 INSTANTIATE_TEST_SUITE_P(Table, AbsurdHeaders,
-                         testing::Values(AbsurdHeader{-5, 3, 8}, AbsurdHeader{5, -1, 8},
-                                         AbsurdHeader{-1, 8, 8},
+                         testing::Values(AbsurdHeader{5, -1, 8}, AbsurdHeader{-1, 8, 8},
                                          AbsurdHeader{1 << 30, 1 << 22, 32768}));
 
 TEST(InterfaceVersion, Has257As10And513As20) {
