@@ -4,6 +4,8 @@
 /// @file
 /// The record of one scanner in the list that `AvailableDevices` copies out.
 
+#include <cstddef>
+
 /// One attached scanner. 204 bytes, a binary format between client and plug-in.
 struct DeviceInfo {
   /// The serial number: 8 bytes as the scanner gives them, not necessarily text and without a
@@ -17,6 +19,9 @@ struct DeviceInfo {
   unsigned int nInterface;
 };
 
+static_assert(offsetof(DeviceInfo, szSerialNumber) == 0, "the record is a binary contract");
+static_assert(offsetof(DeviceInfo, szReserved) == 100, "the record is a binary contract");
+static_assert(offsetof(DeviceInfo, nInterface) == 200, "the record is a binary contract");
 static_assert(sizeof(DeviceInfo) == 204, "the record is a binary contract");
 
 #endif

@@ -57,7 +57,13 @@ OSTREVANHVK3_EXPORT extern Osv::lx::ClDummyFramegrabber* m_pDummy;
 
 }  // extern "C"
 
-/// Reads a feature. Opens the scanner; see feature.h for the features and their values.
+/// Reads a feature; see feature.h for the features and their values.
+///
+/// On any client thread, also while capture runs, and from inside a callback. Opens the scanner.
+/// Feature 55 and refusals of the record never wait once it is open. The others take no lock and
+/// don't wait for the frame: they block for as long as the scanner library takes. One that the
+/// scanner refuses then waits for a call into the scanner that is under way, up to about 2 seconds
+/// while it is busy.
 /// @param channel 1; another one gives 2, bare and without a text
 /// @param feature `id` says which; `data`, `size` and `count` as the feature documents
 /// @return 0; a refusal of the feature as a bare number without a text (12 unknown, 17, 52, 82), or
@@ -67,13 +73,14 @@ OSTREVANHVK3_EXPORT extern Osv::lx::ClDummyFramegrabber* m_pDummy;
 /// @throws Osv::lx::CLX3ModuleException 51, 53 or 60 for feature 55
 OSTREVANHVK3_EXPORT unsigned long LXSP_GetFeature(unsigned int channel, osvlx3_feature* feature);
 
-/// Writes a feature. Opens the scanner. Arguments and results as with `LXSP_GetFeature`, but that
+/// Writes a feature. Threads, blocking, arguments and results as with `LXSP_GetFeature`, but that
 /// refusals for the record's contents are bare numbers: 17, 52, 53, and 60 for null `data`.
 /// @throws Osv::lx::CLX3ModuleException 52, 53 or 60 for feature 55
 OSTREVANHVK3_EXPORT unsigned long LXSP_SetFeature(unsigned int channel,
                                                   const osvlx3_feature* feature);
 
-/// Releases memory that the feature functions allocated for the client; null does nothing.
+/// Releases memory that the feature functions allocated for the client; null does nothing. On any
+/// client thread, never blocks, and needs no frame grabber.
 /// @return 0
 OSTREVANHVK3_EXPORT unsigned long LXSP_Free(void* memory);
 

@@ -38,6 +38,7 @@ struct osvlx3_feature {
 };
 
 static_assert(offsetof(osvlx3_feature, id) == 0, "the record is a binary contract");
+static_assert(offsetof(osvlx3_feature, reserved) == 4, "the record is a binary contract");
 static_assert(offsetof(osvlx3_feature, count) == 8, "the record is a binary contract");
 static_assert(offsetof(osvlx3_feature, size) == 16, "the record is a binary contract");
 static_assert(offsetof(osvlx3_feature, data) == 24, "the record is a binary contract");

@@ -55,9 +55,12 @@ struct osvlx3_unit_schema {
 };
 
 static_assert(offsetof(osvlx3_unit_schema, id) == 0, "the record is a binary contract");
+static_assert(offsetof(osvlx3_unit_schema, reserved1) == 4, "the record is a binary contract");
 static_assert(offsetof(osvlx3_unit_schema, channels) == 268, "the record is a binary contract");
+static_assert(offsetof(osvlx3_unit_schema, reserved2) == 272, "the record is a binary contract");
 static_assert(offsetof(osvlx3_unit_schema, name) == 782, "the record is a binary contract");
 static_assert(sizeof(osvlx3_unit_schema::name) == 255, "the record is a binary contract");
+static_assert(offsetof(osvlx3_unit_schema, reserved3) == 1037, "the record is a binary contract");
 static_assert(sizeof(osvlx3_unit_schema) == 1292, "the record is a binary contract");
 
 /// An envelope around one sample. 40 bytes, a binary format between client and plug-in.
@@ -73,8 +76,10 @@ struct osvlx3_biometric_data {
 };
 
 static_assert(offsetof(osvlx3_biometric_data, tag1) == 0, "the record is a binary contract");
+static_assert(offsetof(osvlx3_biometric_data, reserved1) == 1, "the record is a binary contract");
 static_assert(offsetof(osvlx3_biometric_data, tag2) == 4, "the record is a binary contract");
 static_assert(offsetof(osvlx3_biometric_data, tag3) == 8, "the record is a binary contract");
+static_assert(offsetof(osvlx3_biometric_data, reserved2) == 12, "the record is a binary contract");
 static_assert(offsetof(osvlx3_biometric_data, size) == 16, "the record is a binary contract");
 static_assert(offsetof(osvlx3_biometric_data, count) == 24, "the record is a binary contract");
 static_assert(offsetof(osvlx3_biometric_data, data) == 32, "the record is a binary contract");
@@ -100,6 +105,7 @@ static_assert(offsetof(osvlx3_biometric_image, bytes_per_row) == 8,
               "the record is a binary contract");
 static_assert(offsetof(osvlx3_biometric_image, bits_per_pixel) == 12,
               "the record is a binary contract");
+static_assert(offsetof(osvlx3_biometric_image, reserved) == 13, "the record is a binary contract");
 static_assert(offsetof(osvlx3_biometric_image, x_pels_per_meter) == 16,
               "the record is a binary contract");
 static_assert(offsetof(osvlx3_biometric_image, y_pels_per_meter) == 20,
@@ -130,8 +136,9 @@ OSTREVANHVK3_EXPORT void GetFeatureSchema(unsigned int id, osvlx3_feature_schema
 
 /// Copies descriptions, the values of those with a condition included.
 ///
-/// When memory runs out, copies up to the failure have values of their own and those behind it
-/// still point to the values of the source.
+/// When there is no memory for the array, `*target` is untouched. When there is none for the values
+/// of a copy, those before the one that failed have values of their own; that one and those behind
+/// it still point to the values of the source.
 /// @param source `count` records
 /// @param target receives an array of `count` records; first give back the `values` of each, then
 ///   the array
@@ -156,6 +163,7 @@ OSTREVANHVK3_EXPORT void dev_info2unit_schema(const DeviceInfo& device, osvlx3_u
 /// Wraps a copy of an image.
 /// @param bitmap an image block as a callback or `GetImage` delivers it (see image_block.h)
 /// @param target receives the envelope; give `data` back with `LXSP_Free`. Padding stays as it was
+/// @throws std::bad_alloc also for a width or height below 0 and for rows of 4 GiB and more
 OSTREVANHVK3_EXPORT void image2biodata(const unsigned char* bitmap, osvlx3_biometric_data* target);
 
 /// The text for a version of the interface: "1.0" for 257, "2.0" for 513.

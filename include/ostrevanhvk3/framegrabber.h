@@ -174,12 +174,16 @@ class ClFramegrabber {
   ///   text, or 0x1000003B, when fake finger detection can't be turned on
   virtual unsigned long SetFGProperty(ePropertyIDs property, unsigned int value) = 0;
 
-  /// Reads a property. Opens the scanner; fake finger detection waits for a frame that is being
-  /// fetched, the LEDs for the device's work on it.
+  /// Reads a property. Opens the scanner. Fake finger detection then waits for the frame, the low
+  /// contrast image for a correction that is under way, and the threshold, while the detection is
+  /// on, for the detector; its first reading without a threshold of the client's walks the
+  /// detector's curves. Number of channels and LEDs never wait.
   /// @param property one of `AvailableProperties`
   /// @param value receives the value, and stays as it is on failure; a switch that is on reads as
   ///   100, whatever switched it on
-  /// @return 0; 0x1000000C for an unknown property; 0x10000002; 0x10000017 with the detector's text
+  /// @return 0; 0x1000000C for an unknown property; 0x10000002; the scanner's number; the engine's,
+  ///   also for the low contrast image; for the threshold 0x10000017 with the detector's text, or
+  ///   0x1000003A when the detection is turned off meanwhile
   virtual unsigned long GetFGProperty(ePropertyIDs property, unsigned int& value) = 0;
 
   /// Freezes the channel, or lets it go on. Never blocks.
@@ -314,7 +318,8 @@ class ClFramegrabber {
   /// Measures the dirt on the platen, on which nothing may lie. Opens the scanner, waits for the
   /// frame and fetches one more, up to about 2 seconds while the scanner is busy.
   /// @param channel 1
-  /// @param level receives the level, as the calibration engine measures it
+  /// @param level receives the level, as the calibration engine measures it; left alone when the
+  ///   arguments are refused or the scanner can't be opened, 0 after any later failure
   /// @return 0; 0x10000004; 0x1000003C with an empty text; 0x10000002; the scanner's or engine's
   ///   number
   virtual unsigned long ContaminationDetection(unsigned long channel, double* level) = 0;

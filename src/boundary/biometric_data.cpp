@@ -1,5 +1,7 @@
 #include <array>
 #include <cstring>
+#include <limits>
+#include <new>
 
 #include "foundation/image_functions.h"
 #include "foundation/malloc_pointer.h"
@@ -18,6 +20,15 @@ struct VersionText {
 
 constexpr std::array<VersionText, 2> kVersions = {{{0x0101, "1.0"}, {0x0201, "2.0"}}};
 
+/// Refuses a header that no block can answer to. What passes doesn't overflow: a row of 32 bits,
+/// which is also the width of its field, and a height of 31.
+void check(const tagBITMAPINFOHEADER& bi) {
+  constexpr unsigned long kLongestRow = std::numeric_limits<std::uint32_t>::max();
+  if (bi.biWidth < 0 || bi.biHeight < 0 || img::bmp_bpr(&bi) > kLongestRow) {
+    throw std::bad_alloc();
+  }
+}
+
 osvlx3_biometric_image describe(const tagBITMAPINFOHEADER& bi) {
   osvlx3_biometric_image image{};
   image.width = bi.biWidth;
@@ -34,6 +45,7 @@ osvlx3_biometric_image describe(const tagBITMAPINFOHEADER& bi) {
 
 void image2biodata(const unsigned char* bitmap, osvlx3_biometric_data* target) {
   const auto* const bi = reinterpret_cast<const tagBITMAPINFOHEADER*>(bitmap);
+  check(*bi);
   osvlx3_biometric_image image = describe(*bi);
   image.pixel_size = img::bmp_pixel_size(static_cast<unsigned long>(bi->biWidth),
                                          static_cast<unsigned long>(bi->biHeight), bi->biBitCount);

@@ -98,12 +98,15 @@ void add_condition(const Row& row, osvlx3_feature_schema& schema) {
 
 /// A feature whose `condition` stays as it was when none is asked for.
 void fill(unsigned int id, osvlx3_feature_schema& schema, bool withCondition) {
-  const Row& row = *find_row(id);
-  schema.id = row.id;
-  str2lx3str(row.name, schema.name);
-  str2lx3str(row.description, schema.description);
+  const Row* const row = find_row(id);
+  if (row == nullptr) {
+    return;
+  }
+  schema.id = row->id;
+  str2lx3str(row->name, schema.name);
+  str2lx3str(row->description, schema.description);
   if (withCondition) {
-    add_condition(row, schema);
+    add_condition(*row, schema);
   }
 }
 
@@ -118,6 +121,15 @@ void fill_simple(const Row& row, osvlx3_feature_schema& schema, bool withConditi
   if (withCondition) {
     add_condition(row, schema);
   }
+}
+
+/// A block of its own for `size` bytes. With 0 bytes `source` may be null.
+void* copy_of(const void* source, std::size_t size) {
+  MAllocPointer memory(size);
+  if (size != 0) {
+    std::memcpy(memory.get(), source, size);
+  }
+  return memory.detach();
 }
 
 }  // namespace
@@ -215,14 +227,10 @@ void CopyFeatures1(const osvlx3_feature_schema* source, unsigned int count,
                    osvlx3_feature_schema** target) {
   const std::size_t size = std::size_t{count} * sizeof(osvlx3_feature_schema);
   // The array is the caller's from here on, also when a copy of values fails.
-  *target = static_cast<osvlx3_feature_schema*>(MAllocPointer(size).detach());
-  std::memcpy(*target, source, size);
+  *target = static_cast<osvlx3_feature_schema*>(copy_of(source, size));
   for (osvlx3_feature_schema* copy = *target; copy != *target + count; ++copy) {
     if (copy->condition != 0) {
-      const std::size_t bytes = std::size_t{copy->value_count} * copy->value_size;
-      MAllocPointer values(bytes);
-      std::memcpy(values.get(), copy->values, bytes);
-      copy->values = values.detach();
+      copy->values = copy_of(copy->values, std::size_t{copy->value_count} * copy->value_size);
     }
   }
 }

@@ -9,7 +9,7 @@
 /// The builders behind `GetFeatureSchema`.
 ///
 /// Asked for no condition, some write `condition` 0 and some leave it as it was; clients rely on
-/// neither, and it is to stay so.
+/// neither, and it is to stay so. Given a number that no feature has, they change nothing.
 
 /// Gives a feature a minimum and a maximum. What `values` points to is not freed.
 /// @throws std::bad_alloc

@@ -235,7 +235,7 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   void ReadSerialNumber();
   void AddVersion();
   __FTRSCAN_IMAGE_SIZE ReadImageSize();
-  void ThrowDeviceError(const char* text);
+  [[noreturn]] void ThrowDeviceError(const char* text);
   [[noreturn]] void Refuse(int number, const char* text);
 
   unsigned int FakeDetectionThreshold() const;

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <new>
 #include <vector>
 
 #include "foundation/bitmap.h"
@@ -78,6 +79,41 @@ TEST_F(BiometricData, AnImageOfAnotherDepthHasItsOwnRowsAndNoPalette) {
   EXPECT_EQ(image.pixel_size, 48U);
   EXPECT_EQ(std::memcmp(image.pixels, bitmap.Pixel(), 48), 0);
 }
+
+TEST_F(BiometricData, TheSizeInTheHeaderOfTheBitmapPlaysNoPart) {
+  bitmap.BI()->biSizeImage = 0;
+  wrap();
+  EXPECT_EQ(data.size, 48U + 24U);
+  EXPECT_EQ(image.pixel_size, 24U);
+  EXPECT_EQ(std::memcmp(image.pixels, bitmap.Pixel(), 24), 0);
+}
+
+/// A header whose pixels no block can hold, though 64 bits make it a small size.
+struct AbsurdHeader {
+  std::int32_t width;
+  std::int32_t height;
+  std::uint16_t bits;
+};
+
+struct AbsurdHeaders : testing::TestWithParam<AbsurdHeader> {};
+
+TEST_P(AbsurdHeaders, AreABadAllocAndTheEnvelopeStays) {
+  tagBITMAPINFOHEADER header{};
+  header.biSize = sizeof(header);
+  header.biWidth = GetParam().width;
+  header.biHeight = GetParam().height;
+  header.biBitCount = GetParam().bits;
+  osvlx3_biometric_data data{};
+  EXPECT_THROW(image2biodata(reinterpret_cast<const unsigned char*>(&header), &data),
+               std::bad_alloc);
+  EXPECT_EQ(data.data, nullptr);
+  EXPECT_EQ(data.tag1, 0U);
+}
+
+// Without a check they come out as -8 bytes, 0 bytes and 0 bytes.
+INSTANTIATE_TEST_SUITE_P(Table, AbsurdHeaders,
+                         testing::Values(AbsurdHeader{5, -1, 8}, AbsurdHeader{-1, 8, 8},
+                                         AbsurdHeader{1 << 30, 1 << 22, 32768}));
 
 TEST(InterfaceVersion, Has257As10And513As20) {
   EXPECT_STREQ(infver2str(0x0101), "1.0");

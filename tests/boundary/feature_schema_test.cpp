@@ -220,6 +220,18 @@ TEST(SchemaBuilders, ASimpleOneWritesNumberAndTextsAndClearsTheRest) {
   EXPECT_FALSE(schema.has_values());
 }
 
+TEST(SchemaBuilders, OfANumberThatNoFeatureHasChangeNothing) {
+  const auto build = {GetLEDFeatureSchema, GetAutoCaptureBeepFeatureSchema,
+                      GetUseFastPreviewMaskFeatureSchema,
+                      GetUseRotateAndCropRolledImageFeatureSchema};
+  for (const auto builder : build) {
+    Schema schema;
+    const osvlx3_feature_schema before = schema.record;
+    builder(77, schema.record, true);
+    EXPECT_EQ(std::memcmp(&schema.record, &before, sizeof(before)), 0);
+  }
+}
+
 TEST(SchemaText, Of300CharactersIsCutAt254AndEnded) {
   std::array<unsigned char, 256> target{};
   target.fill(0xAA);
@@ -265,6 +277,39 @@ TEST(SchemaCopies, HaveTheSameFieldsAndValuesOfTheirOwn) {
   EXPECT_NE(copies.records[0].values, with.record.values);
   EXPECT_EQ(std::memcmp(copies.records[0].values, with.record.values, 8), 0);
   EXPECT_EQ(std::memcmp(&copies.records[1], &without.record, sizeof(without.record)), 0);
+}
+
+TEST(SchemaCopies, HaveAsManyValueBytesAsCountTimesSizeUnderAnyCondition) {
+  unsigned char values[] = {1, 2, 3, 4, 5, 6};
+  osvlx3_feature_schema source{};
+  source.condition = 7;
+  source.value_count = 3;
+  source.value_size = 2;
+  source.values = values;
+  const Copies copies({source});
+  EXPECT_EQ(copies.records[0].condition, 7U);
+  EXPECT_NE(copies.records[0].values, source.values);
+  EXPECT_EQ(std::memcmp(copies.records[0].values, values, sizeof(values)), 0);
+}
+
+TEST(SchemaCopies, WithoutAConditionShareTheValuesOfTheSource) {
+  unsigned char values[] = {1, 2};
+  osvlx3_feature_schema source{};
+  source.value_count = 2;
+  source.value_size = 1;
+  source.values = values;
+  osvlx3_feature_schema* copy = nullptr;
+  CopyFeatures1(&source, 1, &copy);
+  EXPECT_EQ(std::memcmp(copy, &source, sizeof(source)), 0);
+  MAllocPointer::free_memory(copy);
+}
+
+TEST(SchemaCopies, OfAConditionWithoutValuesReadNone) {
+  osvlx3_feature_schema source{};
+  source.condition = 1;
+  const Copies copies({source});
+  EXPECT_EQ(copies.records[0].condition, 1U);
+  EXPECT_EQ(copies.records[0].value_count, 0U);
 }
 
 TEST(SchemaCopies, OfAnEmptyListAreAnArrayToFree) {

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstring>
+
 #include "driver/driver_fixture.h"
 
 namespace Osv::lx {
@@ -39,6 +42,20 @@ TEST_F(Contamination, TakesOneFrameAtDose60AndTurnsItButCorrectsNone) {
                                    "7 KR9 scanner. Calling PrepareImage function",
                                    "ContaminationDetection"));
   EXPECT_THAT(journal("ftrScanGetImageByVariableDose"), ElementsAre(HasSubstr("dose 60")));
+}
+
+TEST_F(Contamination, LeavesTheBitmapOfTheCaptureAlone) {
+  utilities::ClSimpleBitmap bitmap;
+  prepare(bitmap);
+  driver.m_cRawBitmap.SetBlack();  // as no frame is
+  const tagBITMAPINFOHEADER* const block = driver.m_cRawBitmap.BI();
+  const tagBITMAPINFOHEADER header = *block;
+  EXPECT_EQ(driver.ContaminationDetection(1, &level), 0UL);
+  ASSERT_EQ(driver.m_cRawBitmap.BI(), block);
+  EXPECT_EQ(std::memcmp(block, &header, sizeof(header)), 0);
+  const unsigned char* const pixels = driver.m_cRawBitmap.Pixel();
+  EXPECT_TRUE(std::all_of(pixels, pixels + driver.m_cRawBitmap.PixelSize(),
+                          [](unsigned char pixel) { return pixel == 0; }));
 }
 
 TEST_F(Contamination, IsMeasuredOnABitmapWhosePelsWereConvertedTwice) {

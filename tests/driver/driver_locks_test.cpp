@@ -66,6 +66,11 @@ void read_description(Driver& driver, ClSimpleBitmap& /*bitmap*/) {
   EXPECT_EQ(driver.ReadSDKInfo(), 0UL);
 }
 
+void measure(Driver& driver, ClSimpleBitmap& /*bitmap*/) {
+  double level = 0;
+  EXPECT_EQ(driver.ContaminationDetection(1, &level), 0UL);
+}
+
 /// Runs an operation on a thread of its own as far as the moment, and to its end when it is told.
 class DriverLocks : public DriverFixture, public ::testing::WithParamInterface<Moment> {
  protected:
@@ -118,6 +123,8 @@ const Moment kLocking[] = {
     {"ADescriptionAsTheVersionsAreRead", "ftrScanGetVersion", 1, on_a_fresh_driver, describe},
     {"AListAsTheInterfacesAreRead", "ftrScanGetInterfaces", 1, on_a_fresh_driver, list_scanners},
     {"AListAsTheDeviceIsClosed", "ftrScanCloseDevice", 1, on_a_fresh_driver, list_scanners},
+    {"AMeasureAsTheScannerIsOpened", "ftrScanGetInterfaces", 1, on_a_fresh_driver, measure},
+    {"AMeasureAsTheEngineLooks", "ContaminationDetection", 1, on_a_fresh_driver, measure},
 };
 
 INSTANTIATE_TEST_SUITE_P(OfTheDriver, LockingOperations, ::testing::ValuesIn(kLocking),

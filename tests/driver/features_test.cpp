@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <cstdlib>
+#include <utility>
 
 #include "driver/driver_fixture.h"
 #include "support/module_failure.h"
@@ -83,6 +84,15 @@ TEST_F(Features, ProtectedBytesWithoutDataAreRefusedWith60AndAText) {
             (Failure{60, "Data must not be NULL"}));
 }
 
+TEST_F(Features, AWrongCountOfProtectedBytesIsFoundBeforeMissingData) {
+  for (const auto& [count, refusal] : {std::pair{13U, 17UL}, std::pair{15U, 52UL}}) {
+    osvlx3_feature feature{kSecret, 0, count, 1, nullptr};
+    EXPECT_EQ(driver.GetFeature(&feature), refusal);
+    EXPECT_EQ(feature.count, 14U);
+  }
+  expect_untouched_error();
+}
+
 TEST_F(Features, ProtectedBytesUnderAWrongCodeAreRefusedByTheScanner) {
   bytes[0] = 99;
   osvlx3_feature feature = record(kSecret, 14);
@@ -159,6 +169,9 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(BadBytes{kSecret, 14, 2, true, 53}, BadBytes{kSecret, 13, 0, true, 53},
                       BadBytes{kSecret, 13, 1, true, 17}, BadBytes{kSecret, 0, 1, true, 17},
                       BadBytes{kSecret, 15, 1, true, 52}, BadBytes{kSecret, 14, 1, false, 60},
+                      BadBytes{kSecret, 13, 1, false, 17}, BadBytes{kSecret, 15, 1, false, 52},
+                      BadBytes{kSecret, 14, 2, false, 53}, BadBytes{kCode, 7, 2, false, 53},
+                      BadBytes{kCode, 6, 1, false, 17}, BadBytes{kCode, 8, 1, false, 52},
                       BadBytes{kCode, 7, 7, true, 53}, BadBytes{kCode, 6, 1, true, 17},
                       BadBytes{kCode, 8, 1, true, 52}, BadBytes{kCode, 14, 1, true, 52},
                       BadBytes{kCode, 7, 1, false, 60}));

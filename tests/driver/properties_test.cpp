@@ -1,6 +1,8 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "driver/driver_fixture.h"
 
 namespace Osv::lx {
@@ -267,6 +269,19 @@ TEST_P(ClosedProperties, OpenTheScanner) {
     EXPECT_EQ(refusal.GetErrorNumber(), 12);
   }
   EXPECT_TRUE(driver.m_bInitialized);
+}
+
+TEST_P(ClosedProperties, AreLoggedBeforeTheOpeningOnReading) {
+  unsigned int value = 7;
+  failure_of([&] { driver.GetProperty(id(), value); });
+  EXPECT_EQ(story().front(), "7 KR9 scanner. Reading of KR9 scanner property. Property ID: " +
+                                 std::to_string(GetParam()) + ", value: 7");
+}
+
+TEST_P(ClosedProperties, AreLoggedBeforeTheOpeningOnWriting) {
+  failure_of([&] { driver.SetProperty(id(), 1); });
+  EXPECT_EQ(story().front(), "7 KR9 scanner setting of property. Property ID: " +
+                                 std::to_string(GetParam()) + ", value: 1");
 }
 
 INSTANTIATE_TEST_SUITE_P(Numbers, ClosedProperties,

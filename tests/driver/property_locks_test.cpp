@@ -4,6 +4,7 @@
 #include <string>
 #include <thread>
 
+#include "capture/stub_framegrabber.h"
 #include "driver/driver_fixture.h"
 #include "driver/support/mutex_watch.h"
 
@@ -82,6 +83,41 @@ void frame_information(Driver& driver) {
   driver.CurrentFrameInfo(0, 0, &score);
 }
 
+void enable_events(Driver& driver) { driver.EnableEvents(0, 1, nullptr, nullptr); }
+
+void set_camera(Driver& driver) { driver.SetCamera(1, eCamera8, eColorModeGray); }
+
+void set_filter(Driver& driver) { driver.SetFilter(1, eFilterNone); }
+
+void set_resolution(Driver& driver) { driver.SetResolution(1, {}); }
+
+void set_aspect_ratio(Driver& driver) {
+  failure_of([&] { driver.SetAspectRatio(1, 1.0, 1.0); });
+}
+
+void set_callbacks(Driver& driver) { driver.SetCallbacks(1, nullptr, nullptr); }
+
+void refresh_background(Driver& driver) {
+  test::StubFramegrabber grabber;
+  driver.RefreshBackGround(1, grabber);
+}
+
+/// Turns the detection on and off.
+void switch_off(Driver& driver) {
+  driver.SetProperty(ePropLiveliness, 1);
+  driver.SetProperty(ePropLiveliness, 0);
+}
+
+void read_version_when_on(Driver& driver) {
+  driver.m_pLiveDetection->Init();
+  read_version(driver);
+}
+
+void write_level_when_on(Driver& driver) {
+  driver.m_pLiveDetection->Init();
+  write_level(driver);
+}
+
 struct OperationLocks : DriverFixture, ::testing::WithParamInterface<Operation> {};
 
 TEST_P(OperationLocks, AreTakenAsOftenAsTheTableSays) {
@@ -104,7 +140,12 @@ INSTANTIATE_TEST_SUITE_P(
         Operation{"WriteFormat", 0, write_format}, Operation{"ReadSecret", 0, read_secret},
         Operation{"WriteSecret", 0, write_secret}, Operation{"WriteCode", 0, write_code},
         Operation{"ReadVersion", 1, read_version}, Operation{"WriteLevel", 1, write_level},
-        Operation{"Measure", 1, measure}, Operation{"FrameInformation", 0, frame_information}),
+        Operation{"Measure", 1, measure}, Operation{"FrameInformation", 0, frame_information},
+        Operation{"EnableEvents", 0, enable_events}, Operation{"SetCamera", 0, set_camera},
+        Operation{"SetFilter", 0, set_filter}, Operation{"SetResolution", 0, set_resolution},
+        Operation{"SetAspectRatio", 0, set_aspect_ratio},
+        Operation{"SetCallbacks", 0, set_callbacks},
+        Operation{"RefreshBackground", 0, refresh_background}),
     [](const auto& row) { return std::string(row.param.name); });
 
 /// An operation, and a function of a closed library that it calls.
@@ -129,14 +170,17 @@ TEST_P(LockedCalls, HoldTheLockOrNotWhileTheLibraryWorks) {
 
 INSTANTIATE_TEST_SUITE_P(
     Table, LockedCalls,
-    ::testing::Values(LockedCall{"WriteDetection", "FakeFingerDetectionInitialize", write<6>, true},
-                      LockedCall{"WriteSecurityLevel", "FakeFingerDetectionSetPropertyA", write<6>,
-                                 true},
-                      LockedCall{"WriteLED", "ftrScanSetDiodesStatus", write<7>, true},
-                      LockedCall{"WriteLowContrast", "CalibrateSetOption", write<13>, false},
-                      LockedCall{"WriteCode", "ftrScanSetNewAuthorizationCode", write_code, false},
-                      LockedCall{"MeasureFrame", "ftrScanGetImageByVariableDose", measure, true},
-                      LockedCall{"Measure", "ContaminationDetection", measure, true}),
+    ::testing::Values(
+        LockedCall{"WriteDetection", "FakeFingerDetectionInitialize", write<6>, true},
+        LockedCall{"WriteSecurityLevel", "FakeFingerDetectionSetPropertyA", write<6>, true},
+        LockedCall{"WriteDetectionOff", "FakeFingerDetectionDestroyHandle", switch_off, true},
+        LockedCall{"ReadNamed", "FakeFingerDetectionGetPropertyA", read_version_when_on, true},
+        LockedCall{"WriteNamed", "FakeFingerDetectionSetPropertyA", write_level_when_on, true},
+        LockedCall{"WriteLED", "ftrScanSetDiodesStatus", write<7>, true},
+        LockedCall{"WriteLowContrast", "CalibrateSetOption", write<13>, false},
+        LockedCall{"WriteCode", "ftrScanSetNewAuthorizationCode", write_code, false},
+        LockedCall{"MeasureFrame", "ftrScanGetImageByVariableDose", measure, true},
+        LockedCall{"Measure", "ContaminationDetection", measure, true}),
     [](const auto& row) { return std::string(row.param.name); });
 
 }  // namespace

@@ -34,6 +34,16 @@ TEST_F(FeatureValue, WithoutRoomIsAllocatedForTheClient) {
   std::free(feature.data);
 }
 
+TEST_F(FeatureValue, WithACountOf0IsAllocatedAlsoOverRoomThatIsThereAndThatRoomIsNotFreed) {
+  osvlx3_feature feature = record(0, 1);  // room that is not from the heap: to free it is fatal
+  smart_alloc_feature(kValue, feature);
+  ASSERT_NE(feature.data, space.data());
+  EXPECT_EQ(*static_cast<unsigned char*>(feature.data), kValue);
+  EXPECT_EQ(feature.count, 1U);
+  EXPECT_EQ(space[0], 0x11);
+  std::free(feature.data);
+}
+
 TEST_F(FeatureValue, InRoomForFourElementsIsOneByteAndACountOf1) {
   osvlx3_feature feature = record(4, 1);
   smart_alloc_feature(kValue, feature);
