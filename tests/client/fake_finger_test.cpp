@@ -48,7 +48,7 @@ class FakeFinger : public ClientTest {
   }
 
   /// The detector takes the finger for one that lets no light through.
-  void lay_down_fake_finger() { bench.set_faults(std::string(kScoreCall) + " gives 10"); }
+  void lay_down_fake_finger() { bench.set_finger_kind(simulator::eFingerKind::Printed); }
 
   /// One image; the number of events that it raised.
   int events_of_a_snap() {
@@ -85,7 +85,20 @@ TEST_F(FakeFinger, AFakeFingerRaisesTheEventAndItsScoreIsTold) {
   ASSERT_EQ(set(ePropLiveliness, 1), 0U);
   lay_down_fake_finger();
   EXPECT_EQ(events_of_a_snap(), 1);
-  EXPECT_EQ(frame_score().score, 10);
+  EXPECT_GT(frame_score().score, 0);
+  EXPECT_LT(frame_score().score, 48);
+}
+
+TEST_F(FakeFinger, AMouldedFingerPassesAtLevel1) {
+  bench.set_finger_kind(simulator::eFingerKind::Moulded);
+  ASSERT_EQ(set(ePropLiveliness, 1), 0U);
+  EXPECT_EQ(events_of_a_snap(), 0);
+}
+
+TEST_F(FakeFinger, AMouldedFingerRaisesTheEventAtLevel2) {
+  bench.set_finger_kind(simulator::eFingerKind::Moulded);
+  ASSERT_EQ(set(ePropLiveliness, 2), 0U);
+  EXPECT_EQ(events_of_a_snap(), 1);
 }
 
 TEST_F(FakeFinger, AFakeFingerIsDeliveredAsALiveOneIs) {
