@@ -1,3 +1,4 @@
+#include "driver/get_item.h"
 #include "driver/ostrevan_hvk3_sdk.h"
 #include "foundation/exceptions.h"
 #include "ostrevanhvk3/errors.h"
@@ -6,17 +7,13 @@
 namespace Osv::lx {
 namespace {
 
-constexpr unsigned int kChannel = 1;
-constexpr unsigned int kDotsPerInch = 500;
 constexpr char kCaptureFailed[] = "Capture image failed.";
 
 }  // namespace
 
 unsigned long ClOstrevanHVK3SDK::ContaminationDetection(unsigned int channel, double* level) {
   const Guard guard(m_cLock);
-  if (channel != kChannel) {
-    throw ClLXException(error_text::IncorrectChannel, error_number::IncorrectChannel);
-  }
+  get_item(m_cChannels, channel);  // for its refusal of other channels
   if (level == nullptr) {
     throw ClLXException("", error_number::NullPointer);
   }
@@ -40,7 +37,7 @@ void ClOstrevanHVK3SDK::CaptureUncorrected(ClSimpleBitmap& bitmap) {
   CreateRaw(bitmap, size);
   // The engine measures a bitmap whose pels were converted twice, and has to be fed that.
   ClImageResolution resolution;
-  resolution.put_DPI(kDotsPerInch, kDotsPerInch);
+  resolution.put_DPI(m_cnDotsPerInch, m_cnDotsPerInch);
   bitmap.SetResolution(resolution.get_x(), resolution.get_y());
   if (!m_pScanner->GetImageByDose(bitmap.Pixel(), Dose())) {
     ThrowDeviceError(kCaptureFailed);

@@ -12,7 +12,6 @@
 namespace Osv::lx {
 namespace {
 
-constexpr unsigned int kDotsPerInch = 500;
 constexpr unsigned long kBitsPerPixel = 8;
 constexpr int kNoUsableFinger = -15;
 
@@ -158,7 +157,7 @@ void ClOstrevanHVK3SDK::DescribeCamera(ClFrameGrabberChannel& channel,
     camera.m_nTop = 0;
     camera.m_nHeight = static_cast<unsigned int>(size.nHeight);
     camera.m_nWidth = static_cast<unsigned int>(size.nWidth);
-    camera.put_DPI(kDotsPerInch, kDotsPerInch);
+    camera.put_DPI(m_cnDotsPerInch, m_cnDotsPerInch);
   });
 }
 
@@ -321,7 +320,7 @@ void ClOstrevanHVK3SDK::GetRowLiveBitmap(ClSimpleBitmap& bitmap) {
 
 void ClOstrevanHVK3SDK::SnapRefImage(ClSimpleBitmap& bitmap) {
   CreateRaw(bitmap, ReadImageSize());
-  bitmap.SetResolution(kDotsPerInch, kDotsPerInch);
+  bitmap.SetResolution(m_cnDotsPerInch, m_cnDotsPerInch);
   FuzzyImage(bitmap.Pixel());
 }
 

@@ -248,6 +248,8 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   unsigned long WriteAuthorizationCode(const osvlx3_feature& feature);
   void WriteImageDataFormat(const osvlx3_feature& feature);
 
+  static constexpr unsigned int m_cnDotsPerInch = 500;  // in both directions
+
   static void CreateRaw(ClSimpleBitmap& bitmap, const __FTRSCAN_IMAGE_SIZE& size);
   static bool IsWorkersBitmap(const ClFrameGrabberChannel& channel, const ClSimpleBitmap& bitmap);
   bool NeedsPreparation(const ClFrameGrabberChannel& channel, const ClSimpleBitmap& bitmap) const;

@@ -216,8 +216,10 @@ void add_led_options(CLI::App& command, Options& options) {
       ->required();
 }
 
-void add_code_option(CLI::App& command, Options& options, const std::string& description) {
-  command.add_option("--code", options.code, description)->type_name("FILE|-")->required();
+void add_code_option(CLI::App& command, Options& options, const std::string& what) {
+  command.add_option("--code", options.code, "File with the " + what + ", - for standard input")
+      ->type_name("FILE|-")
+      ->required();
   command.add_flag("--hex", options.hex, "The bytes are written as 14 hexadecimal digits");
 }
 

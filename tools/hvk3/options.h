@@ -68,7 +68,7 @@ void add_feature_name(CLI::App& command, Options& options);
 void add_feature_value(CLI::App& command, Options& options);
 void add_level_option(CLI::App& command, Options& options);
 void add_led_options(CLI::App& command, Options& options);
-void add_code_option(CLI::App& command, Options& options, const std::string& description);
+void add_code_option(CLI::App& command, Options& options, const std::string& what);
 void add_secret_option(CLI::App& command, Options& options);
 void add_secret_output_options(CLI::App& command, Options& options);
 /// @}

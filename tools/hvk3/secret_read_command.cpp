@@ -45,7 +45,7 @@ void run(Context& context) {
 void add_options(CLI::App& app, Options& options) {
   add_plugin_options(app, options);
   add_device_option(app, options);
-  add_code_option(app, options, "File with the authorization code, - for standard input");
+  add_code_option(app, options, "authorization code");
   add_secret_output_options(app, options);
 }
 
