@@ -155,7 +155,7 @@ struct Word {
 struct Call {
   std::string function;
   std::string arguments;         ///< in words, as in "handle 1, dose 60"
-  std::string result;            ///< as in "1", "-21, size 219188", "handle 2"
+  std::string result;            ///< as in "1", "-21, size 220064", "handle 2"
   std::uint32_t last_error = 0;  ///< of the scanner library, behind the call
 
   /// As in "ftrScanSetOptions(handle 1, mask 4, flags 4) = 1".
