@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <thread>
 
 #include "driver/driver_fixture.h"
@@ -149,6 +150,13 @@ TEST_F(FakeFingerFrame, AScoreEqualToTheThresholdFiresTheEvent) {
 TEST_F(FakeFingerFrame, AScoreBelowTheThresholdFiresTheEvent) {
   score("49.99");
   fetch();
+  EXPECT_EQ(sink.count, 1);
+}
+
+TEST_F(FakeFingerFrame, AScoreThatIsNoNumberFiresTheEvent) {
+  score("nan");
+  fetch();
+  EXPECT_TRUE(std::isnan(driver.m_dLifeness));
   EXPECT_EQ(sink.count, 1);
 }
 

@@ -33,6 +33,12 @@ class FrameAllocations : public DriverFixture {
 
 TEST_F(FrameAllocations, APlainFrameAllocatesNothing) { EXPECT_EQ(allocations_of_frames(), 0); }
 
+TEST_F(FrameAllocations, AScoredFrameAllocatesItsThreeBitmapsAndNothingElse) {
+  driver.m_pLiveDetection->Init();
+  driver.m_pLiveDetection->SetFakeScore(50);
+  EXPECT_EQ(allocations_of_frames(), 3 * kFrames);
+}
+
 TEST_F(FrameAllocations, TheDirtyFlagAndTheSwitchOfDetectionAllocateNothing) {
   allocations_of_frames();
   const long before = test::allocations_so_far();
