@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "driver/calibration/stream.h"
+#include "foundation/stream.h"
 
 /// @file
 /// The calibration block in a scanner's extended memory.
