@@ -67,9 +67,18 @@ TEST_F(Snap, DrawsHalfBlocksWhenTold) {
 
 TEST_F(Snap, EndsWith4AndTheNumberOfAScannerThatFails) {
   const Outcome outcome =
-      simulate("snap", {"--faults", "ftrScanGetImageByVariableDose fails with 31"});
+      simulate("snap", {"--faults", "ftrScanGetImageByVariableDose fails with 87"});
   EXPECT_EQ(outcome.status, 4);
-  EXPECT_THAT(outcome.error, HasSubstr("error 31: "));
+  EXPECT_THAT(outcome.error, HasSubstr("error 87: "));
+}
+
+TEST_F(Snap, EndsWith3AndTheNumberWhenTheScannerIsUnpluggedMeanwhile) {
+  for (const std::string number : {"31", "259"}) {
+    const Outcome outcome =
+        simulate("snap", {"--faults", "ftrScanGetImageByVariableDose fails with " + number});
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_THAT(outcome.error, HasSubstr(number == "31" ? "error 31: " : "error 2: "));
+  }
 }
 
 TEST_F(Snap, EndsWith4WhenALibraryFailsWithoutAReason) {
