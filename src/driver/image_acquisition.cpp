@@ -173,7 +173,9 @@ bool ClOstrevanHVK3SDK::FuzzyImage(unsigned char* pixels) {
 
 void ClOstrevanHVK3SDK::GetLiveBitmap(ClFrameGrabberChannel& channel, ClSimpleBitmap& bitmap) {
   const Guard guard(m_cLock);
-  // Another thread may have opened a scanner since this bitmap was shaped.
+  // Another thread may have opened or closed a scanner since this bitmap was shaped. A preparation
+  // that fails is judged as a fetch through the dead handle would have been: without a scanner this
+  // is a disconnection.
   if (NeedsPreparation(channel, bitmap)) {
     const unsigned long result = SetActiveChannel(channel, bitmap);
     if (result != 0) {

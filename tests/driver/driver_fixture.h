@@ -36,6 +36,7 @@ struct Driver : ClOstrevanHVK3SDK {
   using ClOstrevanHVK3SDK::kNoActiveChannel;
   using ClOstrevanHVK3SDK::kNoActiveScanner;
   using ClOstrevanHVK3SDK::m_bInitialized;
+  using ClOstrevanHVK3SDK::m_cCBMutex;
   using ClOstrevanHVK3SDK::m_cChannels;
   using ClOstrevanHVK3SDK::m_cLock;
   using ClOstrevanHVK3SDK::m_cRawBitmap;

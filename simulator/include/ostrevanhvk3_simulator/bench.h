@@ -171,7 +171,8 @@ class Bench {
   virtual ~Bench() = default;
 
   /// Brings back the default scene, an empty journal that does not record, no faults and a log that
-  /// goes nowhere. Blocked calls are released, and all scanner handles are gone.
+  /// goes nowhere. Blocked calls are released, and all scanner handles are gone. Their numbers
+  /// start at 1 again, so one that is kept across a reset may come to life.
   virtual void reset() = 0;
 
   /// @name Scanners
@@ -180,7 +181,8 @@ class Bench {
   /// Plugs a scanner in; one that was there is unplugged first. All its handles stay dead.
   virtual void plug_in(unsigned int interface, const Device& device) = 0;
 
-  /// Takes a scanner off. Its handles are dead from now on: every call with them fails with 259.
+  /// Takes a scanner off. Its handles are dead from now on: every call with them but the closing,
+  /// with a buffer that is not null, fails with 259.
   virtual void unplug(unsigned int interface) = 0;
 
   /// Brings back what was last unplugged here, with its memory and settings; LEDs are off.
