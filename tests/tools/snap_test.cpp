@@ -4,7 +4,18 @@
 namespace hvk3::test {
 namespace {
 
-using Snap = Tool;
+class Snap : public Tool {
+ protected:
+  /// What `--show` draws on a terminal with this environment.
+  static std::string drawn_with(const Words& environment) {
+    Words words = {"/usr/bin/env", "--unset=NO_COLOR", "COLORTERM=", "TERM=xterm",
+                   "LC_ALL=C.UTF-8"};
+    words.insert(words.end(), environment.begin(), environment.end());
+    const Words snap = command("snap", {"--show"});
+    words.insert(words.end(), snap.begin(), snap.end());
+    return run(words, {.out = true}).out;
+  }
+};
 
 TEST_F(Snap, TellsSizeResolutionAndBrightness) {
   const Outcome outcome = simulate("snap", {"--empty"});
@@ -58,6 +69,29 @@ TEST_F(Snap, DrawsPlainSignsWhereNoTerminalIs) {
   const Outcome outcome = simulate("snap", {"--empty", "--show"});
   EXPECT_THAT(outcome.out, Not(HasSubstr("\x1b")));
   EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 1 + 35);
+}
+
+TEST_F(Snap, DrawsHalfBlocksIn24BitColoursOnATerminalThatHasThem) {
+  for (const std::string colours : {"truecolor", "24bit"}) {
+    const std::string drawn = drawn_with({"COLORTERM=" + colours});
+    EXPECT_THAT(drawn, HasSubstr("\u2580")) << colours;
+    EXPECT_THAT(drawn, HasSubstr("\x1b[38;2;")) << colours;
+  }
+}
+
+TEST_F(Snap, DrawsHalfBlocksInGraysOfThePaletteOnATerminalOf256Colours) {
+  const std::string drawn = drawn_with({"TERM=xterm-256color"});
+  EXPECT_THAT(drawn, HasSubstr("\u2580"));
+  EXPECT_THAT(drawn, HasSubstr("\x1b[38;5;"));
+}
+
+TEST_F(Snap, DrawsPlainSignsOnATerminalThatCanNotDoBetterOrIsNotTo) {
+  for (const Words& environment : {Words{}, Words{"COLORTERM=truecolor", "NO_COLOR=1"},
+                                   Words{"COLORTERM=truecolor", "LC_ALL=C"}}) {
+    const std::string drawn = drawn_with(environment);
+    EXPECT_THAT(drawn, StartsWith("image: "));
+    EXPECT_THAT(drawn, Not(HasSubstr("\x1b")));
+  }
 }
 
 TEST_F(Snap, DrawsHalfBlocksWhenTold) {
