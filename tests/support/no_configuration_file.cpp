@@ -24,10 +24,16 @@ Function real(const char* name) {
   return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
 }
 
+template <typename Status>
+int look(const char* name, const char* path, Status* status) {
+  using Function = int (*)(const char*, Status*);
+  return real<Function>(name)(meant(path), status);
+}
+
 }  // namespace
 
-// The standard library opens its file streams through one of these, and looks at files through the
-// last two.
+// The standard library opens its file streams through one of these, and looks at files through one
+// of the last two.
 #define HVK3_OPEN_STREAM(name)                                                          \
   extern "C" __attribute__((visibility("default"))) std::FILE* name(const char* path,   \
                                                                     const char* mode) { \
@@ -48,16 +54,17 @@ Function real(const char* name) {
     return real<Function>(#name)(meant(path), flags, mode);                                      \
   }
 
-#define HVK3_STATUS(name, Status)                                                       \
-  extern "C" __attribute__((visibility("default"))) int name(const char* path,          \
-                                                             Status* status) noexcept { \
-    using Function = int (*)(const char*, Status*);                                     \
-    return real<Function>(#name)(meant(path), status);                                  \
-  }
-
 HVK3_OPEN_STREAM(fopen)
 HVK3_OPEN_STREAM(fopen64)
 HVK3_OPEN_DESCRIPTOR(open)
 HVK3_OPEN_DESCRIPTOR(open64)
-HVK3_STATUS(stat, struct stat)
-HVK3_STATUS(stat64, struct stat64)
+
+extern "C" __attribute__((visibility("default"))) int stat(const char* path,
+                                                           struct stat* status) noexcept {
+  return look("stat", path, status);
+}
+
+extern "C" __attribute__((visibility("default"))) int stat64(const char* path,
+                                                             struct stat64* status) noexcept {
+  return look("stat64", path, status);
+}
