@@ -1,6 +1,7 @@
 #include "bench/fault.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <initializer_list>
 #include <limits>
@@ -148,7 +149,7 @@ class FaultReader {
     } else if (is_one_of(kMemorySizeGivers)) {
       m_sFault.effects.number = signed_32_bits();
     } else if (is_one_of(kScoreGivers)) {
-      m_sFault.effects.number = m_cWords.number();
+      m_sFault.effects.number = m_cWords.accept("nan") ? std::nan("") : m_cWords.number();
     } else {
       m_cWords.refuse_here();
     }

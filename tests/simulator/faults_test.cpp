@@ -327,8 +327,9 @@ TEST_F(Faults, ASizeOfMemoryIsAWholeNumber) {
   EXPECT_EQ(refusal("ftrScanGetExtMemorySize gives 42.5"), at("42.5"));
 }
 
-TEST_F(Faults, AScoreIsAFiniteNumber) {
-  for (const std::string number : {"1e999", "inf", "-inf", "nan"}) {
+TEST_F(Faults, AScoreIsAFiniteNumberOrNone) {
+  bench.set_faults("FakeFingerDetectionEvaluateLiveliness gives nan");
+  for (const std::string number : {"1e999", "inf", "-inf", "nano"}) {
     EXPECT_EQ(refusal("ContaminationDetection gives " + number), at(number));
     EXPECT_EQ(refusal("FakeFingerDetectionEvaluateLiveliness gives " + number), at(number));
   }
