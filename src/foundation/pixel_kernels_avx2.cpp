@@ -97,7 +97,7 @@ HVK3_AVX2 void replace_marked(unsigned char* target, const unsigned char* source
 
 HVK3_AVX2 void double_row(const unsigned char* bytes, std::size_t size, unsigned char* first,
                           unsigned char* second) {
-  loops::double_row(bytes, size, first, second);
+  loops::double_row<kVector>(bytes, size, first, second);
 }
 
 /// Four bytes as doubles. Each takes the lowest place of a mantissa, under the exponent of 2^52;
