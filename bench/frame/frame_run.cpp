@@ -28,13 +28,17 @@ void FrameRun::await_end() {
   m_changed.wait(lock, [this] { return m_ended; });
 }
 
-void FrameRun::live_image(int, unsigned int, unsigned char*, void* user) {
+void FrameRun::live_image(int, unsigned int, unsigned char* image, void* user) {
   FrameRun& run = *static_cast<FrameRun*>(user);
-  run.on_frame(run.m_frames);
+  run.on_frame(run.m_frames, image);
   if (++run.m_frames == run.m_wanted) {
     run.m_grabber.Freeze(kChannel, true);
     run.end(nullptr);
   }
+}
+
+void FrameRun::finger(int, unsigned int, int, unsigned char* image, void* user) {
+  static_cast<FrameRun*>(user)->on_finger(image);
 }
 
 void FrameRun::error(int, unsigned int, const char* text, void* user) {

@@ -27,12 +27,15 @@ class FrameRun {
 
  protected:
   /// Each frame, on the worker thread. @param frame counts from 0
-  virtual void on_frame(unsigned long /*frame*/) {}
+  virtual void on_frame(unsigned long /*frame*/, const unsigned char* /*image*/) {}
+
+  /// Each image with a finger, on the worker thread.
+  virtual void on_finger(const unsigned char* /*image*/) {}
 
  private:
   static void live_image(int, unsigned int, unsigned char* image, void* user);
   static void error(int, unsigned int, const char* text, void* user);
-  static void finger(int, unsigned int, int, unsigned char*, void*) {}
+  static void finger(int, unsigned int, int, unsigned char* image, void* user);
   void end(const char* failure);
   void await_end();
 

@@ -13,9 +13,12 @@ constexpr long kGood = 0;
 constexpr long kSmallBuffer = -21;
 constexpr long kNoOption = -37;
 
+Osv::bench::EngineControl g_control;
 int g_engine = 0;
 
 }  // namespace
+
+Osv::bench::EngineControl* ostrevan_bench_engine() { return &g_control; }
 
 void* CalibrateCreate() { return &g_engine; }
 void CalibrateDelete(void**) {}
@@ -29,6 +32,7 @@ long Calibrate(void*, tagBITMAPINFOHEADER* input, unsigned long input_size,
     return kSmallBuffer;
   }
   std::memcpy(output, input, input_size);
+  g_control = {input, output};
   return kGood;
 }
 

@@ -22,6 +22,13 @@ struct ScannerControl {
   std::atomic<bool> busy{false};  ///< true: every frame call is refused with "busy"
   bool clocked = false;           ///< true: note when a frame call returns
   std::int64_t returned_at = 0;   ///< nanoseconds of the steady clock
+  const void* buffer = nullptr;   ///< what the last frame call filled
+};
+
+/// What the calibration engine was given last.
+struct EngineControl {
+  const void* input = nullptr;
+  const void* output = nullptr;
 };
 
 /// What the detector does, and what it was asked.
@@ -35,6 +42,7 @@ struct DetectorControl {
 }  // namespace Osv::bench
 
 OSV_STAND_IN Osv::bench::ScannerControl* ostrevan_bench_scanner();
+OSV_STAND_IN Osv::bench::EngineControl* ostrevan_bench_engine();
 OSV_STAND_IN Osv::bench::DetectorControl* ostrevan_bench_detector();
 
 /// Log lines so far.
