@@ -48,10 +48,10 @@ void ClosedCalls::fetch() { ftrScanGetImageByVariableDose(m_scanner, kDose, raw_
 void ClosedCalls::fetch_dark() { ftrScanGetDarkImage(m_scanner, raw_pixels()); }
 void ClosedCalls::fetch_backlight() { ftrScanGetBacklightImage(m_scanner, raw_pixels()); }
 
-void ClosedCalls::calibrate() {
-  unsigned long room = m_image.size();
+void ClosedCalls::calibrate_into(ClosedCalls& other) {
+  unsigned long room = other.m_image.size();
   Calibrate(m_engine, reinterpret_cast<tagBITMAPINFOHEADER*>(m_raw.data()), m_raw.size(),
-            reinterpret_cast<tagBITMAPINFOHEADER*>(m_image.data()), &room);
+            reinterpret_cast<tagBITMAPINFOHEADER*>(other.m_image.data()), &room);
 }
 
 }  // namespace Osv::bench

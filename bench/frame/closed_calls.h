@@ -21,7 +21,10 @@ class ClosedCalls {
   void fetch_backlight();
 
   /// The raw frame into the corrected image.
-  void calibrate();
+  void calibrate() { calibrate_into(*this); }
+
+  /// The raw frame into the corrected image of `other`.
+  void calibrate_into(ClosedCalls& other);
 
   Size size() const { return m_size; }
   unsigned char* raw_pixels();

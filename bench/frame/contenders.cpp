@@ -114,9 +114,10 @@ class OpenCvLoop : public Loop {
   eCaptureModeIDs m_mode;
 };
 
+/// All images are fetched before the first is corrected, so it has three raw frames.
 class BareFakeFingerLoop : public Loop {
  public:
-  explicit BareFakeFingerLoop(const Size& size) : Loop(size) {
+  explicit BareFakeFingerLoop(const Size& size) : Loop(size), m_dark(size), m_backlight(size) {
     FakeFingerDetectionCreateHandle(&m_detector);
   }
 
@@ -126,12 +127,12 @@ class BareFakeFingerLoop : public Loop {
     constexpr std::int32_t kBacklight = 1;
     constexpr std::int32_t kDark = 2;
     CalibrateSetOption(nullptr, "DynamicFingerMask = false");
-    m_calls.fetch_dark();
-    m_calls.fetch_backlight();
+    m_dark.fetch_dark();
+    m_backlight.fetch_backlight();
     m_calls.fetch();
-    push(kBacklight);
-    push(kDark);
-    push(kDose);
+    push(m_backlight, kBacklight);
+    push(m_dark, kDark);
+    push(m_calls, kDose);
     double score = 0;
     FakeFingerDetectionEvaluateLiveliness(m_detector, &score);
     CalibrateSetOption(nullptr, "DynamicFingerMask = true");
@@ -141,11 +142,13 @@ class BareFakeFingerLoop : public Loop {
   }
 
  private:
-  void push(std::int32_t kind) {
-    m_calls.calibrate();
+  void push(ClosedCalls& calls, std::int32_t kind) {
+    calls.calibrate_into(m_calls);
     FakeFingerDetectionSetImage(m_detector, kind, m_calls.image_header(), m_calls.image_size());
   }
 
+  ClosedCalls m_dark;
+  ClosedCalls m_backlight;
   void* m_detector = nullptr;
 };
 

@@ -21,5 +21,6 @@ int main(int argc, char** argv) {
                          {"fake-finger", &bench::fake_finger},
                          {"threshold", &bench::threshold},
                          {"memory", &bench::memory},
+                         {"start", &bench::start},
                          {"listing", &bench::listing}});
 }

@@ -21,7 +21,7 @@ std::vector<Row> lock();         ///< how long a client waits for the driver's l
 std::vector<Row> fake_finger();  ///< what the path with fake finger detection adds
 std::vector<Row> threshold();    ///< the search on the detector's curves
 std::vector<Row> memory();       ///< what the library keeps resident
+std::vector<Row> start();        ///< from nothing to the first image
 std::vector<Row> listing();      ///< of 1, 8 and 128 interfaces
-std::vector<Row> start();        ///< from nothing to the first image, and to the end
 
 }  // namespace Osv::bench

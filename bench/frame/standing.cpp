@@ -42,7 +42,45 @@ class ResidentRun : public FrameRun {
   double m_resident = 0;
 };
 
+/// Notes when its first frame comes.
+class FirstFrame : public FrameRun {
+ public:
+  using FrameRun::FrameRun;
+
+  std::int64_t time() const { return m_time; }
+
+ protected:
+  void on_frame(unsigned long /*frame*/, const unsigned char* /*image*/) override {
+    m_time = now();
+  }
+
+ private:
+  std::int64_t m_time = 0;
+};
+
 }  // namespace
+
+std::vector<Row> start() {
+  constexpr int kTimes = 15;
+  constexpr double kMilli = 1e-6;
+  constexpr double kMiddle = 0.5;
+  std::vector<Row> rows;
+  for (const Size& size : usual_sizes()) {
+    set_frame_size(size);
+    ClosedCalls(size).fetch();  // makes the stand-in's own frame
+    std::vector<double> times;
+    for (int i = 0; i < kTimes; ++i) {
+      const std::int64_t begin = now();
+      Session session(size);
+      FirstFrame first(session.grabber());
+      first.run(eCaptureLive, 1);
+      times.push_back(static_cast<double>(first.time() - begin) * kMilli);
+    }
+    rows.push_back({"start on free stand-ins", size.text(), "dlopen to the first image",
+                    quantile(times, kMiddle), "ms"});
+  }
+  return rows;
+}
 
 std::vector<Row> memory() {
   constexpr double kBitmaps = 2;
