@@ -8,6 +8,7 @@
 #include "foundation/exceptions.h"
 #include "foundation/image_functions.h"
 #include "foundation/logging_client.h"
+#include "foundation/pixel_kernels.h"
 #include "ostrevanhvk3/errors.h"
 
 namespace Osv::lx {
@@ -296,12 +297,7 @@ void ClOstrevanHVK3SDK::ScoreFinger(CXCalibration& calibration, LDImages& images
 void ClOstrevanHVK3SDK::PrepareImage(ClSimpleBitmap& bitmap) {
   OSV_LOG(OsvLFTrace, "KR9 scanner. Calling PrepareImage function");
   // The middle row of an odd height is neither moved nor complemented, and is to stay so.
-  const unsigned long stride = bitmap.BPRow();
-  const unsigned long height = bitmap.Height();
-  unsigned char* const pixels = bitmap.Pixel();
-  for (unsigned long row = 0; row < height / 2; ++row) {
-    img::swap_and_invert_rows(pixels + row * stride, pixels + (height - 1 - row) * stride, stride);
-  }
+  img::pixel_kernels().flip_and_invert(bitmap.Pixel(), bitmap.BPRow(), bitmap.Height());
 }
 
 void ClOstrevanHVK3SDK::ResetLD(ClSimpleBitmap& bitmap) {
