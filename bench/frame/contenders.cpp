@@ -1,6 +1,7 @@
 #include "contenders.h"
 
 #include <algorithm>
+#include <cstring>
 #include <ctime>
 #include <limits>
 #include <opencv2/core.hpp>
@@ -32,9 +33,8 @@ void make_pause() {
   nanosleep(&none, nullptr);
 }
 
-/// What stands in for the client's callbacks; the compiler must not see that they do nothing.
-volatile const unsigned char* g_shown = nullptr;
-void show(const unsigned char* image) { g_shown = image; }
+/// What stands in for the client's callbacks: looks at the image, as far as the compiler can tell.
+void show(const unsigned char* image) { asm volatile("" : : "r"(image) : "memory"); }
 
 /// A loop on a thread of its own, as the plug-in has one.
 class Loop : public Contender {
@@ -80,6 +80,19 @@ class BareLoop : public Loop {
     m_calls.fetch();
     m_calls.calibrate();
     deliver();
+  }
+};
+
+class CopyingLoop : public BareLoop {
+ public:
+  using BareLoop::BareLoop;
+
+ protected:
+  void frame() override {
+    BareLoop::frame();
+    const std::unique_ptr<unsigned char[]> copy(new unsigned char[m_calls.image_size()]);
+    std::memcpy(copy.get(), m_calls.image(), m_calls.image_size());
+    show(copy.get());
   }
 };
 
@@ -221,6 +234,10 @@ std::unique_ptr<Contender> plugin(lx::ClFramegrabber& grabber, eCaptureModeIDs m
 }
 
 std::unique_ptr<Contender> bare_loop(const Size& size) { return std::make_unique<BareLoop>(size); }
+
+std::unique_ptr<Contender> copying_loop(const Size& size) {
+  return std::make_unique<CopyingLoop>(size);
+}
 
 std::unique_ptr<Contender> opencv_loop(const Size& size, eCaptureModeIDs mode) {
   return std::make_unique<OpenCvLoop>(size, mode);

@@ -42,6 +42,9 @@ std::unique_ptr<Contender> plugin(lx::ClFramegrabber& grabber, eCaptureModeIDs m
 /// The closed calls and nothing else.
 std::unique_ptr<Contender> bare_loop(const Size& size);
 
+/// The same, and the one copy of the image that plain mode makes.
+std::unique_ptr<Contender> copying_loop(const Size& size);
+
 /// What an integrator would write: flip and complement in place, and in plain mode a copy of the
 /// image and the mean of its middle row.
 std::unique_ptr<Contender> opencv_loop(const Size& size, eCaptureModeIDs mode);

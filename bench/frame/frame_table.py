@@ -16,7 +16,7 @@ LIVE = "growth, frame, live"
 
 def read_runs(folder):
     rows = []
-    for path in sorted(folder.glob("*.json")):
+    for path in sorted(folder.glob("*.json"), key=lambda path: path.stat().st_mtime_ns):
         rows += json.loads(path.read_text())
     return rows
 

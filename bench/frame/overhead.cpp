@@ -21,6 +21,7 @@ struct Times {
   double opencv;
   double plugin;
   double preparation;
+  double copying;
 };
 
 Times compare(const Size& size, eCaptureModeIDs mode, int rounds) {
@@ -30,9 +31,11 @@ Times compare(const Size& size, eCaptureModeIDs mode, int rounds) {
   const auto opencv = opencv_loop(size, mode);
   const auto ours = plugin(session.grabber(), mode);
   const auto prepare = preparation(size);
-  const std::vector<double> best = compete({bare.get(), opencv.get(), ours.get(), prepare.get()},
-                                           rounds, frames_of_a_round(size));
-  return {best[0], best[1], best[2], best[3]};
+  const auto copying = copying_loop(size);
+  const std::vector<double> best =
+      compete({bare.get(), opencv.get(), ours.get(), prepare.get(), copying.get()}, rounds,
+              frames_of_a_round(size));
+  return {best[0], best[1], best[2], best[3], best[4]};
 }
 
 void add_rows(std::vector<Row>& rows, const Size& size, eCaptureModeIDs mode, const Times& times) {
@@ -50,6 +53,9 @@ void add_rows(std::vector<Row>& rows, const Size& size, eCaptureModeIDs mode, co
   add("OpenCV loop (b)", times.opencv * kMicro, "us");
   add("plug-in", times.plugin * kMicro, "us");
   add("PrepareImage alone", preparation, "us");
+  if (mode == eCapturePlain) {
+    add("allocation + memcpy alone", (times.copying - times.bare) * kMicro, "us");
+  }
   add("overhead of (b)", theirs, "us");
   add("overhead of the plug-in", overhead, "us",
       mode == eCaptureLive ? kShareOfPreparation * preparation + kAllowance : -1);

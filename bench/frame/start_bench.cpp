@@ -128,6 +128,7 @@ std::vector<Row> listing() {
     plug_in(*ostrevan_simulator_bench(), scanners);
     list_all(plugin.grabber());  // the simulator makes its scanners at the first look
     std::vector<double> times;
+    times.reserve(kTimes);
     for (int i = 0; i < kTimes; ++i) {
       times.push_back(list_all(plugin.grabber()));
     }
