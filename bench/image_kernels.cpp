@@ -42,16 +42,17 @@ bool same_pixels(const ClSimpleBitmap& a, const ClSimpleBitmap& b) {
   return a.PixelSize() == b.PixelSize() && std::memcmp(a.Pixel(), b.Pixel(), a.PixelSize()) == 0;
 }
 
+using InPlace = std::function<void(ClSimpleBitmap&)>;
+
 /// A kernel that works in place, with all its candidates but the limit checked.
-Kernel in_place(const std::string& name, bool turn, bool complement,
-                const std::function<void(ClSimpleBitmap&)>& ours,
-                const std::function<void(ClSimpleBitmap&)>& opencv) {
-  return {name, {"ours", "limit", "OpenCV"}, [=](Size size) {
+Kernel in_place(const std::string& name, bool turn, bool complement, const InPlace& ours,
+                const InPlace& sse2, const InPlace& opencv) {
+  return {name, {"ours", "SSE2", "OpenCV", "limit"}, [=](Size size) {
             const std::vector<Candidate> candidates{
-                {"ours", ours}, {"OpenCV", opencv}, {"limit", limit_in_place}};
+                {"ours", ours}, {"SSE2", sse2}, {"OpenCV", opencv}, {"limit", limit_in_place}};
             const ClSimpleBitmap frame = noise(size, 7);
             const ClSimpleBitmap expected = plainly(frame, turn, complement);
-            for (const Candidate& candidate : std::span(candidates).first(2)) {
+            for (const Candidate& candidate : std::span(candidates).first(3)) {
               ClSimpleBitmap out = frame;
               candidate.work(out);
               require(same_pixels(out, expected), name + " by " + candidate.name);
@@ -60,22 +61,26 @@ Kernel in_place(const std::string& name, bool turn, bool complement,
           }};
 }
 
+const img::PixelKernels& sse2() { return img::pixel_kernels(InstructionSet::kSse2); }
+
 Kernel prepare_image() {
-  return in_place(
-      "PrepareImage", true, true,
-      [](ClSimpleBitmap& frame) {
-        img::pixel_kernels().flip_and_invert(frame.Pixel(), frame.BPRow(), frame.Height());
-      },
-      [](ClSimpleBitmap& frame) {
-        cv::Mat mat = mat_of(frame);
-        cv::flip(mat, mat, 0);
-        cv::bitwise_not(mat, mat);
-      });
+  const auto prepare = [](const img::PixelKernels& kernels) {
+    return [&kernels](ClSimpleBitmap& frame) {
+      kernels.flip_and_invert(frame.Pixel(), frame.BPRow(), frame.Height());
+    };
+  };
+  return in_place("PrepareImage", true, true, prepare(img::pixel_kernels()), prepare(sse2()),
+                  [](ClSimpleBitmap& frame) {
+                    cv::Mat mat = mat_of(frame);
+                    cv::flip(mat, mat, 0);
+                    cv::bitwise_not(mat, mat);
+                  });
 }
 
 Kernel flip() {
   return in_place(
       "FlipY", true, false, [](ClSimpleBitmap& frame) { frame.FlipY(); },
+      [](ClSimpleBitmap& frame) { sse2().flip(frame.Pixel(), frame.BPRow(), frame.Height()); },
       [](ClSimpleBitmap& frame) {
         cv::Mat mat = mat_of(frame);
         cv::flip(mat, mat, 0);
@@ -85,6 +90,7 @@ Kernel flip() {
 Kernel invert() {
   return in_place(
       "Invert", false, true, [](ClSimpleBitmap& frame) { frame.Invert(); },
+      [](ClSimpleBitmap& frame) { sse2().invert(frame.Pixel(), frame.PixelSize()); },
       [](ClSimpleBitmap& frame) {
         cv::Mat mat = mat_of(frame);
         cv::bitwise_not(mat, mat);

@@ -13,7 +13,8 @@ namespace Osv::bench {
 
 /// One way to do a kernel's work on a frame. It may change the frame, which is noise at first.
 struct Candidate {
-  std::string name;  ///< "ours", "limit" or the name of a library
+  /// "ours", "SSE2" for ours with that instruction set, "limit", or the name of a library.
+  std::string name;
   std::function<void(utilities::ClSimpleBitmap&)> work;
 };
 

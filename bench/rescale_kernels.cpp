@@ -38,19 +38,22 @@ Candidate write_of(Size size) {
 
 /// By five to four or four to five. OpenCV reckons in fixed point, so its pixels are others.
 Kernel bilinear(const std::string& name, unsigned long numerator, unsigned long denominator) {
-  return {name, {"ours", "limit", "OpenCV"}, [=](Size size) {
+  return {name, {"ours", "SSE2", "limit", "OpenCV"}, [=](Size size) {
             const Size target{size.width * numerator / denominator,
                               size.height * numerator / denominator};
             const ClSimpleBitmap frame = noise(size, 7);
             require_equal(utilities::interpolated(frame, target.width, target.height),
                           testing_support::reference_bilinear(frame, target.width, target.height),
                           name);
+            const auto interpolate = [target](const img::PixelKernels& kernels) {
+              return [target, &kernels](ClSimpleBitmap& in) {
+                utilities::interpolated(in, target.width, target.height, kernels);
+              };
+            };
             const auto scaled = std::make_shared<cv::Mat>();
             return std::vector<Candidate>{
-                {"ours",
-                 [target](ClSimpleBitmap& in) {
-                   utilities::interpolated(in, target.width, target.height);
-                 }},
+                {"ours", interpolate(img::pixel_kernels())},
+                {"SSE2", interpolate(img::pixel_kernels(InstructionSet::kSse2))},
                 write_of(target),
                 {"OpenCV", [target, scaled](ClSimpleBitmap& in) {
                    cv::resize(mat_of(in), *scaled,
@@ -68,7 +71,7 @@ void scale_plane(ClSimpleBitmap& in, ClSimpleBitmap& out) {
 }
 
 Kernel doubling() {
-  return {"Rescale doubling", {"ours", "limit", "libyuv"}, [](Size size) {
+  return {"Rescale doubling", {"ours", "SSE2", "limit", "libyuv"}, [](Size size) {
             const Size target{2 * size.width, 2 * size.height};
             ClSimpleBitmap frame = noise(size, 7);
             const ClSimpleBitmap expected = testing_support::reference_double(frame);
@@ -79,6 +82,10 @@ Kernel doubling() {
             require_equal(*out, expected, "ScalePlane");
             return std::vector<Candidate>{
                 {"ours", [](ClSimpleBitmap& in) { utilities::doubled(in); }},
+                {"SSE2",
+                 [](ClSimpleBitmap& in) {
+                   utilities::doubled(in, img::pixel_kernels(InstructionSet::kSse2));
+                 }},
                 write_of(target),
                 {"libyuv", [out](ClSimpleBitmap& in) { scale_plane(in, *out); }}};
           }};

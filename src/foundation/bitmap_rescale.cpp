@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "foundation/exceptions.h"
-#include "foundation/pixel_kernels.h"
 
 /// @file
 /// Rescaling. Results are kept bit for bit, so the order of the arithmetic matters.
@@ -161,8 +160,8 @@ class ColumnTables {
 /// The rows of a picture, blended across to the width of the target and kept as doubles.
 class BlendedRows {
  public:
-  BlendedRows(const ClSimpleBitmap& source, unsigned long width)
-      : m_source(source), m_columns(source.Width(), width) {
+  BlendedRows(const ClSimpleBitmap& source, unsigned long width, const img::PixelKernels& kernels)
+      : m_kernels(kernels), m_source(source), m_columns(source.Width(), width) {
     for (Row& row : m_rows) {
       row.columns.resize(m_columns.size());
     }
@@ -173,7 +172,7 @@ class BlendedRows {
   const img::BlendedColumns* row(unsigned long y) {
     Row& row = m_rows[y % m_rows.size()];
     if (row.y != y) {
-      img::pixel_kernels().blend_across(m_source.row(y), m_columns.blends(), row.columns.data());
+      m_kernels.blend_across(m_source.row(y), m_columns.blends(), row.columns.data());
       row.y = y;
     }
     return row.columns.data();
@@ -185,6 +184,7 @@ class BlendedRows {
     std::vector<img::BlendedColumns> columns;
   };
 
+  const img::PixelKernels& m_kernels;
   GrayRows m_source;
   ColumnTables m_columns;
   std::array<Row, 2> m_rows;
@@ -199,12 +199,12 @@ void put_row(ClSimpleBitmap& target, unsigned long y, const std::vector<unsigned
 
 /// Rows of the target, each blended from two. At 8 bits a gray is its own index in the ramp, so a
 /// row is blended where it is to lie.
-void blend_rows(const ClSimpleBitmap& source, ClSimpleBitmap& target) {
-  const auto blend_down = img::pixel_kernels().blend_down;
+void blend_rows(const ClSimpleBitmap& source, ClSimpleBitmap& target,
+                const img::PixelKernels& kernels) {
   const unsigned long width = target.Width();
   const unsigned long stride = target.BPRow();
   const bool in_place = target.BitCount() == 8;
-  BlendedRows rows(source, width);
+  BlendedRows rows(source, width, kernels);
   const Axis down(source.Height(), target.Height());
   std::vector<unsigned char> grays(in_place ? 0 : width);
   for (unsigned long y = 0; y < target.Height(); ++y) {
@@ -213,28 +213,29 @@ void blend_rows(const ClSimpleBitmap& source, ClSimpleBitmap& target) {
     const img::BlendedColumns* const bottom = rows.row(row.second);
     unsigned char* const out = target.Pixel() + y * stride;
     std::memset(out + (in_place ? width : 0), 0, stride - (in_place ? width : 0));
-    blend_down(top, row.first_weight, bottom, row.second_weight, in_place ? out : grays.data(),
-               width);
+    kernels.blend_down(top, row.first_weight, bottom, row.second_weight,
+                       in_place ? out : grays.data(), width);
     put_row(target, y, grays);
   }
 }
 
 /// A target side of 1 would divide by zero, and a source without pixels has none to blend: black.
-void interpolate(const ClSimpleBitmap& source, ClSimpleBitmap& target) {
+void interpolate(const ClSimpleBitmap& source, ClSimpleBitmap& target,
+                 const img::PixelKernels& kernels) {
   if (target.Width() == 1 || target.Height() == 1 || source.PixelSize() == 0) {
     target.SetBlack();
   } else {
-    blend_rows(source, target);
+    blend_rows(source, target, kernels);
   }
 }
 
-void repeat_pixels(const ClSimpleBitmap& source, ClSimpleBitmap& target) {
-  const auto double_row = img::pixel_kernels().double_row;
+void repeat_pixels(const ClSimpleBitmap& source, ClSimpleBitmap& target,
+                   const img::PixelKernels& kernels) {
   const unsigned long bytes = (source.Width() * source.BitCount() + 7) / 8;
   const unsigned long stride = target.BPRow();
   for (unsigned long y = 0; y < source.Height(); ++y) {
     unsigned char* const first = target.Pixel() + 2 * y * stride;
-    double_row(source.Pixel() + y * source.BPRow(), bytes, first, first + stride);
+    kernels.double_row(source.Pixel() + y * source.BPRow(), bytes, first, first + stride);
     std::memset(first + 2 * bytes, 0, stride - 2 * bytes);
     std::memset(first + stride + 2 * bytes, 0, stride - 2 * bytes);
   }
@@ -251,18 +252,18 @@ void check_size(unsigned long width, unsigned long height) {
 
 }  // namespace
 
-ClSimpleBitmap interpolated(const ClSimpleBitmap& source, unsigned long width,
-                            unsigned long height) {
+ClSimpleBitmap interpolated(const ClSimpleBitmap& source, unsigned long width, unsigned long height,
+                            const img::PixelKernels& kernels) {
   ClSimpleBitmap target;
   target.Create(width, height, source.BitCount(), 0);
-  interpolate(source, target);
+  interpolate(source, target, kernels);
   return target;
 }
 
-ClSimpleBitmap doubled(const ClSimpleBitmap& source) {
+ClSimpleBitmap doubled(const ClSimpleBitmap& source, const img::PixelKernels& kernels) {
   ClSimpleBitmap target;
   target.Create(2 * source.Width(), 2 * source.Height(), source.BitCount(), 0);
-  repeat_pixels(source, target);
+  repeat_pixels(source, target, kernels);
   return target;
 }
 

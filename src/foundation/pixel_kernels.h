@@ -12,7 +12,7 @@
 namespace Osv::img {
 
 /// Columns that are blended together.
-inline constexpr std::size_t kBlendedTogether = 4;
+inline constexpr std::size_t kBlendedTogether = 8;
 
 /// Values of columns that are blended together.
 struct alignas(kBlendedTogether * sizeof(double)) BlendedColumns {

@@ -39,7 +39,7 @@ void replace_marked(unsigned char* target, const unsigned char* source, const un
 
 void double_row(const unsigned char* bytes, std::size_t size, unsigned char* first,
                 unsigned char* second) {
-  loops::double_row(bytes, size, first, second);
+  loops::double_row<kVector>(bytes, size, first, second);
 }
 
 void blend_across(const unsigned char* row, const ColumnBlends& blends, BlendedColumns* out) {

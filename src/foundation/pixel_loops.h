@@ -45,8 +45,22 @@ HVK3_LOOP void invert_bytes(unsigned char* bytes, std::size_t size) {
   }
 }
 
-/// Complements whole aligned vectors, and before them, from what was there at first, the vectors at
-/// both ends, which overlap them.
+/// The same for whole vectors, several at once where there are.
+template <std::size_t kVector>
+HVK3_LOOP void invert_vectors(unsigned char* vectors, std::size_t size) {
+  constexpr std::size_t kAtOnce = 4 * kVector;
+  auto* const aligned = static_cast<unsigned char*>(__builtin_assume_aligned(vectors, kVector));
+  std::size_t i = 0;
+  for (; i + kAtOnce <= size; i += kAtOnce) {
+    invert_bytes(aligned + i, kAtOnce);
+  }
+  for (; i < size; i += kVector) {
+    invert_bytes(aligned + i, kVector);
+  }
+}
+
+/// Complements whole aligned vectors, and then, from what was there at first, the vectors at both
+/// ends, which overlap them.
 template <std::size_t kVector>
 HVK3_LOOP void invert(unsigned char* bytes, std::size_t size) {
   if (size < 2 * kVector) {
@@ -56,9 +70,7 @@ HVK3_LOOP void invert(unsigned char* bytes, std::size_t size) {
   const Held<kVector> head(bytes);
   const Held<kVector> tail(bytes + size - kVector);
   const std::size_t begin = unaligned_bytes<kVector>(bytes);
-  auto* const aligned =
-      static_cast<unsigned char*>(__builtin_assume_aligned(bytes + begin, kVector));
-  invert_bytes(aligned, (size - begin) / kVector * kVector);
+  invert_vectors<kVector>(bytes + begin, (size - begin) / kVector * kVector);
   head.put(bytes, kComplement);
   tail.put(bytes + size - kVector, kComplement);
 }
@@ -105,7 +117,7 @@ HVK3_LOOP void fetch_row(const unsigned char* row, std::size_t size) {
 
 /// Frames from this size on are fetched ahead. Smaller ones fit into the second cache, where
 /// whoever has just written them has left them, and asking again would only take time.
-constexpr std::size_t kFetchedFrame = 512 * 1024;
+constexpr std::size_t kFetchedFrame = 512UL * 1024;
 
 /// Bytes between what is fetched and what is worked on.
 constexpr std::size_t kFetchedAhead = 2048;
@@ -184,12 +196,22 @@ HVK3_LOOP void replace_marked(unsigned char* __restrict target,
   }
 }
 
-HVK3_LOOP void double_row(const unsigned char* __restrict bytes, std::size_t size,
-                          unsigned char* __restrict first, unsigned char* __restrict second) {
+HVK3_LOOP void double_bytes(const unsigned char* __restrict bytes, std::size_t size,
+                            unsigned char* __restrict first, unsigned char* __restrict second) {
   for (std::size_t i = 0; i < size; ++i) {
     first[2 * i] = first[2 * i + 1] = bytes[i];
     second[2 * i] = second[2 * i + 1] = bytes[i];
   }
+}
+
+/// Apart what comes before the first aligned vector of the output.
+template <std::size_t kVector>
+HVK3_LOOP void double_row(const unsigned char* bytes, std::size_t size, unsigned char* first,
+                          unsigned char* second) {
+  const std::size_t unaligned = unaligned_bytes<kVector>(first) / 2;
+  const std::size_t begin = unaligned < size ? unaligned : size;
+  double_bytes(bytes, begin, first, second);
+  double_bytes(bytes + begin, size - begin, first + 2 * begin, second + 2 * begin);
 }
 
 HVK3_LOOP void blend_across(const unsigned char* row, const ColumnBlends& blends,
