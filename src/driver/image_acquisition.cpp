@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 #include "driver/get_item.h"
 #include "driver/ostrevan_hvk3_sdk.h"
@@ -34,10 +35,21 @@ unsigned char* bytes(const utilities::ClSimpleBitmap& bitmap) {
 
 }  // namespace
 
-struct ClOstrevanHVK3SDK::LDImages {
-  ClSimpleBitmap dose;
-  ClSimpleBitmap dark;
-  ClSimpleBitmap backlight;
+/// The images of the frame before, whose memory is at hand, lent for one frame. A frame that the
+/// event callback takes inside of another finds none there and makes its own.
+class ClOstrevanHVK3SDK::LDImagesLoan {
+ public:
+  explicit LDImagesLoan(std::unique_ptr<LDImages>& kept)
+      : m_kept(kept), m_images(kept == nullptr ? std::make_unique<LDImages>() : std::move(kept)) {}
+  ~LDImagesLoan() { m_kept = std::move(m_images); }
+  LDImagesLoan(const LDImagesLoan&) = delete;
+  LDImagesLoan& operator=(const LDImagesLoan&) = delete;
+
+  LDImages& get() { return *m_images; }
+
+ private:
+  std::unique_ptr<LDImages>& m_kept;
+  std::unique_ptr<LDImages> m_images;
 };
 
 /// Refuses sizes that no frame has, `Create` the negative ones: the scanner would fill a buffer
@@ -48,6 +60,15 @@ void ClOstrevanHVK3SDK::CreateRaw(ClSimpleBitmap& bitmap, const __FTRSCAN_IMAGE_
   }
   bitmap.Create(static_cast<unsigned long>(size.nWidth), static_cast<unsigned long>(size.nHeight),
                 kBitsPerPixel, 0);
+}
+
+/// Keeps a bitmap that has the size already: memory that goes back and comes again for each frame
+/// comes as new pages, which take longer than all that is done to them.
+void ClOstrevanHVK3SDK::ShapeRaw(ClSimpleBitmap& bitmap, const __FTRSCAN_IMAGE_SIZE& size) {
+  if (bitmap.Empty() || bitmap.Width() != static_cast<unsigned long>(size.nWidth) ||
+      bitmap.Height() != static_cast<unsigned long>(size.nHeight)) {
+    CreateRaw(bitmap, size);
+  }
 }
 
 bool ClOstrevanHVK3SDK::IsDirty(ClFrameGrabberChannel& channel) {
@@ -218,13 +239,14 @@ void ClOstrevanHVK3SDK::CaptureLDBmp(ClSimpleBitmap& bitmap) {
 }
 
 void ClOstrevanHVK3SDK::CaptureAndScore(ClSimpleBitmap& bitmap) {
-  LDImages images;
+  LDImagesLoan loan(m_pLDImages);
+  LDImages& images = loan.get();
   const __FTRSCAN_IMAGE_SIZE size = ReadImageSize();
   const auto calibration = Calibration();
   const CXDisableDynCalibration withoutDynCalibration(*calibration);
-  CreateRaw(images.dose, size);
-  CreateRaw(images.dark, size);
-  CreateRaw(images.backlight, size);
+  ShapeRaw(images.dose, size);
+  ShapeRaw(images.dark, size);
+  ShapeRaw(images.backlight, size);
   if (!FetchLDImages(images) && CheckScannerError(m_pScanner->GetLastError())) {
     bitmap.SetWhite();
     ResetLD(bitmap);
@@ -237,7 +259,7 @@ void ClOstrevanHVK3SDK::CaptureAndScore(ClSimpleBitmap& bitmap) {
 }
 
 /// Stops at the first image that can't be had. What the buffers hold then is scored all the same
-/// for one error number, so they begin black and not with whatever the memory held.
+/// for one error number, so they begin black and not with an earlier frame.
 bool ClOstrevanHVK3SDK::FetchLDImages(LDImages& images) {
   images.dark.SetBlack();
   images.backlight.SetBlack();
