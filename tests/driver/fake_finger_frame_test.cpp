@@ -46,6 +46,16 @@ struct EventSink {
   }
 };
 
+/// Takes an image of its own from inside the first event, and switches detection off.
+void snap_and_switch_off(int, unsigned int channel, eFGs, unsigned int, void* user) {
+  auto& driver = *static_cast<Driver*>(user);
+  driver.EnableEvents(0, 0, nullptr, nullptr);
+  unsigned char* image = nullptr;
+  driver.Snap(channel, &image);
+  delete[] image;
+  driver.SetProperty(ePropLiveliness, 0);
+}
+
 /// A prepared channel with fake finger detection on and the threshold at 50.
 class FakeFingerFrame : public DriverFixture {
  protected:
@@ -181,6 +191,15 @@ TEST_F(FakeFingerFrame, AFakeFingerIsDeliveredAllTheSame) {
   fetch();
   EXPECT_FALSE(is_white(bitmap));
   EXPECT_EQ(bitmap.Width(), 498UL);
+}
+
+TEST_F(FakeFingerFrame, AnImageTakenInsideTheEventHasRawFramesOfItsOwn) {
+  score("0");
+  driver.EnableEvents(0, 0, &snap_and_switch_off, &driver);
+  fetch();
+  EXPECT_FALSE(is_white(bitmap));
+  EXPECT_EQ(bench.count("ftrScanGetDarkImage"), 2U);
+  EXPECT_FALSE(driver.m_pLiveDetection->IsInit());
 }
 
 TEST_F(FakeFingerFrame, TheThresholdIsAskedForBehindTheReset) {

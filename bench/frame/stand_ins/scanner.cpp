@@ -14,6 +14,10 @@
 namespace {
 
 using Osv::bench::ScannerControl;
+using Osv::simulator::__FTRSCAN_IMAGE_SIZE;
+using Osv::simulator::ftrScanDeviceInfoRecord;
+using Osv::simulator::ftrScanInterfaceList;
+using Osv::simulator::ftrScanVersionRecord;
 
 constexpr int kDone = 1;
 constexpr int kFailed = 0;
