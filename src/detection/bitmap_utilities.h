@@ -16,7 +16,7 @@ std::uint64_t column_sum(const utilities::ClSimpleBitmap& bitmap, unsigned long 
 
 /// The mean of so many rows and columns with this sum, cut towards zero. The mean of no pixels is
 /// brighter than that of any image: as a frame it is no finger, as a background it makes one of
-/// every image.
+/// every image that is not black.
 unsigned long gray_mean(std::uint64_t sum, unsigned long rows, unsigned long columns);
 
 /// Measures of 8-bit gray images. They read each row once, in order, and allocate nothing.

@@ -119,7 +119,8 @@ class ClSimpleBitmap {
   /// @param height rows, at least 1
   /// @throws ClContextException<CXOtherException> -14 for a width or height of 0, -33 for another
   ///   mode; the bitmap is then as it was
-  /// @throws CXMemoryAllocException as `Create` does; the bitmap is then as it was
+  /// @throws CXMemoryAllocException as `Create` does, std::bad_alloc without memory for the tables
+  ///   of `eRescaleBilinear`; the bitmap is then as it was
   void Rescale(unsigned long width, unsigned long height, eRescaleMode mode);
 
   /// A new bitmap with a rectangle of this one, which has to lie inside; null for an empty bitmap.
@@ -137,6 +138,7 @@ class ClSimpleBitmap {
   ///   its header or palette, with 0
   /// @throws CXOtherException -4000 for anything else that is no such file
   /// @throws CXMemoryAllocException for a negative size or one that no block can have
+  /// @throws std::bad_alloc without memory for the palette
   void Load(const char* path);
 
   /// Writes a bitmap file of any depth over what was there; an empty bitmap writes none. A failure

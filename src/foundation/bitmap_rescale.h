@@ -9,7 +9,7 @@
 namespace Osv::utilities {
 
 /// The picture in another size, as `eRescaleBilinear` gives it; neither side may be 0.
-/// @throws CXMemoryAllocException as `Create` does
+/// @throws CXMemoryAllocException as `Create` does, std::bad_alloc without memory for its tables
 ClSimpleBitmap interpolated(const ClSimpleBitmap& source, unsigned long width, unsigned long height,
                             const img::PixelKernels& kernels = img::pixel_kernels());
 

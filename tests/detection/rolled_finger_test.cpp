@@ -411,6 +411,18 @@ TEST_F(RolledFinger, RowsOfAProfileMayStandApart) {
   EXPECT_EQ(next, (Profile{60, 60, 60, 61, 200, 0}));
 }
 
+TEST_F(RolledFinger, RowsThatStandApartOnAFrameBeyond256ColumnsEqualThePlainOnes) {
+  const Profile previous{0, 30, 200, 255, 1, 254};
+  for (const unsigned long edge : {10UL, 150UL, 250UL, 300UL, 600UL}) {
+    const ClSimpleBitmap frame = frame_with_edge(edge, 100, 643);
+    Profile next(kHeight);
+    Profile plain(kHeight);
+    rolled.CalculateLineRand(frame, previous, next);
+    LiteralRolledFinger::calculate(frame, previous, plain);
+    EXPECT_EQ(next, plain) << edge;
+  }
+}
+
 TEST_F(RolledFinger, ProfilesOfOtherLengthsAreSafe) {
   Profile next(kHeight + 1, 9);
   rolled.CalculateLineRand(frame_with_edge(60), Profile{70}, next);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <functional>
 #include <iostream>
 #include <numeric>
@@ -131,6 +132,9 @@ TEST_P(PixelKernelsOf, FlipsOfAFrameThatIsFetchedAheadAreTheSame) {
   Bytes rows(kStride * kHeight);
   std::iota(rows.begin(), rows.end(), static_cast<unsigned char>(0));
   Bytes flipped = rows;
+  kernels.flip(flipped.data(), kStride, kHeight);
+  EXPECT_EQ(flipped, plainly_flipped(rows, kStride, kHeight, 0));
+  flipped = rows;
   kernels.flip_and_invert(flipped.data(), kStride, kHeight);
   EXPECT_EQ(flipped, plainly_flipped(rows, kStride, kHeight, 255));
 }
@@ -316,6 +320,13 @@ TEST(PixelKernels, AreThoseOfTheBestSetThatTheMachineHas) {
 }
 
 TEST(InstructionSets, TheFirstIsEverywhere) { EXPECT_TRUE(is_supported(InstructionSet::kSse2)); }
+
+TEST(InstructionSets, TheSecondIsUsedUnlessProcessorOrTunableHoldsItBack) {
+  const char* tunables = std::getenv("GLIBC_TUNABLES");
+  const bool held_back =
+      tunables != nullptr && std::string(tunables).find("-AVX2") != std::string::npos;
+  EXPECT_EQ(is_supported(InstructionSet::kAvx2), !held_back && __builtin_cpu_supports("avx2") != 0);
+}
 
 }  // namespace
 }  // namespace Osv::img
