@@ -89,6 +89,10 @@ struct BadCall {
 
   /// The answer with no scanner there, where that is another one.
   std::optional<Answer> without_scanner = std::nullopt;
+
+  /// It differs from the row in front of it only in a number of which none is better than another.
+  /// A situation that takes its time to enter for each row leaves it out.
+  bool variant = false;
 };
 
 using BadCalls = std::vector<BadCall>;

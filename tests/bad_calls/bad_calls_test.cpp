@@ -91,10 +91,8 @@ class MakingBadCalls : public InSituation {
     EXPECT_EQ(after, before);
   }
 
+  /// Nothing came but frames, where there is capture.
   void expect_callbacks(bool frames) {
-    if (frames) {
-      EXPECT_TRUE(recorder.wait_for_more(eEvent::Live));
-    }
     for (const client::Event& event : recorder.all()) {
       EXPECT_TRUE(event.kind == eEvent::Live && frames) << event.text;
     }
@@ -103,12 +101,19 @@ class MakingBadCalls : public InSituation {
 
   void make_all(const BadCalls& calls, const Situation& situation) {
     for (const BadCall& call : calls) {
-      SCOPED_TRACE(call.what);
-      if (&call == &calls.front() || situation.anew) {
+      const bool first = &call == &calls.front();
+      if (situation.anew && call.variant) {
+        continue;
+      }
+      if (first || situation.anew) {
         enter(situation);
         recorder.clear();
       }
+      SCOPED_TRACE(call.what);
       make(call, situation);
+    }
+    if (situation.frames) {
+      EXPECT_TRUE(recorder.wait_for_more(eEvent::Live, 2));
     }
   }
 };

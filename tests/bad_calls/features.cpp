@@ -84,6 +84,7 @@ void add_unknown(BadCalls& calls, Row row) {
   for (unsigned int id = 0; id < kBeyondAll; ++id) {
     if (id < 53 || id > 55) {
       calls.push_back(row(Record{id}, 1, bare(IncorrectProperty)));
+      calls.back().variant = id > 0;
     }
   }
   calls.push_back(row(Record{kAllBits}, 1, bare(IncorrectProperty)));

@@ -115,9 +115,10 @@ unsigned long get_extended(Hands& hands, unsigned int channel, unsigned int prop
                                        hands.wide_value);
 }
 
-void add_unknown_property(BadCalls& calls, unsigned int property) {
+void add_unknown_property(BadCalls& calls, unsigned int property, bool variant) {
   const auto row = [&](const char* what, std::function<unsigned long(Hands&)> call) {
     calls.push_back({numbered(what, property), std::move(call), kIncorrectProperty});
+    calls.back().variant = variant;
   };
   row("writing property", [=](Hands& hands) { return set_property(hands, property, 1); });
   row("reading property", [=](Hands& hands) { return get_property(hands, property); });
@@ -282,7 +283,7 @@ BadCalls captures() {
 BadCalls properties() {
   BadCalls calls;
   for (const unsigned int property : {0U, 1U, 2U, 4U, 5U, 9U, 10U, 11U, 14U, 54U, kAllBits}) {
-    add_unknown_property(calls, property);
+    add_unknown_property(calls, property, property > 0);
   }
   add_read_only_property(calls);
   opening(calls, 0, kNoScanner);
