@@ -40,6 +40,8 @@ class Resolution {
  public:
   Resolution() : m_x(0), m_y(0) {}
   virtual ~Resolution() {}
+  unsigned int get_x() const { return m_x; }
+  unsigned int get_y() const { return m_y; }
 
  private:
   unsigned int m_x;
