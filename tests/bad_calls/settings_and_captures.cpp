@@ -9,7 +9,7 @@ namespace Osv::bad_calls {
 namespace {
 
 namespace error_text = lx::error_text;
-using namespace lx::error_number;  // NOLINT(google-build-using-namespace): the rows are full of it
+using namespace lx::error_number;
 
 constexpr unsigned int kAllBits = 0xFFFFFFFF;
 constexpr unsigned long kBeyond32Bits = 0x100000000UL;

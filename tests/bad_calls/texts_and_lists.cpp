@@ -10,7 +10,6 @@ using lx::ClFramegrabber;
 using lx::error_number::BufferTooSmall;
 using lx::error_number::NotConnected;
 using lx::error_number::NullPointer;
-using lx::error_number::ReportedBit;
 
 constexpr unsigned long kHuge = ~0UL;
 

@@ -24,8 +24,8 @@ using Osv::privacy::kRawPixels;
 using Line = std::pair<int, std::string>;
 
 std::atomic<unsigned char> g_bits = 0;
-std::mutex g_lock;          // guards the lines
-std::vector<Line> g_lines;  // NOLINT(cert-err58-cpp): empty
+std::mutex g_lock;  // guards the lines
+std::vector<Line> g_lines;
 
 template <typename Function>
 Function stand_in(const char* library, const char* name) {
