@@ -1,0 +1,20 @@
+// Loads the plug-in from the path in HVK3_PLUGIN and has a whole session with it, without a word.
+// For programs that watch what a process does.
+
+#include <cstdio>
+#include <exception>
+
+#include "privacy/whole_session.h"
+
+int main() {
+  try {
+    Osv::simulator::Bench& bench = *ostrevan_simulator_bench();
+    bench.set_pace(0);
+    const Osv::client::Plugin plugin;
+    Osv::privacy::run_whole_session(plugin, bench, {{1}, {2}, {3}});
+    return 0;
+  } catch (const std::exception& failure) {
+    std::fprintf(stderr, "%s\n", failure.what());
+    return 1;
+  }
+}
