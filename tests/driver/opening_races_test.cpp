@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <boost/make_shared.hpp>
+#include <chrono>
 #include <future>
 #include <thread>
 
@@ -170,7 +171,7 @@ TEST_F(MeetingOpenings, OpenTheScannerOnce) {
 TEST_F(MeetingOpenings, AnOpeningDoesNotFallIntoTheMidstOfAChange) {
   open();
   auto change =
-      begin("ftrSetBaseInterface", [this] { EXPECT_EQ(driver.SetActiveScanner(5), 0UL); });
+      begin("ftrScanGetDeviceInfo", [this] { EXPECT_EQ(driver.SetActiveScanner(5), 0UL); });
   std::thread opening =
       go_as_far_as_locks_let([this] { EXPECT_EQ(driver.InitializeScanner(), 0UL); });
   bench.release();
@@ -194,19 +195,29 @@ TEST_F(MeetingOpenings, AFirstChoiceThatComesTooLateLeavesScannerAndCaptureAlone
   expect_open(0);
 }
 
-/// An event callback that has another thread close the scanner, and waits for it.
-void close_on_another_thread(int /*handle*/, unsigned int /*channel*/, eFGs /*kind*/,
-                             unsigned int /*type*/, void* user) {
-  std::thread([user] { static_cast<Driver*>(user)->UninitializeScanner(); }).join();
-}
+/// A client whose event callback has another thread close the scanner, and waits for it.
+struct ClosingClient {
+  Driver& driver;
+  std::future<void> closing;
+  bool closed_in_time = false;
+
+  static void on_event(int /*handle*/, unsigned int /*channel*/, eFGs /*kind*/,
+                       unsigned int /*type*/, void* user) {
+    constexpr std::chrono::seconds kPatience{20};
+    auto& self = *static_cast<ClosingClient*>(user);
+    self.closing = std::async(std::launch::async, [&self] { self.driver.UninitializeScanner(); });
+    self.closed_in_time = self.closing.wait_for(kPatience) == std::future_status::ready;
+  }
+};
 
 TEST_F(MeetingOpenings, AClosingNeedNotWaitForAnEventCallback) {
   bench.set_timeline(simulator::Timeline::settled_finger());
   driver.m_pLiveDetection->Init();
   driver.m_pLiveDetection->SetFakeScore(1000);
-  driver.EnableEvents(0, 1, &close_on_another_thread, &driver);
+  ClosingClient client{driver, {}, false};
+  driver.EnableEvents(0, 1, &ClosingClient::on_event, &client);
   snap(driver);
-  EXPECT_FALSE(driver.m_bInitialized);
+  EXPECT_TRUE(client.closed_in_time);
 }
 
 }  // namespace
