@@ -71,8 +71,8 @@ class Crowd : public Captures {
       };
       start_into(record, i % 2 == 0 ? eCaptureLive : eCapturePlain);
       dawdle();
-      if (i % 3 == 2) {
-        grabber->SetActiveDevice(kChoices[dawdle.below(3)]);
+      if (dawdle.below(2) == 0) {
+        grabber->SetActiveDevice(kChoices[dawdle.below(std::size(kChoices))]);
       }
       stop_at_any_time(record);
     }

@@ -1,6 +1,8 @@
 #include <unistd.h>
+
 #include <chrono>
 #include <csignal>
+#include <cstdio>
 #include <future>
 
 #include "threads/captures.h"
