@@ -17,14 +17,17 @@ unsigned long ClOstrevanHVK3SDK::ContaminationDetection(unsigned int channel, do
   if (level == nullptr) {
     throw ClLXException("", error_number::NullPointer);
   }
+  OpeningLock opening(m_cOpeningLock);  // size and frame are to come from the same unit
   if (const unsigned long result = InitializeScanner(); result != 0) {
     return result;
   }
   *level = 0.0;
   ClSimpleBitmap bitmap;
   CaptureUncorrected(bitmap);
+  const auto calibration = Calibration();
+  opening.unlock();
   PrepareImage(bitmap);
-  *level = Calibration()->ContaminationDetection(bitmap.BI());
+  *level = calibration->ContaminationDetection(bitmap.BI());
   return 0;
 }
 

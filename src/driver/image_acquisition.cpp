@@ -110,6 +110,7 @@ unsigned long ClOstrevanHVK3SDK::SetActiveChannel(ClFrameGrabberChannel& channel
   }
   OSV_LOG(OsvLFTrace, "KR9 scanner. Calling SetActiveChannel function. Channel number: %d",
           channel.m_nChannel);
+  const OpeningLock opening(m_cOpeningLock);  // size and frame are to come from the same unit
   if (const unsigned long result = InitializeScanner(); result != 0) {
     return result;
   }
@@ -195,6 +196,7 @@ bool ClOstrevanHVK3SDK::FuzzyImage(unsigned char* pixels) {
 
 void ClOstrevanHVK3SDK::GetLiveBitmap(ClFrameGrabberChannel& channel, ClSimpleBitmap& bitmap) {
   const Guard guard(m_cLock);
+  OpeningLock opening(m_cOpeningLock);
   // Another thread may have opened or closed a scanner since this bitmap was shaped. A preparation
   // that fails is judged as a fetch through the dead handle would have been: without a scanner this
   // is a disconnection.
@@ -206,18 +208,20 @@ void ClOstrevanHVK3SDK::GetLiveBitmap(ClFrameGrabberChannel& channel, ClSimpleBi
     }
   }
   if (m_pLiveDetection->IsInit()) {
-    CaptureLDBmp(bitmap);
+    CaptureLDBmp(bitmap, opening);
   } else {
-    CaptureBmp(bitmap);
+    CaptureBmp(bitmap, opening);
   }
 }
 
-void ClOstrevanHVK3SDK::CaptureBmp(ClSimpleBitmap& bitmap) {
+void ClOstrevanHVK3SDK::CaptureBmp(ClSimpleBitmap& bitmap, OpeningLock& opening) {
   if (m_pScanner->GetImageByDose(m_cRawBitmap.Pixel(), Dose())) {
+    const auto calibration = Calibration();  // that of the unit which the frame is from
+    opening.unlock();
     PrepareImage(m_cRawBitmap);
     OSV_LOG(OsvLFTrace, "KR9 scanner. CalibrateBitmap.");
-    Calibration()->CalibrateBitmap(m_cRawBitmap.BI(), img::bmp_size(m_cRawBitmap.BI()), bitmap.BI(),
-                                   &m_nCalibratedSize);
+    calibration->CalibrateBitmap(m_cRawBitmap.BI(), img::bmp_size(m_cRawBitmap.BI()), bitmap.BI(),
+                                 &m_nCalibratedSize);
     return;
   }
   const auto error = static_cast<unsigned int>(m_pScanner->GetLastError());
@@ -227,9 +231,9 @@ void ClOstrevanHVK3SDK::CaptureBmp(ClSimpleBitmap& bitmap) {
   }
 }
 
-void ClOstrevanHVK3SDK::CaptureLDBmp(ClSimpleBitmap& bitmap) {
+void ClOstrevanHVK3SDK::CaptureLDBmp(ClSimpleBitmap& bitmap, OpeningLock& opening) {
   try {
-    CaptureAndScore(bitmap);
+    CaptureAndScore(bitmap, opening);
   } catch (const CLiveDetectionException& failure) {
     if (failure.GetErrorNumber() != kNoUsableFinger) {
       throw;
@@ -238,7 +242,7 @@ void ClOstrevanHVK3SDK::CaptureLDBmp(ClSimpleBitmap& bitmap) {
   }
 }
 
-void ClOstrevanHVK3SDK::CaptureAndScore(ClSimpleBitmap& bitmap) {
+void ClOstrevanHVK3SDK::CaptureAndScore(ClSimpleBitmap& bitmap, OpeningLock& opening) {
   LDImagesLoan loan(m_pLDImages);
   LDImages& images = loan.get();
   const __FTRSCAN_IMAGE_SIZE size = ReadImageSize();
@@ -252,6 +256,7 @@ void ClOstrevanHVK3SDK::CaptureAndScore(ClSimpleBitmap& bitmap) {
     ResetLD(bitmap);
     return;
   }
+  opening.unlock();
   PrepareImage(images.dark);
   PrepareImage(images.backlight);
   PrepareImage(images.dose);
@@ -339,6 +344,7 @@ void ClOstrevanHVK3SDK::GetRowLiveBitmap(ClSimpleBitmap& bitmap) {
 }
 
 void ClOstrevanHVK3SDK::SnapRefImage(ClSimpleBitmap& bitmap) {
+  const OpeningLock opening(m_cOpeningLock);  // size and frame are to come from the same unit
   CreateRaw(bitmap, ReadImageSize());
   bitmap.SetResolution(m_cnDotsPerInch, m_cnDotsPerInch);
   FuzzyImage(bitmap.Pixel());

@@ -77,13 +77,16 @@ unsigned long ClOstrevanHVK3SDK::InitializeScanner() {
   }
   m_nImageDataFormat = 1;
   m_cSetting.LoadFromFile(kConfigurationFile);
-  if (m_nActiveScanner == kNoActiveScanner) {
-    return ChooseFirstScanner();
+  return m_nActiveScanner == kNoActiveScanner ? ChooseFirstScanner() : OpenChosenScanner();
+}
+
+unsigned long ClOstrevanHVK3SDK::OpenChosenScanner() {
+  const OpeningLock opening(m_cOpeningLock);
+  if (m_bInitialized) {
+    return 0;  // by another thread meanwhile
   }
-  ++m_nOpening;  // before another unit can be open
-  const bool opened = m_pScanner->Initialize();
-  ++m_nOpening;  // what was shaped meanwhile may be for the unit before
-  if (!opened) {
+  ++m_nOpening;  // also when it fails: another unit may be open then
+  if (!m_pScanner->Initialize()) {
     return m_pScanner->GetLastError();
   }
   SwitchToLongImage();
@@ -96,8 +99,14 @@ unsigned long ClOstrevanHVK3SDK::InitializeScanner() {
 unsigned long ClOstrevanHVK3SDK::ChooseFirstScanner() {
   std::vector<DeviceInfo> list;
   m_pScanner->GetKR9ScannerList(list);
-  return list.empty() ? static_cast<unsigned long>(error_number::NotConnected)
-                      : SetActiveScanner(list.front().nInterface);
+  if (list.empty()) {
+    return error_number::NotConnected;
+  }
+  // Nothing captures yet, so there is nothing to stop. What another thread has chosen meanwhile
+  // stays: it may capture by now.
+  const OpeningLock opening(m_cOpeningLock);
+  return m_nActiveScanner == kNoActiveScanner ? ChangeScanner(list.front().nInterface)
+                                              : OpenChosenScanner();
 }
 
 void ClOstrevanHVK3SDK::SwitchToLongImage() {
@@ -138,6 +147,7 @@ std::shared_ptr<CXCalibration> ClOstrevanHVK3SDK::Calibration() const {
 }
 
 void ClOstrevanHVK3SDK::UninitializeScanner() {
+  const OpeningLock opening(m_cOpeningLock);
   if (m_bInitialized) {
     m_pScanner->Unitialize();
     m_bInitialized = false;
@@ -152,6 +162,13 @@ unsigned long ClOstrevanHVK3SDK::SetActiveScanner(unsigned long index) {
     return 0;
   }
   StopAllChannel();
+  return ChangeScanner(index);
+}
+
+/// One step for other threads: an opening in the midst of it would be closed by the choice and
+/// count as open all the same.
+unsigned long ClOstrevanHVK3SDK::ChangeScanner(unsigned long index) {
+  const OpeningLock opening(m_cOpeningLock);
   UninitializeScanner();
   SelectInterface(index);
   m_nActiveScanner = static_cast<unsigned int>(index);

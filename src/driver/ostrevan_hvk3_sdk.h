@@ -39,9 +39,11 @@ unsigned long MultiStringCpy(const ClMultiString& text, char* buffer, unsigned l
 /// once when the scanner is open. The same call recovers from a disconnection.
 ///
 /// Results called numbers are 0 or an error number without the boundary's bit; refusals are thrown
-/// as `ClLXException`. Locks in their order: `m_cLock`, then the device's own. Operations that hold
-/// `m_cLock` wait at most for one frame or one preparation; `FreeSDK` joins the worker with it
-/// held.
+/// as `ClLXException`. Locks in their order: `m_cLock`, `m_cOpeningLock`, then the device's own.
+/// Operations that hold `m_cLock` wait at most for one frame or one preparation; `FreeSDK` joins
+/// the worker with it held. `m_cOpeningLock` keeps openings, closings and changes of the scanner
+/// apart, and out of the time between the look at a frame's buffer and its fetch. While the scanner
+/// is open, only frames and what closes the scanner want it; nobody joins with it held.
 class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
  public:
   // The driver's own classes, under the names that they have within it.
@@ -80,7 +82,8 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   /// @name Lifecycle
   /// @{
 
-  /// Opens the scanner unless it is open. @return a number
+  /// Opens the scanner unless it is open, or waits for the thread that is opening it. @return a
+  /// number
   unsigned long InitializeScanner();
 
   /// Closes the scanner if it is open.
@@ -179,6 +182,7 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   friend unsigned long CBLoggingFacility(OsvLFCBEventstag event, void* data);
 
   using Guard = std::lock_guard<CXMutex>;
+  using OpeningLock = std::unique_lock<std::recursive_mutex>;
 
   static constexpr unsigned int kNoActiveChannel = 65535;
   static constexpr unsigned int kNoActiveScanner = 0xFFFFFFFF;
@@ -189,8 +193,10 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
 
   /// @name Steps of a frame, with `m_cLock` held by the caller
   /// @{
-  void CaptureBmp(ClSimpleBitmap& bitmap);
-  void CaptureLDBmp(ClSimpleBitmap& bitmap);
+
+  /// @param opening held since the bitmap was looked at; let go once the frame is fetched
+  void CaptureBmp(ClSimpleBitmap& bitmap, OpeningLock& opening);
+  void CaptureLDBmp(ClSimpleBitmap& bitmap, OpeningLock& opening);
   void PrepareImage(ClSimpleBitmap& bitmap);
   bool FuzzyImage(unsigned char* pixels);
   void ResetLD(ClSimpleBitmap& bitmap);
@@ -236,6 +242,8 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   std::shared_ptr<CXCalibration> Calibration() const;
   std::shared_ptr<CXCalibration> ReadCalibration();
   unsigned long ChooseFirstScanner();
+  unsigned long OpenChosenScanner();
+  unsigned long ChangeScanner(unsigned long index);
   void SwitchToLongImage();
   void SelectInterface(unsigned long index);
   void ReadSerialNumber();
@@ -266,15 +274,19 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   int Dose() const { return static_cast<int>(m_cSetting.m_nDose); }
   bool FetchLDImages(LDImages& images);
   void ScoreFinger(CXCalibration& calibration, LDImages& images, ClSimpleBitmap& bitmap);
-  void CaptureAndScore(ClSimpleBitmap& bitmap);
+  void CaptureAndScore(ClSimpleBitmap& bitmap, OpeningLock& opening);
 
   // Kept from one frame to the next while fake finger detection is on; guarded by m_cLock.
   std::unique_ptr<LDImages> m_pLDImages;
 
   mutable std::mutex m_cErrorLock;  // leaf
 
+  // Held to open, close or change the scanner, and from the look at a bitmap until the frame is in
+  // it. Never while joining, and never during a client's callback.
+  std::recursive_mutex m_cOpeningLock;
+
   // What was shaped before the present opening may be too small for the unit that is open now.
-  TXRelaxed<unsigned int> m_nOpening = 0;  // counts beginnings and ends of openings
+  TXRelaxed<unsigned int> m_nOpening = 0;  // counts openings; written under m_cOpeningLock
   // The one that the worker's bitmap was shaped for; an earlier one once frames have another size.
   TXRelaxed<unsigned int> m_nShapedOpening = 0;
   unsigned int m_nRawOpening = 0;  // the one of m_cRawBitmap; guarded by m_cLock

@@ -2,66 +2,18 @@
 #include <malloc.h>
 
 #include <boost/make_shared.hpp>
-#include <cstring>
 #include <functional>
 #include <memory>
 
 #include "driver/driver_fixture.h"
+#include "driver/support/sized_unit.h"
 
 namespace Osv::lx {
 namespace {
 
 using utilities::ClSimpleBitmap;
 
-struct Size {
-  int width;
-  int height;
-
-  std::size_t pixels() const {
-    return static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
-  }
-};
-
-/// The unit that is attached, and what was asked of it.
-struct Unit {
-  Size size;
-  int frames = 0;
-  bool fails = false;
-  bool buffers_suffice = true;
-
-  static inline Unit* attached = nullptr;
-
-  static std::int32_t tell_size(ScannerHandle /*handle*/, __FTRSCAN_IMAGE_SIZE* size) {
-    *size = {attached->size.width, attached->size.height, {}};
-    return 1;
-  }
-
-  static std::int32_t fill(ScannerHandle /*handle*/, void* buffer) {
-    if (attached->fails) {
-      return 0;
-    }
-    attached->take_frame(static_cast<unsigned char*>(buffer));
-    return 1;
-  }
-
-  static std::int32_t fill_by_dose(ScannerHandle handle, int /*dose*/, void* buffer) {
-    return fill(handle, buffer);
-  }
-
- private:
-  /// Pixels come to lie behind header and palette of an 8-bit block.
-  void take_frame(unsigned char* pixels) {
-    constexpr std::size_t kInFront = sizeof(tagBITMAPINFOHEADER) + 256UL * 4;
-    ++frames;
-    if (malloc_usable_size(pixels - kInFront) < kInFront + size.pixels()) {
-      buffers_suffice = false;
-    } else {
-      std::memset(pixels, 0x20, size.pixels());
-    }
-  }
-};
-
-/// A change of the size that the scanner tells. The engine of this test cuts images to 600 x 400.
+/// A change of the size that the scanner tells.
 struct Change {
   const char* name;
   Size from;
@@ -72,16 +24,16 @@ struct Change {
 class UnitSizes : public DriverFixture, public ::testing::WithParamInterface<Change> {
  protected:
   UnitSizes() {
-    Unit::attached = &unit;
-    libraries.use_file("libostrevancalibratesdk.so", HVK3_CUTTING_ENGINE);
+    SizedUnit::attached = &unit;
+    libraries.use_file("libostrevancalibratesdk.so", SizedUnit::kEngine);
     EXPECT_EQ(driver.InitializeScanner(), 0UL);
-    answer_for_the_scanner();
+    SizedUnit::answer_for_the_scanner_of(driver);
     driver.channel().SetCurrentThread();
     driver.channel().get_capture_bitmap() = boost::make_shared<ClSimpleBitmap>();
     prepare(bitmap());
   }
 
-  ~UnitSizes() override { Unit::attached = nullptr; }
+  ~UnitSizes() override { SizedUnit::attached = nullptr; }
 
   ClSimpleBitmap& bitmap() { return *driver.channel().get_currrent_bitmap(); }
 
@@ -137,20 +89,7 @@ class UnitSizes : public DriverFixture, public ::testing::WithParamInterface<Cha
     EXPECT_EQ(bitmap().Pixel()[0], 255 - 0x20);
   }
 
-  Unit unit{GetParam().from};
-
- private:
-  /// The binding stays through all openings, so this does too.
-  void answer_for_the_scanner() {
-    struct Access : ClFutronicBaseSDK {
-      using ClFutronicBaseSDK::m_pApiLib;
-    };
-    const auto api = (driver.m_pScanner.get()->*(&Access::m_pApiLib)).get();
-    api->ftrScanGetImageSize = &Unit::tell_size;
-    api->ftrScanGetImageByVariableDose = &Unit::fill_by_dose;
-    api->ftrScanGetDarkImage = &Unit::fill;
-    api->ftrScanGetBacklightImage = &Unit::fill;
-  }
+  SizedUnit unit{GetParam().from};
 };
 
 TEST_P(UnitSizes, BehindAReopeningTheNextFrameIsPreparedFirst) {

@@ -11,6 +11,8 @@ constexpr char kLibrary[] = "libostrevancalibratesdk.so";
 
 }  // namespace
 
+std::mutex CXCalDynamicLib::m_cEngineLock;
+
 CXCalDynamicLib::CXCalDynamicLib() { Initialize(); }
 
 void CXCalDynamicLib::Initialize() {

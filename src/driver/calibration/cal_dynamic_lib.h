@@ -1,5 +1,7 @@
 #pragma once
 
+#include <mutex>
+
 #include "foundation/dynamic_library.h"
 #include "ostrevanhvk3/image_block.h"
 
@@ -19,6 +21,14 @@ class CXCalDynamicLib : public CXDynamicLibrary {
   /// What the constructor does; closes a library that is open first.
   void Initialize();
 
+  /// Makes a call into the engine while no other one is under way, for whichever instance: during
+  /// a reopening one engine is built while another may be correcting a frame. The lock is a leaf.
+  template <typename Call>
+  static auto Alone(Call call) {
+    const std::lock_guard<std::mutex> lock(m_cEngineLock);
+    return call();
+  }
+
   void* (*CalibrateCreate)() = nullptr;
   long (*Calibrate)(void* engine, const tagBITMAPINFOHEADER* input, unsigned long inputSize,
                     tagBITMAPINFOHEADER* output, unsigned long* outputSize) = nullptr;
@@ -30,6 +40,9 @@ class CXCalDynamicLib : public CXDynamicLibrary {
   long (*CalibrateSetOption)(void* engine, const char* option) = nullptr;
   long (*CalibrateGetOption)(void* engine, const char* name, char* value,
                              unsigned long* length) = nullptr;
+
+ private:
+  static std::mutex m_cEngineLock;
 };
 
 }  // namespace Osv::lx

@@ -93,17 +93,16 @@ CXCalibration::CXCalibration(const char* fileName)
 
 void CXCalibration::GiveData(std::unique_ptr<CXCalibrationHandle> engine, const unsigned char* data,
                              unsigned long size) {
-  CheckCalibrateError(m_pCalLib->CalibrateSetData(engine->get(), data, size));
+  CheckCalibrateError(CXCalDynamicLib::Alone(
+      [&] { return m_pCalLib->CalibrateSetData(engine->get(), data, size); }));
   m_pCalHandle = std::move(engine);
 }
 
 unsigned long CXCalibration::ResultImageSize(tagBITMAPINFOHEADER* input, unsigned long inputSize) {
   unsigned long outputSize = 0;
-  long code = 0;
-  {
-    const Lock lock(m_cEngineLock);
-    code = m_pCalLib->Calibrate(m_pCalHandle->get(), input, inputSize, nullptr, &outputSize);
-  }
+  const long code = CXCalDynamicLib::Alone([&] {
+    return m_pCalLib->Calibrate(m_pCalHandle->get(), input, inputSize, nullptr, &outputSize);
+  });
   if (code != kBufferTooSmall) {
     CheckCalibrateError(code);
   }
@@ -118,11 +117,9 @@ void CXCalibration::CalibrateBitmap(tagBITMAPINFOHEADER* input, unsigned long in
                                     tagBITMAPINFOHEADER* output, unsigned long* outputSize) {
   OSV_LOG(OsvLFTrace, "KR9 scanner. Calibrate, a image size: %d", static_cast<int>(inputSize));
   const unsigned long capacity = *outputSize;
-  long code = 0;
-  {
-    const Lock lock(m_cEngineLock);
-    code = m_pCalLib->Calibrate(m_pCalHandle->get(), input, inputSize, output, outputSize);
-  }
+  const long code = CXCalDynamicLib::Alone([&] {
+    return m_pCalLib->Calibrate(m_pCalHandle->get(), input, inputSize, output, outputSize);
+  });
   // The engine's word on a size that it needs must not become the size of this buffer.
   *outputSize = std::min(*outputSize, capacity);
   CheckCalibrateError(code);
@@ -135,12 +132,10 @@ bool CXCalibration::IsSensitiveMode() {
   constexpr std::array<char, 8> kEnabled = {'E', 'n', 'a', 'b', 'l', 'e', 'd', '\0'};
   std::array<char, 64> value{};  // longer than the engine is told
   unsigned long length = kOptionLength;
-  long code = 0;
-  {
-    const Lock lock(m_cEngineLock);
-    code =
-        m_pCalLib->CalibrateGetOption(m_pCalHandle->get(), "SensitiveMode", value.data(), &length);
-  }
+  const long code = CXCalDynamicLib::Alone([&] {
+    return m_pCalLib->CalibrateGetOption(m_pCalHandle->get(), "SensitiveMode", value.data(),
+                                         &length);
+  });
   if (code == kOptionUnknown) {
     return false;
   }
@@ -158,23 +153,16 @@ void CXCalibration::EnableDynCalibration(bool enable) {
 }
 
 void CXCalibration::SetOption(const char* option) {
-  long code = 0;
-  {
-    const Lock lock(m_cEngineLock);
-    code = m_pCalLib->CalibrateSetOption(m_pCalHandle->get(), option);
-  }
-  CheckCalibrateError(code);
+  CheckCalibrateError(CXCalDynamicLib::Alone(
+      [&] { return m_pCalLib->CalibrateSetOption(m_pCalHandle->get(), option); }));
 }
 
 double CXCalibration::ContaminationDetection(tagBITMAPINFOHEADER* bitmap) {
   double level = 0.0;
-  long code = 0;
-  {
-    const Lock lock(m_cEngineLock);
-    code = m_pCalLib->ContaminationDetection(m_pCalHandle->get(), bitmap, img::bmp_size(bitmap),
+  CheckCalibrateError(CXCalDynamicLib::Alone([&] {
+    return m_pCalLib->ContaminationDetection(m_pCalHandle->get(), bitmap, img::bmp_size(bitmap),
                                              &level);
-  }
-  CheckCalibrateError(code);
+  }));
   return level;
 }
 
@@ -184,14 +172,13 @@ void CXCalibration::CheckCalibrateError(long code) const {
   }
   std::string description;
   std::string message;
-  {
-    const Lock lock(m_cEngineLock);
+  CXCalDynamicLib::Alone([&] {
     // Without a text the whole message stays empty, the code included.
     if (const char* const text = m_pCalLib->CalibrateGetErrorDescription(code); text != nullptr) {
       description = text;
       message = description + " Error domain [ CAL ]. Error code [ " + std::to_string(code) + " ]";
     }
-  }
+  });
   OSV_LOG(OsvLFError, "KR9 scanner. Calibration error. Number: 0x%x, Description: %s ",
           static_cast<unsigned int>(code), description.c_str());
   throw ClLXException(message.c_str(), static_cast<int>(code));

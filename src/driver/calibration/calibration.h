@@ -1,7 +1,6 @@
 #pragma once
 
 #include <memory>
-#include <mutex>
 #include <string>
 
 #include "driver/calibration/cal_dynamic_lib.h"
@@ -17,8 +16,8 @@ namespace Osv::lx {
 /// A calibration engine that holds the data of one scanner.
 ///
 /// Images are whole blocks with their size in bytes. A failure of the engine is thrown as
-/// `ClLXException` with the engine's own negative code. Each of these operations calls the
-/// engine under a leaf mutex, so that an option may be asked for while a frame is corrected.
+/// `ClLXException` with the engine's own negative code. Any thread may call these operations, so
+/// that an option may be asked for while a frame is corrected: see `CXCalDynamicLib::Alone`.
 class CXCalibration {
  public:
   /// Reads the calibration data out of the memory of the scanner that is open.
@@ -55,8 +54,6 @@ class CXCalibration {
   const std::string& Revision() const { return m_sRevision; }
 
  private:
-  using Lock = std::lock_guard<std::mutex>;
-
   void SetOption(const char* option);
   void GiveData(std::unique_ptr<CXCalibrationHandle> engine, const unsigned char* data,
                 unsigned long size);
@@ -64,7 +61,6 @@ class CXCalibration {
   std::string m_sRevision;
   std::unique_ptr<CXCalDynamicLib> m_pCalLib;
   std::unique_ptr<CXCalibrationHandle> m_pCalHandle;  // goes before the library that its code is in
-  mutable std::mutex m_cEngineLock;
 };
 
 }  // namespace Osv::lx

@@ -5,7 +5,8 @@
 namespace Osv::lx {
 
 CXCalibrationHandle::CXCalibrationHandle(CXCalDynamicLib& library)
-    : m_cLibrary(library), m_hEngine(library.CalibrateCreate()) {
+    : m_cLibrary(library),
+      m_hEngine(CXCalDynamicLib::Alone([&] { return library.CalibrateCreate(); })) {
   if (m_hEngine == nullptr) {
     throw std::bad_alloc();
   }
@@ -13,7 +14,7 @@ CXCalibrationHandle::CXCalibrationHandle(CXCalDynamicLib& library)
 
 CXCalibrationHandle::~CXCalibrationHandle() {
   if (m_hEngine != nullptr) {
-    m_cLibrary.CalibrateDelete(&m_hEngine);
+    CXCalDynamicLib::Alone([this] { m_cLibrary.CalibrateDelete(&m_hEngine); });
     m_hEngine = nullptr;
   }
 }

@@ -367,7 +367,18 @@ class EngineLock : public CalibrationTest {
                     note();
                     return nullptr;
                   }));
+    m_loader.give("CalibrateCreate", reinterpret_cast<void*>(+[]() -> void* {
+                    note();
+                    return &sMutexes;
+                  }));
+    m_loader.give("CalibrateSetData",
+                  reinterpret_cast<void*>(+[](void*, const unsigned char*, unsigned long) {
+                    note();
+                    return 0L;
+                  }));
+    m_loader.give("CalibrateDelete", reinterpret_cast<void*>(+[](void**) { note(); }));
     build();
+    sMutexes.clear();
   }
 
   static long note() {
@@ -391,6 +402,15 @@ TEST_F(EngineLock, IsTheSameForEveryCallIntoTheEngine) {
     EXPECT_EQ(engine_failure(operation).GetErrorNumber(), -7);
   }
   ASSERT_EQ(sMutexes.size(), 2 * std::size(operations));  // each with the text of its error
+  EXPECT_THAT(sMutexes, Each(sMutexes.front()));
+}
+
+// During a reopening two of them are there.
+TEST_F(EngineLock, IsTheSameForEveryEngineThatIsMadeUsedAndDeleted) {
+  m_scanner.ResetStream();
+  { const lx::CXCalibration another(m_scanner); }
+  EXPECT_ANY_THROW(m_calibration->EnableSensitiveMode(true));
+  ASSERT_EQ(sMutexes.size(), 5U);
   EXPECT_THAT(sMutexes, Each(sMutexes.front()));
 }
 

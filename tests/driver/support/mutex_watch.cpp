@@ -14,6 +14,20 @@ std::atomic<int> s_nLocks{0};
 thread_local std::vector<pthread_mutex_t*> t_held;
 thread_local std::function<void()> t_tell;
 
+struct Arming {
+  pthread_mutex_t* mutex = nullptr;
+  int locks_to_come = 0;
+  std::function<void()> act;
+};
+thread_local Arming t_armed;
+
+/// Runs the action of a `BeforeLock` whose time has come.
+void act_before_locking(pthread_mutex_t* mutex) {
+  if (t_armed.act && mutex == t_armed.mutex && --t_armed.locks_to_come == 0) {
+    std::exchange(t_armed.act, nullptr)();
+  }
+}
+
 }  // namespace
 
 LockCount::LockCount(CXMutex& mutex) {
@@ -31,6 +45,12 @@ WaitNotice::WaitNotice(std::function<void()> tell) { t_tell = std::move(tell); }
 
 WaitNotice::~WaitNotice() { t_tell = nullptr; }
 
+BeforeLock::BeforeLock(pthread_mutex_t* mutex, int nth, std::function<void()> act) {
+  t_armed = {mutex, nth, std::move(act)};
+}
+
+BeforeLock::~BeforeLock() { t_armed = {}; }
+
 }  // namespace Osv::testing_support
 
 extern "C" {
@@ -43,6 +63,7 @@ int __real_pthread_mutex_unlock(pthread_mutex_t* mutex);
 
 int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
   using namespace Osv::testing_support;
+  act_before_locking(mutex);
   if (mutex == s_pWatched.load(std::memory_order_relaxed)) {
     s_nLocks.fetch_add(1, std::memory_order_relaxed);
   }

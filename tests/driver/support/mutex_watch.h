@@ -3,8 +3,11 @@
 #include <pthread.h>
 
 #include <functional>
+#include <future>
+#include <memory>
 #include <thread>
 #include <type_traits>
+#include <utility>
 
 #include "foundation/mutex.h"
 
@@ -58,5 +61,37 @@ class WaitNotice {
   WaitNotice(const WaitNotice&) = delete;
   WaitNotice& operator=(const WaitNotice&) = delete;
 };
+
+/// Runs an action once, while it lives, when the thread that made it is about to lock a mutex for
+/// the `nth` time, the first being 1. One object on a thread.
+class BeforeLock {
+ public:
+  BeforeLock(pthread_mutex_t* mutex, int nth, std::function<void()> act);
+  ~BeforeLock();
+  BeforeLock(const BeforeLock&) = delete;
+  BeforeLock& operator=(const BeforeLock&) = delete;
+};
+
+/// Starts `action` on a thread of its own, and returns when that has ended or has to wait for a
+/// mutex that another thread holds.
+template <typename Action>
+std::thread go_as_far_as_locks_let(Action action) {
+  auto stuck = std::make_shared<std::promise<void>>();
+  std::thread thread([stuck, action] {
+    bool told = false;
+    const auto tell = [&] {
+      if (!std::exchange(told, true)) {
+        stuck->set_value();
+      }
+    };
+    {
+      const WaitNotice notice(tell);
+      action();
+    }
+    tell();
+  });
+  stuck->get_future().wait();
+  return thread;
+}
 
 }  // namespace Osv::testing_support
