@@ -233,11 +233,14 @@ void repeat_pixels(const ClSimpleBitmap& source, ClSimpleBitmap& target,
                    const img::PixelKernels& kernels) {
   const unsigned long bytes = (source.Width() * source.BitCount() + 7) / 8;
   const unsigned long stride = target.BPRow();
+  const unsigned long padding = stride - 2 * bytes;
   for (unsigned long y = 0; y < source.Height(); ++y) {
     unsigned char* const first = target.Pixel() + 2 * y * stride;
     kernels.double_row(source.Pixel() + y * source.BPRow(), bytes, first, first + stride);
-    std::memset(first + 2 * bytes, 0, stride - 2 * bytes);
-    std::memset(first + stride + 2 * bytes, 0, stride - 2 * bytes);
+    if (padding != 0) {
+      std::memset(first + 2 * bytes, 0, padding);
+      std::memset(first + stride + 2 * bytes, 0, padding);
+    }
   }
 }
 

@@ -204,14 +204,21 @@ HVK3_LOOP void double_bytes(const unsigned char* __restrict bytes, std::size_t s
   }
 }
 
-/// Apart what comes before the first aligned vector of the output.
+/// Whole vectors, aligned in the first row of the output, and once more those at both ends, which
+/// overlap them.
 template <std::size_t kVector>
 HVK3_LOOP void double_row(const unsigned char* bytes, std::size_t size, unsigned char* first,
                           unsigned char* second) {
-  const std::size_t unaligned = unaligned_bytes<kVector>(first) / 2;
-  const std::size_t begin = unaligned < size ? unaligned : size;
-  double_bytes(bytes, begin, first, second);
-  double_bytes(bytes + begin, size - begin, first + 2 * begin, second + 2 * begin);
+  if (size < kVector) {
+    double_bytes(bytes, size, first, second);
+    return;
+  }
+  const std::size_t last = size - kVector;
+  double_bytes(bytes, kVector, first, second);
+  for (std::size_t i = unaligned_bytes<kVector>(first) / 2; i < last; i += kVector) {
+    double_bytes(bytes + i, kVector, first + 2 * i, second + 2 * i);
+  }
+  double_bytes(bytes + last, kVector, first + 2 * last, second + 2 * last);
 }
 
 HVK3_LOOP void blend_across(const unsigned char* row, const ColumnBlends& blends,
