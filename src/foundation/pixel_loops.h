@@ -221,14 +221,51 @@ HVK3_LOOP void double_row(const unsigned char* bytes, std::size_t size, unsigned
   double_bytes(bytes + last, kVector, first + 2 * last, second + 2 * last);
 }
 
-HVK3_LOOP void blend_across(const unsigned char* row, const ColumnBlends& blends,
+/// Columns whose neighbours are picked at once; they stay in the first cache until they are
+/// blended.
+constexpr std::size_t kPickedGroups = 32;
+
+/// The two neighbours of columns, as numbers that convert to doubles straight from memory.
+struct PickedColumns {
+  alignas(64) std::int32_t first[kPickedGroups * kBlendedTogether];
+  alignas(64) std::int32_t second[kPickedGroups * kBlendedTogether];
+};
+
+HVK3_LOOP void pick_columns(const unsigned char* row, const ColumnBlends& blends,
+                            PickedColumns& picked) {
+  for (std::size_t x = 0; x < blends.size * kBlendedTogether; ++x) {
+    const unsigned char* const first = row + blends.first[x];
+    picked.first[x] = first[0];
+    picked.second[x] = first[1];
+  }
+}
+
+HVK3_LOOP void blend_picked(const PickedColumns& picked, const ColumnBlends& blends,
                             BlendedColumns* out) {
   for (std::size_t i = 0; i < blends.size; ++i) {
     for (std::size_t x = 0; x < kBlendedTogether; ++x) {
-      const unsigned char* const first = row + blends.first[i * kBlendedTogether + x];
-      out[i].values[x] = first[0] * blends.weights[2 * i].values[x] +
-                         first[1] * blends.weights[2 * i + 1].values[x];
+      out[i].values[x] =
+          picked.first[i * kBlendedTogether + x] * blends.weights[2 * i].values[x] +
+          picked.second[i * kBlendedTogether + x] * blends.weights[2 * i + 1].values[x];
     }
+  }
+}
+
+using Pick = void (*)(const unsigned char* row, const ColumnBlends& blends, PickedColumns& picked);
+using Blend = void (*)(const PickedColumns& picked, const ColumnBlends& blends,
+                       BlendedColumns* out);
+
+template <Pick kPick, Blend kBlend>
+HVK3_LOOP void blend_across(const unsigned char* row, const ColumnBlends& blends,
+                            BlendedColumns* out) {
+  PickedColumns picked;
+  for (std::size_t i = 0; i < blends.size; i += kPickedGroups) {
+    const std::size_t left = blends.size - i;
+    const ColumnBlends part{left < kPickedGroups ? left : kPickedGroups, blends.weights + 2 * i,
+                            blends.first + i * kBlendedTogether,
+                            blends.places == nullptr ? nullptr : blends.places + i};
+    kPick(row, part, picked);
+    kBlend(picked, part, out + i);
   }
 }
 
