@@ -11,6 +11,7 @@
 
 #include "detection/bitmap_utilities.h"
 #include "detection/finger_utilities.h"
+#include "detection/literal_contrast.h"
 #include "detection/literal_rolled_finger.h"
 #include "detection/literal_rolled_finger_lx1.h"
 #include "detection/plain_finger_detection.h"
@@ -223,21 +224,46 @@ Kernel edge() {
 
 unsigned char* middle_row(ClSimpleBitmap& in) { return in.Pixel() + in.Height() / 2 * in.BPRow(); }
 
-Kernel contrast_test() {
-  return {"contrast test", {"ours", "limit"}, [](Size) {
-            return std::vector<Candidate>{
-                {"ours",
-                 [](ClSimpleBitmap& in) {
-                   in.SetPels(19685, 19685);
-                   benchmark::DoNotOptimize(
-                       lx::ClFingerUtilities::IsFinger(in, lx::ClFingerUtilities::eAreaWhole));
-                 }},
-                {"limit", [](ClSimpleBitmap& in) {
-                   for (unsigned long quarter = 1; quarter <= 3; ++quarter) {
-                     read_pass(in.Pixel() + quarter * (in.Height() / 4) * in.BPRow(), in.Width());
-                   }
-                 }}};
-          }};
+constexpr unsigned long kPels500Dpi = 19685;
+
+/// A bright frame with a resolution, as the contrast test looks at its blocks. One pixel in so many
+/// is dark.
+ClSimpleBitmap bright_frame(Size size, unsigned long dark) {
+  ClSimpleBitmap frame = noise(size, 1);
+  frame.SetPels(kPels500Dpi, kPels500Dpi);
+  unsigned long i = 0;
+  for (unsigned char& byte : std::span(frame.Pixel(), frame.PixelSize())) {
+    byte = static_cast<unsigned char>(++i % dark == 0 ? 100 : byte | 0xFC);
+  }
+  return frame;
+}
+
+/// No block has contrast.
+ClSimpleBitmap empty_platen(Size size) { return bright_frame(size, ~0UL); }
+
+/// Two blocks of five have, twice as many as it takes.
+ClSimpleBitmap ridges(Size size) { return bright_frame(size, 23); }
+
+/// One block of seven has, less than it takes, and none lies far from one: the worst case.
+ClSimpleBitmap stains(Size size) { return bright_frame(size, 67); }
+
+bool has_contrast(const ClSimpleBitmap& frame) {
+  return lx::ClFingerUtilities::IsFinger(frame, lx::ClFingerUtilities::eAreaWhole);
+}
+
+/// The first of its rows decides; the limit is that row.
+Kernel contrast_test(const std::string& name, ClSimpleBitmap (*frame)(Size), bool finger) {
+  const auto candidates = [frame, finger](Size size) {
+    const ClSimpleBitmap checked = frame(size);
+    require(has_contrast(checked) == finger, "contrast test");
+    require(test::literal_contrast_test(checked, 2) == finger, "contrast test told plainly");
+    return std::vector<Candidate>{
+        {"ours", [](ClSimpleBitmap& in) { benchmark::DoNotOptimize(has_contrast(in)); }},
+        {"limit", [](ClSimpleBitmap& in) {
+           read_pass(in.Pixel() + in.Height() / 4 * in.BPRow(), in.Width());
+         }}};
+  };
+  return {name, {"ours", "limit"}, candidates, frame};
 }
 
 Kernel probe_row() {
@@ -278,7 +304,9 @@ std::vector<Kernel> detection_kernels() {
           roll("ClRolledFingerLX1, a tenth", 1),
           roll("ClRolledFingerLX1, all", 10),
           edge(),
-          contrast_test(),
+          contrast_test("contrast test, empty", empty_platen, false),
+          contrast_test("contrast test, finger", ridges, true),
+          contrast_test("contrast test, stains", stains, false),
           probe_row(),
           black_row()};
 }

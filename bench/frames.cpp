@@ -34,8 +34,7 @@ utilities::ClSimpleBitmap noise(Size size, unsigned int seed) {
   return frame;
 }
 
-Ring::Ring(Size size, Temperature temperature) {
-  const utilities::ClSimpleBitmap frame = noise(size, 1);
+Ring::Ring(const utilities::ClSimpleBitmap& frame, Temperature temperature) {
   const unsigned long count =
       temperature == Temperature::kWarm ? 1 : 2 * last_cache() / frame.PixelSize() + 1;
   m_frames.assign(count, frame);

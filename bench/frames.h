@@ -30,10 +30,10 @@ enum class Temperature {
   kCold   ///< each frame after others that together are twice the last cache
 };
 
-/// Frames that are handed out in turn.
+/// Frames, all the same, that are handed out in turn.
 class Ring {
  public:
-  Ring(Size size, Temperature temperature);
+  Ring(const utilities::ClSimpleBitmap& frame, Temperature temperature);
 
   utilities::ClSimpleBitmap& next() {
     m_next = m_next + 1 == m_frames.size() ? 0 : m_next + 1;

@@ -11,7 +11,7 @@
 
 namespace Osv::bench {
 
-/// One way to do a kernel's work on a frame. It may change the frame, which is noise at first.
+/// One way to do a kernel's work on a frame. It may change the frame.
 struct Candidate {
   /// "ours", "SSE2" for ours with that instruction set, "limit", or the name of a library.
   std::string name;
@@ -24,6 +24,9 @@ struct Kernel {
 
   /// The candidates for frames of a size; each result has been compared with the plain one's.
   std::function<std::vector<Candidate>(Size)> candidates;
+
+  /// The frame that they work on.
+  std::function<utilities::ClSimpleBitmap(Size)> frame = [](Size size) { return noise(size, 1); };
 };
 
 /// Ends the program unless what was computed is what was expected.

@@ -45,7 +45,7 @@ class Group {
   void make() {
     if (m_ring == nullptr) {
       m_candidates = m_kernel.candidates(m_size);
-      m_ring = std::make_unique<Ring>(m_size, m_temperature);
+      m_ring = std::make_unique<Ring>(m_kernel.frame(m_size), m_temperature);
     }
   }
 

@@ -4,6 +4,8 @@
 #include <span>
 
 #include "detection/bitmap_utilities.h"
+#include "detection/block_contrast.h"
+#include "foundation/pixel_kernels.h"
 
 namespace Osv::lx {
 namespace {
@@ -13,7 +15,6 @@ constexpr long kDarkerThanGray = 19;
 constexpr double kBrightMean = 242.25;
 constexpr double kBlockMetres = 0.00055;
 constexpr double kRequiredShare = 0.2;
-constexpr unsigned long kProbeRows = 3;
 constexpr double kProbeDistance = 0.25;
 constexpr int kBlockContrast = 62;
 
@@ -42,38 +43,14 @@ Columns columns_of(const utilities::ClSimpleBitmap& bitmap, ClFingerUtilities::e
   }
 }
 
-/// What the probe rows have shown so far; it runs on from row to row.
-struct Contrast {
-  unsigned long sum = 0;
-  unsigned long blocks = 0;
-};
-
-void add_block(Contrast& contrast, std::span<const unsigned char> block) {
-  int low = 255;
-  int high = 0;
-  for (const unsigned char pixel : block) {
-    contrast.sum += pixel;
-    // A pixel that lowers the low mark must not raise the high mark too.
-    if (pixel < low) {
-      low = pixel;
-    } else {
-      high = std::max<int>(high, pixel);
-    }
-  }
-  if (high - low > kBlockContrast) {
-    ++contrast.blocks;
-  }
-}
-
-/// Adds the blocks of one row. The last block may run over the area's end, into the padding and the
-/// next row, but not over the end of the image.
-void add_row(Contrast& contrast, const utilities::ClSimpleBitmap& bitmap, unsigned long row,
-             const Columns& columns, unsigned long block) {
+/// The pixels of the blocks that begin in the area. The last block may run over the area's end,
+/// into the padding and the next row, but not over the end of the image.
+std::span<const unsigned char> blocks_of(const utilities::ClSimpleBitmap& bitmap, unsigned long row,
+                                         const Columns& columns, unsigned long block) {
   const std::span<const unsigned char> rest =
-      std::span(bitmap.Pixel(), bitmap.PixelSize()).subspan(row * bitmap.BPRow());
-  for (unsigned long from = columns.from; from < columns.to; from += block) {
-    add_block(contrast, rest.subspan(from, std::min(block, rest.size() - from)));
-  }
+      std::span(bitmap.Pixel(), bitmap.PixelSize()).subspan(row * bitmap.BPRow() + columns.from);
+  const unsigned long blocks = (columns.to - columns.from + block - 1) / block;
+  return rest.first(std::min(blocks * block, rest.size()));
 }
 
 }  // namespace
@@ -97,15 +74,12 @@ bool ClFingerUtilities::IsFinger(const utilities::ClSimpleBitmap& bitmap, eArea 
   const Columns columns = columns_of(bitmap, area);
   const unsigned long limit = cut(columns.count, kBrightMean);
   const unsigned long required = cut(columns.count / block, kRequiredShare);
-  const unsigned long distance = cut(bitmap.Height(), kProbeDistance);
-  Contrast contrast;
-  for (unsigned long probe = 1; probe <= kProbeRows; ++probe) {
-    add_row(contrast, bitmap, probe * distance, columns, block);
-    if (contrast.sum <= limit || contrast.blocks <= required) {
-      return false;
-    }
-  }
-  return true;
+  // Sum and number of blocks would run on through two more rows, at half and at three quarters of
+  // the height. They only grow: what the first row has passed, they pass.
+  const std::span<const unsigned char> blocks =
+      blocks_of(bitmap, cut(bitmap.Height(), kProbeDistance), columns, block);
+  return img::pixel_kernels().sum(blocks.data(), blocks.size()) > limit &&
+         has_contrast(blocks, block, required, kBlockContrast);
 }
 
 }  // namespace Osv::lx

@@ -23,8 +23,9 @@ class ClFingerUtilities {
   /// True when the area is, on average, darker than `gray` by a finger.
   static bool IsFinger(const utilities::ClSimpleBitmap& bitmap, unsigned long gray, eArea area);
 
-  /// The contrast test: looks for the change of ridges and valleys in blocks of 0.55 mm along three
-  /// rows. Takes the resolution from the bitmap; below 1819 pixels per metre the answer is false.
+  /// The contrast test: looks for the change of ridges and valleys in blocks of 0.55 mm along rows
+  /// at a quarter, a half and three quarters of the height, of which the first decides. Takes the
+  /// resolution from the bitmap; below 1819 pixels per metre the answer is false.
   static bool IsFinger(const utilities::ClSimpleBitmap& bitmap, eArea area);
 };
 

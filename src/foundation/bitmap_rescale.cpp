@@ -71,11 +71,20 @@ bool is_ramp(const Grays& grays) {
   return grays == ramp;
 }
 
-/// The rows of a picture as grays. Behind each the last gray is repeated.
+/// Columns next to each other.
+struct Columns {
+  unsigned long from;
+  unsigned long count;
+};
+
+/// Some columns of the rows of a picture as grays. Behind the picture's last its gray is repeated.
 class GrayRows {
  public:
-  explicit GrayRows(const ClSimpleBitmap& source)
-      : m_source(source), m_row(source.Width() + kRepeated) {
+  GrayRows(const ClSimpleBitmap& source, Columns columns)
+      : m_source(source),
+        m_from(columns.from),
+        m_inside(std::min(columns.count, source.Width() - columns.from)),
+        m_row(columns.count) {
     if (source.BitCount() == 8) {
       m_grays = grays_of_bytes(source);
       m_ramp = is_ramp(m_grays);
@@ -84,51 +93,55 @@ class GrayRows {
 
   /// Stays valid until the next is asked for.
   const unsigned char* row(unsigned long y) {
-    unsigned char* const end = m_row.data() + m_source.Width();
+    unsigned char* const end = m_row.data() + m_inside;
     if (m_source.BitCount() == 8) {
-      copy_bytes(m_source.Pixel() + y * m_source.BPRow());
+      copy_bytes(m_source.Pixel() + y * m_source.BPRow() + m_from);
     } else {
-      std::generate(m_row.data(), end, [this, x = 0UL, y]() mutable {
+      std::generate(m_row.data(), end, [this, x = m_from, y]() mutable {
         return static_cast<unsigned char>(m_source.GetPixel(x++, y));
       });
     }
-    std::memset(end, end[-1], kRepeated);
+    std::memset(end, end[-1], m_row.size() - m_inside);
     return m_row.data();
   }
 
  private:
-  static constexpr std::size_t kRepeated = 1 + 16;  // the last column's neighbour; what may be read
-
   void copy_bytes(const unsigned char* bytes) {
     if (m_ramp) {
-      std::memcpy(m_row.data(), bytes, m_source.Width());
+      std::memcpy(m_row.data(), bytes, m_inside);
     } else {
-      std::transform(bytes, bytes + m_source.Width(), m_row.begin(),
+      std::transform(bytes, bytes + m_inside, m_row.begin(),
                      [this](unsigned char byte) { return m_grays[byte]; });
     }
   }
 
   const ClSimpleBitmap& m_source;
+  unsigned long m_from;
+  unsigned long m_inside;
   Grays m_grays{};
   bool m_ramp = false;
   std::vector<unsigned char> m_row;
 };
 
-/// The tables of `img::ColumnBlends`, filled up with repetitions of the last column.
+/// The tables of `img::ColumnBlends` for some columns of the target, filled up with repetitions of
+/// the last one.
 class ColumnTables {
  public:
-  ColumnTables(unsigned long source, unsigned long target)
-      : m_size((target + kTogether - 1) / kTogether),
+  ColumnTables(const Axis& across, Columns target)
+      : m_size((target.count + kTogether - 1) / kTogether),
+        m_from(across.at(target.from).first),
         m_weights(2 * m_size),
         m_first(m_size * kTogether),
         m_places(m_size) {
-    const Axis across(source, target);
     for (unsigned long x = 0; x < m_first.size(); ++x) {
-      set(x, across.at(std::min(x, target - 1)));
+      set(x, across.at(target.from + std::min(x, target.count - 1)));
     }
   }
 
   unsigned long size() const { return m_size; }
+
+  /// The columns of the source that are read: the first neighbours and what lies behind the last.
+  Columns source() const { return {m_from, m_first.back() + kRead}; }
 
   img::ColumnBlends blends() const {
     return {m_size, m_weights.data(), m_first.data(), m_near ? m_places.data() : nullptr};
@@ -136,6 +149,7 @@ class ColumnTables {
 
  private:
   static constexpr unsigned long kTogether = img::kBlendedTogether;
+  static constexpr unsigned long kRead = 1 + 16;  // the second neighbour, as a vector
 
   /// Where both neighbours are the same column the weights cancel each other, whatever the gray:
   /// they might as well be 0, and the second may be another column.
@@ -144,24 +158,26 @@ class ColumnTables {
     const bool cancelled = column.first_weight == -column.second_weight;
     m_weights[2 * group].values[x % kTogether] = cancelled ? 0 : column.first_weight;
     m_weights[2 * group + 1].values[x % kTogether] = cancelled ? 0 : column.second_weight;
-    m_first[x] = static_cast<std::uint32_t>(column.first);
-    const unsigned long place = column.first - m_first[group * kTogether];
+    m_first[x] = static_cast<std::uint32_t>(column.first - m_from);
+    const std::uint32_t place = m_first[x] - m_first[group * kTogether];
     m_places[group].places[x % kTogether] = img::kEmptyPlaces | place;
     m_near = m_near && place < 16;
   }
 
   unsigned long m_size;
+  unsigned long m_from;
   std::vector<img::BlendedColumns> m_weights;
   std::vector<std::uint32_t> m_first;
   std::vector<img::BlendedPlaces> m_places;
   bool m_near = true;
 };
 
-/// The rows of a picture, blended across to the width of the target and kept as doubles.
+/// The rows of a picture, blended across to some columns of the target and kept as doubles.
 class BlendedRows {
  public:
-  BlendedRows(const ClSimpleBitmap& source, unsigned long width, const img::PixelKernels& kernels)
-      : m_kernels(kernels), m_source(source), m_columns(source.Width(), width) {
+  BlendedRows(const ClSimpleBitmap& source, const Axis& across, Columns target,
+              const img::PixelKernels& kernels)
+      : m_kernels(kernels), m_columns(across, target), m_source(source, m_columns.source()) {
     for (Row& row : m_rows) {
       row.columns.resize(m_columns.size());
     }
@@ -185,37 +201,59 @@ class BlendedRows {
   };
 
   const img::PixelKernels& m_kernels;
-  GrayRows m_source;
   ColumnTables m_columns;
+  GrayRows m_source;
   std::array<Row, 2> m_rows;
 };
 
-/// Puts a row of grays into a black picture with the gray ramp.
-void put_row(ClSimpleBitmap& target, unsigned long y, const std::vector<unsigned char>& grays) {
-  for (unsigned long x = 0; x < grays.size(); ++x) {
-    target.SetPixel(x, y, grays[x] * kGrayToColour);
+/// Puts grays into a row of a black picture with the gray ramp, from column `x` on.
+void put_row(ClSimpleBitmap& target, unsigned long x, unsigned long y,
+             const std::vector<unsigned char>& grays) {
+  for (const unsigned char gray : grays) {
+    target.SetPixel(x++, y, gray * kGrayToColour);
   }
 }
 
-/// Rows of the target, each blended from two. At 8 bits a gray is its own index in the ramp, so a
-/// row is blended where it is to lie.
-void blend_rows(const ClSimpleBitmap& source, ClSimpleBitmap& target,
-                const img::PixelKernels& kernels) {
-  const unsigned long width = target.Width();
+/// Some columns of the target, row by row, each blended from two rows. At 8 bits a gray is its own
+/// index in the ramp, so a row is blended where it is to lie.
+void blend_columns(const ClSimpleBitmap& source, ClSimpleBitmap& target, const Axis& across,
+                   Columns columns, const img::PixelKernels& kernels) {
+  const unsigned long height = target.Height();
   const unsigned long stride = target.BPRow();
   const bool in_place = target.BitCount() == 8;
-  BlendedRows rows(source, width, kernels);
-  const Axis down(source.Height(), target.Height());
-  std::vector<unsigned char> grays(in_place ? 0 : width);
-  for (unsigned long y = 0; y < target.Height(); ++y) {
+  BlendedRows rows(source, across, columns, kernels);
+  const Axis down(source.Height(), height);
+  std::vector<unsigned char> grays(in_place ? 0 : columns.count);
+  unsigned char* out = in_place ? target.Pixel() + columns.from : grays.data();
+  for (unsigned long y = 0; y < height; ++y) {
     const Neighbours row = down.at(y);
     const img::BlendedColumns* const top = rows.row(row.first);
     const img::BlendedColumns* const bottom = rows.row(row.second);
-    unsigned char* const out = target.Pixel() + y * stride;
-    std::memset(out + (in_place ? width : 0), 0, stride - (in_place ? width : 0));
-    kernels.blend_down(top, row.first_weight, bottom, row.second_weight,
-                       in_place ? out : grays.data(), width);
-    put_row(target, y, grays);
+    kernels.blend_down(top, row.first_weight, bottom, row.second_weight, out, columns.count);
+    put_row(target, columns.from, y, grays);
+    out += in_place ? stride : 0;
+  }
+}
+
+/// Columns of the target that are blended together from the top to the bottom: what they need stays
+/// in the first cache.
+constexpr unsigned long kPanelColumns = 640;
+
+void blend_panels(const ClSimpleBitmap& source, ClSimpleBitmap& target,
+                  const img::PixelKernels& kernels) {
+  const unsigned long width = target.Width();
+  const Axis across(source.Width(), width);
+  for (unsigned long from = 0; from < width; from += kPanelColumns) {
+    blend_columns(source, target, across, {from, std::min(kPanelColumns, width - from)}, kernels);
+  }
+}
+
+/// All that is no pixel, and where pixels are put one by one, them too.
+void blacken(ClSimpleBitmap& target) {
+  const unsigned long stride = target.BPRow();
+  const unsigned long kept = target.BitCount() == 8 ? target.Width() : 0;
+  for (unsigned long y = 0; y < target.Height() && kept != stride; ++y) {
+    std::memset(target.Pixel() + y * stride + kept, 0, stride - kept);
   }
 }
 
@@ -225,7 +263,8 @@ void interpolate(const ClSimpleBitmap& source, ClSimpleBitmap& target,
   if (target.Width() == 1 || target.Height() == 1 || source.PixelSize() == 0) {
     target.SetBlack();
   } else {
-    blend_rows(source, target, kernels);
+    blacken(target);
+    blend_panels(source, target, kernels);
   }
 }
 
@@ -233,11 +272,14 @@ void repeat_pixels(const ClSimpleBitmap& source, ClSimpleBitmap& target,
                    const img::PixelKernels& kernels) {
   const unsigned long bytes = (source.Width() * source.BitCount() + 7) / 8;
   const unsigned long stride = target.BPRow();
+  const unsigned long padding = stride - 2 * bytes;
   for (unsigned long y = 0; y < source.Height(); ++y) {
     unsigned char* const first = target.Pixel() + 2 * y * stride;
     kernels.double_row(source.Pixel() + y * source.BPRow(), bytes, first, first + stride);
-    std::memset(first + 2 * bytes, 0, stride - 2 * bytes);
-    std::memset(first + stride + 2 * bytes, 0, stride - 2 * bytes);
+    if (padding != 0) {
+      std::memset(first + 2 * bytes, 0, padding);
+      std::memset(first + stride + 2 * bytes, 0, padding);
+    }
   }
 }
 

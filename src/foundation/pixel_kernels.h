@@ -20,13 +20,13 @@ struct alignas(kBlendedTogether * sizeof(double)) BlendedColumns {
 };
 
 /// Where columns that are blended together lie in a vector of bytes that begins with the first one:
-/// their places, as a shuffle that makes words of 64 bits takes them.
-struct alignas(kBlendedTogether * sizeof(std::uint64_t)) BlendedPlaces {
-  std::uint64_t places[kBlendedTogether];
+/// their places, as a shuffle that makes words of 32 bits takes them.
+struct alignas(kBlendedTogether * sizeof(std::uint32_t)) BlendedPlaces {
+  std::uint32_t places[kBlendedTogether];
 };
 
 /// What a place has beside its number: the other bytes of its word become 0.
-inline constexpr std::uint64_t kEmptyPlaces = 0x8080808080808000;
+inline constexpr std::uint32_t kEmptyPlaces = 0x80808000;
 
 /// How `size` times `kBlendedTogether` columns come from a row, each from two side by side.
 struct ColumnBlends {
@@ -68,8 +68,8 @@ struct PixelKernels {
   /// read 17 bytes from any first one on.
   void (*blend_across)(const unsigned char* row, const ColumnBlends& blends, BlendedColumns* out);
 
-  /// top * top_weight + bottom * bottom_weight, cut to a whole number and its low byte, for `size`
-  /// columns.
+  /// top * top_weight + bottom * bottom_weight, cut to a whole number, which has to be a byte, for
+  /// `size` columns.
   void (*blend_down)(const BlendedColumns* top, double top_weight, const BlendedColumns* bottom,
                      double bottom_weight, unsigned char* out, std::size_t size);
 };

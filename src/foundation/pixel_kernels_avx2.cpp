@@ -100,50 +100,91 @@ HVK3_AVX2 void double_row(const unsigned char* bytes, std::size_t size, unsigned
   loops::double_row<kVector>(bytes, size, first, second);
 }
 
-/// Four bytes as doubles. Each takes the lowest place of a mantissa, under the exponent of 2^52;
-/// without that number the byte is left.
-HVK3_AVX2 __m256d doubles_of(__m256i bytes, __m256i places) {
-  const __m256i exponent = _mm256_set1_epi64x(0x4330000000000000);
-  const __m256i sum = _mm256_or_si256(_mm256_shuffle_epi8(bytes, places), exponent);
-  return _mm256_sub_pd(_mm256_castsi256_pd(sum), _mm256_castsi256_pd(exponent));
-}
-
 /// 16 bytes, twice.
 HVK3_AVX2 __m256i twice(const unsigned char* bytes) {
   return _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes)));
 }
 
-HVK3_AVX2 void blend_across(const unsigned char* row, const ColumnBlends& blends,
-                            BlendedColumns* out) {
-  constexpr std::size_t kDoubles = sizeof(__m256d) / sizeof(double);
+/// Eight bytes as numbers of 32 bits.
+HVK3_AVX2 void pick(const unsigned char* bytes, const BlendedPlaces& places, std::int32_t* picked) {
+  const __m256i shuffle = _mm256_load_si256(reinterpret_cast<const __m256i*>(places.places));
+  _mm256_store_si256(reinterpret_cast<__m256i*>(picked),
+                     _mm256_shuffle_epi8(twice(bytes), shuffle));
+}
+
+HVK3_AVX2 void pick_columns(const unsigned char* row, const ColumnBlends& blends,
+                            loops::PickedColumns& picked) {
   if (blends.places == nullptr) {
-    loops::blend_across(row, blends, out);
+    loops::pick_columns(row, blends, picked);
     return;
   }
-  const BlendedColumns* weights = blends.weights;
-  const std::uint32_t* first = blends.first;
-  const BlendedPlaces* const end = blends.places + blends.size;
-  for (const BlendedPlaces* i = blends.places; i != end; ++i) {
-    const __m256i firsts = twice(row + *first);
-    const __m256i seconds = twice(row + *first + 1);
-    for (std::size_t x = 0; x < kBlendedTogether; x += kDoubles) {
-      const __m256i places = _mm256_load_si256(reinterpret_cast<const __m256i*>(i->places + x));
-      _mm256_store_pd(
-          out->values + x,
-          _mm256_add_pd(
-              _mm256_mul_pd(doubles_of(firsts, places), _mm256_load_pd(weights[0].values + x)),
-              _mm256_mul_pd(doubles_of(seconds, places), _mm256_load_pd(weights[1].values + x))));
-    }
-    weights += 2;
-    first += kBlendedTogether;
-    ++out;
+  for (std::size_t i = 0; i < blends.size; ++i) {
+    const std::size_t x = i * kBlendedTogether;
+    pick(row + blends.first[x], blends.places[i], picked.first + x);
+    pick(row + blends.first[x] + 1, blends.places[i], picked.second + x);
   }
 }
 
+/// Four numbers as doubles. Converted from memory they pass the one port for shuffles by.
+HVK3_AVX2 __m256d doubles_at(const std::int32_t* picked) {
+  return _mm256_cvtepi32_pd(_mm_load_si128(reinterpret_cast<const __m128i*>(picked)));
+}
+
+HVK3_AVX2 void blend_picked(const loops::PickedColumns& picked, const ColumnBlends& blends,
+                            BlendedColumns* out) {
+  constexpr std::size_t kDoubles = sizeof(__m256d) / sizeof(double);
+  const std::int32_t* first = picked.first;
+  const std::int32_t* second = picked.second;
+  const BlendedColumns* weights = blends.weights;
+  for (BlendedColumns* const end = out + blends.size; out != end; ++out) {
+    for (std::size_t x = 0; x < kBlendedTogether; x += kDoubles) {
+      _mm256_store_pd(
+          out->values + x,
+          _mm256_add_pd(
+              _mm256_mul_pd(doubles_at(first + x), _mm256_load_pd(weights[0].values + x)),
+              _mm256_mul_pd(doubles_at(second + x), _mm256_load_pd(weights[1].values + x))));
+    }
+    first += kBlendedTogether;
+    second += kBlendedTogether;
+    weights += 2;
+  }
+}
+
+HVK3_AVX2 void blend_across(const unsigned char* row, const ColumnBlends& blends,
+                            BlendedColumns* out) {
+  loops::blend_across<pick_columns, blend_picked>(row, blends, out);
+}
+
+/// Two rows, with what they count.
+struct RowPair {
+  const double* top;
+  const double* bottom;
+  __m256d top_weight;
+  __m256d bottom_weight;
+};
+
+/// Four columns as numbers of 32 bits.
+HVK3_AVX2 __m128i blended(const RowPair& rows, std::size_t x) {
+  return _mm256_cvttpd_epi32(
+      _mm256_add_pd(_mm256_mul_pd(rows.top_weight, _mm256_load_pd(rows.top + x)),
+                    _mm256_mul_pd(rows.bottom_weight, _mm256_load_pd(rows.bottom + x))));
+}
+
+/// Narrows without the masks that the compiler would put between, as it can't know that the numbers
+/// are bytes.
 HVK3_AVX2 void blend_down(const BlendedColumns* top, double top_weight,
                           const BlendedColumns* bottom, double bottom_weight, unsigned char* out,
                           std::size_t size) {
-  loops::blend_down(top, top_weight, bottom, bottom_weight, out, size);
+  const RowPair rows{top->values, bottom->values, _mm256_set1_pd(top_weight),
+                     _mm256_set1_pd(bottom_weight)};
+  std::size_t x = 0;
+  for (; x + sizeof(__m128i) <= size; x += sizeof(__m128i)) {
+    const __m128i first = _mm_packs_epi32(blended(rows, x), blended(rows, x + 4));
+    const __m128i second = _mm_packs_epi32(blended(rows, x + 8), blended(rows, x + 12));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + x), _mm_packus_epi16(first, second));
+  }
+  loops::blend_down(top + x / kBlendedTogether, top_weight, bottom + x / kBlendedTogether,
+                    bottom_weight, out + x, size - x);
 }
 
 }  // namespace

@@ -42,8 +42,18 @@ void double_row(const unsigned char* bytes, std::size_t size, unsigned char* fir
   loops::double_row<kVector>(bytes, size, first, second);
 }
 
+void pick_columns(const unsigned char* row, const ColumnBlends& blends,
+                  loops::PickedColumns& picked) {
+  loops::pick_columns(row, blends, picked);
+}
+
+void blend_picked(const loops::PickedColumns& picked, const ColumnBlends& blends,
+                  BlendedColumns* out) {
+  loops::blend_picked(picked, blends, out);
+}
+
 void blend_across(const unsigned char* row, const ColumnBlends& blends, BlendedColumns* out) {
-  loops::blend_across(row, blends, out);
+  loops::blend_across<pick_columns, blend_picked>(row, blends, out);
 }
 
 void blend_down(const BlendedColumns* top, double top_weight, const BlendedColumns* bottom,

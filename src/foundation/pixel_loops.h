@@ -204,24 +204,68 @@ HVK3_LOOP void double_bytes(const unsigned char* __restrict bytes, std::size_t s
   }
 }
 
-/// Apart what comes before the first aligned vector of the output.
+/// Whole vectors, aligned in the first row of the output, and once more those at both ends, which
+/// overlap them.
 template <std::size_t kVector>
 HVK3_LOOP void double_row(const unsigned char* bytes, std::size_t size, unsigned char* first,
                           unsigned char* second) {
-  const std::size_t unaligned = unaligned_bytes<kVector>(first) / 2;
-  const std::size_t begin = unaligned < size ? unaligned : size;
-  double_bytes(bytes, begin, first, second);
-  double_bytes(bytes + begin, size - begin, first + 2 * begin, second + 2 * begin);
+  if (size < kVector) {
+    double_bytes(bytes, size, first, second);
+    return;
+  }
+  const std::size_t last = size - kVector;
+  double_bytes(bytes, kVector, first, second);
+  for (std::size_t i = unaligned_bytes<kVector>(first) / 2; i < last; i += kVector) {
+    double_bytes(bytes + i, kVector, first + 2 * i, second + 2 * i);
+  }
+  double_bytes(bytes + last, kVector, first + 2 * last, second + 2 * last);
 }
 
-HVK3_LOOP void blend_across(const unsigned char* row, const ColumnBlends& blends,
+/// Columns whose neighbours are picked at once; they stay in the first cache until they are
+/// blended.
+constexpr std::size_t kPickedGroups = 32;
+
+/// The two neighbours of columns, as numbers that convert to doubles straight from memory.
+struct PickedColumns {
+  alignas(64) std::int32_t first[kPickedGroups * kBlendedTogether];
+  alignas(64) std::int32_t second[kPickedGroups * kBlendedTogether];
+};
+
+HVK3_LOOP void pick_columns(const unsigned char* row, const ColumnBlends& blends,
+                            PickedColumns& picked) {
+  for (std::size_t x = 0; x < blends.size * kBlendedTogether; ++x) {
+    const unsigned char* const first = row + blends.first[x];
+    picked.first[x] = first[0];
+    picked.second[x] = first[1];
+  }
+}
+
+HVK3_LOOP void blend_picked(const PickedColumns& picked, const ColumnBlends& blends,
                             BlendedColumns* out) {
   for (std::size_t i = 0; i < blends.size; ++i) {
     for (std::size_t x = 0; x < kBlendedTogether; ++x) {
-      const unsigned char* const first = row + blends.first[i * kBlendedTogether + x];
-      out[i].values[x] = first[0] * blends.weights[2 * i].values[x] +
-                         first[1] * blends.weights[2 * i + 1].values[x];
+      out[i].values[x] =
+          picked.first[i * kBlendedTogether + x] * blends.weights[2 * i].values[x] +
+          picked.second[i * kBlendedTogether + x] * blends.weights[2 * i + 1].values[x];
     }
+  }
+}
+
+using Pick = void (*)(const unsigned char* row, const ColumnBlends& blends, PickedColumns& picked);
+using Blend = void (*)(const PickedColumns& picked, const ColumnBlends& blends,
+                       BlendedColumns* out);
+
+template <Pick kPick, Blend kBlend>
+HVK3_LOOP void blend_across(const unsigned char* row, const ColumnBlends& blends,
+                            BlendedColumns* out) {
+  PickedColumns picked;
+  for (std::size_t i = 0; i < blends.size; i += kPickedGroups) {
+    const std::size_t left = blends.size - i;
+    const ColumnBlends part{left < kPickedGroups ? left : kPickedGroups, blends.weights + 2 * i,
+                            blends.first + i * kBlendedTogether,
+                            blends.places == nullptr ? nullptr : blends.places + i};
+    kPick(row, part, picked);
+    kBlend(picked, part, out + i);
   }
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "detection/images.h"
+#include "detection/literal_contrast.h"
 
 namespace Osv::lx {
 namespace {
@@ -225,38 +226,6 @@ TEST_F(FingerByContrast, ABlockNeverRunsOverTheEndOfTheImage) {
   EXPECT_FALSE(Fingers::IsFinger(small, Fingers::eAreaLast));
 }
 
-/// The contrast test told once more, pixel by pixel, for images of at least 30 columns.
-bool plain_contrast_test(const ClSimpleBitmap& image, unsigned long area) {
-  const unsigned long width = image.Width();
-  const unsigned long first = area == 0 ? width - 30 : 0;
-  const unsigned long end = area == 1 ? 30 : width;
-  const unsigned long n = end - first;
-  const auto block = static_cast<unsigned long>(static_cast<double>(image.YPels()) * 0.00055);
-  const unsigned long blocks = n / block;
-  const auto required = static_cast<unsigned long>(static_cast<double>(blocks) * 0.2);
-  unsigned long sum = 0;
-  unsigned long count = 0;
-  bool result = true;
-  for (unsigned long probe = 1; probe <= 3 && result; ++probe) {
-    const unsigned char* const row = image.Pixel() + probe * (image.Height() / 4) * image.BPRow();
-    for (unsigned long x = first; x < end; x += block) {
-      int low = 255;
-      int high = 0;
-      for (unsigned long i = x; i < x + block; ++i) {
-        sum += row[i];
-        if (row[i] < low) {
-          low = row[i];
-        } else if (row[i] > high) {
-          high = row[i];
-        }
-      }
-      count += high - low > 62 ? 1 : 0;
-    }
-    result = sum > n * 24225 / 100 && count > required;
-  }
-  return result;
-}
-
 TEST_F(FingerByContrast, ItAgreesWithAPlainVersionOnRandomImages) {
   std::mt19937 generator(7);
   int fingers = 0;
@@ -268,7 +237,7 @@ TEST_F(FingerByContrast, ItAgreesWithAPlainVersionOnRandomImages) {
       random.Pixel()[generator() % random.PixelSize()] = static_cast<unsigned char>(generator());
     }
     for (const unsigned int area : {0U, 1U, 2U}) {
-      const bool expected = plain_contrast_test(random, area);
+      const bool expected = test::literal_contrast_test(random, area);
       ASSERT_EQ(Fingers::IsFinger(random, Fingers::eArea{area}), expected) << trial;
       fingers += expected ? 1 : 0;
     }

@@ -180,6 +180,12 @@ TEST_P(RescaleAtDepth, BlendsASingleColumnOrRowAsTheReferenceDoes) {
   expect_bilinear(random_bitmap(1, 1, GetParam(), m_random), 3, 3);
 }
 
+TEST_P(RescaleAtDepth, BlendsMoreColumnsThanAreBlendedTogetherAsTheReferenceDoes) {
+  expect_bilinear(random_bitmap(1031, 3, GetParam(), m_random), 1299, 4);
+  expect_bilinear(random_bitmap(1299, 4, GetParam(), m_random), 1031, 3);
+  expect_bilinear(random_bitmap(3001, 2, GetParam(), m_random), 653, 2);
+}
+
 TEST_P(RescaleAtDepth, IsBlackWhereTheTargetHasASideOf1) {
   for (const auto& [width, height] : {std::pair{1UL, 7UL}, {7UL, 1UL}, {1UL, 1UL}}) {
     EXPECT_EQ(block(rescaled(source(), width, height, kBilinear)),
