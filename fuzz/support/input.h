@@ -4,7 +4,6 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <span>
 #include <string>
 
@@ -26,8 +25,7 @@ class Input {
   template <std::integral T>
   T number() {
     T value = 0;
-    const Bytes taken = bytes(sizeof(value));
-    std::memcpy(&value, taken.data(), taken.size());
+    fill(&value, sizeof(value));
     return value;
   }
 
@@ -35,6 +33,12 @@ class Input {
 
   /// A byte, cut to a number below `limit`.
   unsigned int below(unsigned int limit) { return byte() % limit; }
+
+  /// Fills memory; what is missing stays as it is.
+  void fill(void* memory, std::size_t size) {
+    const Bytes taken = bytes(size);
+    std::copy(taken.begin(), taken.end(), static_cast<std::uint8_t*>(memory));
+  }
 
   /// At most so many bytes.
   Bytes bytes(std::size_t most) {
