@@ -10,3 +10,8 @@ if(HVK3_SANITIZE)
     add_compile_options(-fno-sanitize=function)
   endif()
 endif()
+
+# libFuzzer follows the coverage of everything but of itself.
+if(HVK3_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()

@@ -27,7 +27,8 @@
 /// and takes the first scanner of the list when none was chosen. Opening reads the calibration data
 /// in the scanner's memory and may take a second or more. An operation that "opens the scanner" may
 /// return 0x10000002 (none attached), the scanner's own number, 0x10000025 (its calibration data is
-/// corrupt) or a negative number (the calibration engine refused it). If the scanner library fails
+/// corrupt), a negative number (the calibration engine refused it) or, if none was chosen and the
+/// first one went before it could be, 0x1000001B. If the scanner library fails
 /// without naming a reason, a failed operation returns 0: set what an operation is to fill to null
 /// or 0 before the call, and test it afterwards.
 ///

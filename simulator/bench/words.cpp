@@ -48,7 +48,8 @@ long Words::whole_number() {
   const int base = text.find("0x") == std::string::npos ? 10 : 16;
   errno = 0;
   const long value = std::strtol(text.c_str(), &end, base);
-  if (m_bQuoted || text.empty() || *end != '\0' || errno == ERANGE) {
+  const bool whole = end == text.c_str() + text.size();  // a zero byte ends no word
+  if (m_bQuoted || text.empty() || !whole || errno == ERANGE) {
     refuse_here();
   }
   advance();

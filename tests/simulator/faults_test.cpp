@@ -264,6 +264,10 @@ TEST_F(Faults, AFaultThatIsNotUnderstoodIsRefusedWithTheWord) {
   EXPECT_EQ(refusal("CalibrateGetOption answers text 'Enabled"), at("'Enabled"));
 }
 
+TEST_F(Faults, AZeroByteBehindANumberBelongsToIt) {
+  EXPECT_NE(refusal(std::string("Calibrate fails with 1") + '\0'), "none");
+}
+
 TEST_F(Faults, AnEffectThatAFunctionCanNotHaveIsRefused) {
   EXPECT_NE(refusal("ftrScanSetOptions gives a null handle"), "none");
   EXPECT_NE(refusal("ftrScanSetOptions gives no text"), "none");

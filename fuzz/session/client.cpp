@@ -1,0 +1,471 @@
+#include "session/client.h"
+
+#include <pthread.h>
+
+#include <array>
+#include <memory>
+#include <vector>
+
+#include "capture/capture_channel.h"
+#include "foundation/wait.h"
+#include "ostrevanhvk3/errors.h"
+#include "support/require.h"
+
+namespace Osv::fuzz {
+namespace {
+
+namespace error_number = lx::error_number;
+
+constexpr int kHandle = 4711;
+constexpr unsigned int kChannel = 1;
+constexpr unsigned int kDeepest = 3;
+constexpr unsigned int kMostPasses = 6;
+
+Client* g_client = nullptr;
+
+/// Waits take no time; the worker's end of a pass and its rest are the places where a client may
+/// interfere.
+void wait(eWait kind, int milliseconds) {
+  if (kind == eWait::Nanosleep) {
+    wait_for_client(milliseconds);
+  }
+}
+
+/// Calls something that copies a text out: for its size, with as much as it wants, and with
+/// less than that.
+template <typename Get>
+std::string copied_text(Get get, bool short_of) {
+  unsigned long size = 0;
+  get(nullptr, size);
+  constexpr unsigned long kLongest = 1UL << 16;
+  require(size < kLongest, "a text has a length");
+  std::vector<char> text(short_of && size > 0 ? size - 1 : size);
+  size = text.size();
+  get(text.data(), size);
+  return {text.begin(), text.end()};
+}
+
+}  // namespace
+
+void wait_for_client(int milliseconds) {
+  if (!lx::ClFrameGrabberChannel::IsWorkerThread()) {
+    return;
+  }
+  if (milliseconds == 0) {
+    g_client->pass();
+  } else {
+    g_client->m_rendezvous.rest();
+  }
+}
+
+void note_worker() {
+  if (g_client != nullptr) {
+    g_client->m_rendezvous.let_run();
+  }
+}
+
+const Client::Entry Client::kEntries[] = {
+    {&Client::get_info, Place::EventCallback},
+    {&Client::get_version, Place::EventCallback},
+    {&Client::get_last_error, Place::EventCallback},
+    {&Client::set_camera, Place::EventCallback},
+    {&Client::get_image, Place::EventCallback},
+    {&Client::start, Place::Callback},
+    {&Client::stop, Place::Callback},
+    {&Client::set_filter, Place::EventCallback},
+    {&Client::set_property, Place::EventCallback},
+    {&Client::get_property, Place::EventCallback},
+    {&Client::set_property_ex, Place::EventCallback},
+    {&Client::get_property_ex, Place::EventCallback},
+    {&Client::freeze, Place::EventCallback},
+    {&Client::go_on, Place::Outside},
+    {&Client::lists, Place::EventCallback},
+    {&Client::enable_events, Place::EventCallback},
+    {&Client::unsupported, Place::EventCallback},
+    {&Client::list_devices, Place::EventCallback},
+    {&Client::choose_device, Place::Callback},
+    {&Client::get_active_device, Place::EventCallback},
+    {&Client::set_callbacks, Place::Callback},
+    {&Client::measure_contamination, Place::EventCallback},
+    {&Client::frame_info, Place::EventCallback},
+    {&Client::get_feature, Place::EventCallback},
+    {&Client::set_feature, Place::EventCallback},
+    {&Client::start_anew, Place::Outside},
+};
+
+Client::Client(Bytes operations) : m_operations(operations) {
+  g_client = this;
+  ExchangeWaitFunction(&wait);
+}
+
+Client::~Client() {
+  ExchangeWaitFunction(nullptr);
+  g_client = nullptr;
+}
+
+Transcript Client::run() {
+  connect();
+  while (m_operations.left() > 0) {
+    do_next(Place::Outside);
+  }
+  destroy();
+  return m_transcript;
+}
+
+/// Inside a callback of the worker there is nobody to join.
+template <typename Operation>
+unsigned long Client::joining(Operation operation) {
+  if (m_depth > 0) {
+    return operation();
+  }
+  m_rendezvous.begin_joining();
+  const unsigned long result = operation();
+  m_rendezvous.end_joining();
+  return result;
+}
+
+void Client::connect() {
+  grabber().SetCallbacks(kChannel, &Client::on_start, &Client::on_stop);
+  grabber().EnableEvents(0, kHandle, &Client::on_event, this);
+}
+
+void Client::destroy() {
+  stop({});
+  DestroyFrameGrabber();
+}
+
+void Client::do_next(Place place) {
+  if (m_operations.left() == 0 || m_depth > kDeepest) {
+    return;
+  }
+  const Entry& entry = kEntries[m_operations.below(std::size(kEntries))];
+  const Choice choice = {m_operations.byte(), m_operations.byte()};
+  if (place <= entry.innermost) {
+    (this->*entry.operation)(choice);
+  }
+}
+
+void Client::called_back(const char* word, Place place) {
+  m_transcript.word(word);
+  ++m_depth;
+  do_next(place);
+  --m_depth;
+}
+
+/// The worker freezes itself when it has made its passes, so that the client finds it at rest.
+void Client::pass() {
+  if (m_passes > 0) {
+    --m_passes;
+  }
+  if (m_passes == 0) {
+    grabber().Freeze(kChannel, true);
+  }
+}
+
+void Client::on_start(int handle, unsigned int channel, void* user) {
+  require(handle == kHandle && channel == kChannel, "a callback has the client's handle");
+  static_cast<Client*>(user)->called_back("start\n");
+}
+
+void Client::on_stop(int /*handle*/, unsigned int /*channel*/, void* user) {
+  static_cast<Client*>(user)->called_back("stop\n");
+  static_cast<Client*>(user)->m_rendezvous.end();
+}
+
+void Client::on_live(int /*handle*/, unsigned int /*channel*/, unsigned char* image, void* user) {
+  static_cast<Client*>(user)->m_transcript.image(image);
+  static_cast<Client*>(user)->called_back("live\n");
+}
+
+void Client::on_finger(int /*handle*/, unsigned int /*channel*/, int /*type*/, unsigned char* image,
+                       void* user) {
+  static_cast<Client*>(user)->m_transcript.image(image);
+  static_cast<Client*>(user)->called_back("finger\n");
+}
+
+void Client::on_error(int /*handle*/, unsigned int /*channel*/, const char* text, void* user) {
+  constexpr long kNumberOfFamily = 1;
+  static_cast<Client*>(user)->m_transcript.error(
+      text, {kNumberOfFamily, error_number::DetectionDisabled});
+  static_cast<Client*>(user)->called_back("error\n");
+}
+
+void Client::on_event(int handle, unsigned int /*channel*/, eFGs grabber, unsigned int /*type*/,
+                      void* user) {
+  require(handle == kHandle && grabber == eFG_HVK3, "an event has the client's handle");
+  static_cast<Client*>(user)->called_back("event\n", Place::EventCallback);
+}
+
+void Client::get_info(const Choice& choice) {
+  const auto get = [&](char* text, unsigned long& size) {
+    m_transcript.result("info", grabber().GetInfo(text, size),
+                        {error_number::BufferTooSmall, error_number::NullPointer});
+  };
+  m_transcript.word(copied_text(get, choice.first % 4 == 0).c_str());
+}
+
+void Client::get_version(const Choice& choice) {
+  const auto get = [&](char* text, unsigned long& size) {
+    m_transcript.result("version", grabber().GetVersion(text, size),
+                        {error_number::VersionTooSmall, error_number::VersionNullPointer});
+  };
+  m_transcript.word(copied_text(get, choice.first % 4 == 0).c_str());
+}
+
+void Client::get_last_error(const Choice& choice) {
+  const auto get = [&](char* text, unsigned long& size) {
+    m_transcript.result("last error", grabber().GetLastError(text, size),
+                        {error_number::BufferTooSmall, error_number::NullPointer});
+  };
+  m_transcript.word(copied_text(get, choice.first % 4 == 0).c_str());
+}
+
+void Client::set_camera(const Choice& choice) {
+  m_transcript.result(
+      "camera",
+      grabber().SetCamera(choice.channel(), eCameraIDs{choice.second},
+                          eColorModeIDs{choice.first % 2U}),
+      {error_number::UnknownCamera, error_number::ColorMode, error_number::IncorrectChannel});
+}
+
+void Client::get_image(const Choice& choice) {
+  unsigned char* image = nullptr;
+  unsigned char** const place = choice.second % 16 == 0 ? nullptr : &image;
+  m_transcript.result(
+      "image", grabber().GetImage(choice.channel(), place),
+      {error_number::NullPointer, error_number::IncorrectChannel, error_number::DetectionDisabled});
+  if (image != nullptr) {
+    m_transcript.image(image);
+  }
+  grabber().FreeImage(image);
+}
+
+/// Outside of callbacks the client waits until the worker rests or has ended, if one has begun: a
+/// scanner library that fails without a reason lets the call succeed.
+void Client::start(const Choice& choice) {
+  const bool may_begin = m_depth == 0 && !m_rendezvous.is_resting();
+  if (may_begin) {
+    m_passes = 1 + choice.second % kMostPasses;
+    grabber().Freeze(kChannel, choice.second == 255);
+  }
+  const unsigned long result = grabber().StartCapture(
+      kHandle, choice.channel(), eCaptureModeIDs{choice.first % 3U}, &Client::on_live,
+      choice.second % 8 == 0 ? nullptr : &Client::on_finger, &Client::on_error, nullptr, this);
+  if (may_begin) {
+    m_rendezvous.wait();
+  }
+  m_transcript.result("start", result,
+                      {error_number::UnknownDetection, error_number::AlreadyCapturing,
+                       error_number::IncorrectChannel});
+}
+
+void Client::stop(const Choice& choice) {
+  const unsigned long result = joining([&] { return grabber().StopCapture(choice.channel()); });
+  m_transcript.result("stop", result, {error_number::InvalidState, error_number::IncorrectChannel});
+}
+
+void Client::set_filter(const Choice& choice) {
+  m_transcript.result("filter",
+                      grabber().SetFilter(choice.channel(), eFilterIDs{choice.second % 2U}),
+                      {error_number::UnknownFilter, error_number::IncorrectChannel});
+  m_transcript.result("background", grabber().RefreshBackGround(choice.channel()), {});
+}
+
+void Client::set_property(const Choice& choice) {
+  m_transcript.result("set property",
+                      grabber().SetFGProperty(ePropertyIDs{choice.first % 15U}, choice.second % 4U),
+                      {error_number::IncorrectProperty, error_number::PropertyReadOnly,
+                       error_number::DetectionNotLoaded, error_number::DetectionDisabled});
+}
+
+void Client::get_property(const Choice& choice) {
+  unsigned int value = 0;
+  m_transcript.result("get property",
+                      grabber().GetFGProperty(ePropertyIDs{choice.first % 15U}, value),
+                      {error_number::IncorrectProperty, error_number::DetectionDisabled});
+  m_transcript.output(&value, sizeof(value));
+}
+
+void Client::set_property_ex(const Choice& choice) {
+  m_transcript.result(
+      "set property ex",
+      grabber().SetFGPropertyEx(choice.channel(), ePropertyIDs{choice.first % 15U}, choice.second),
+      {error_number::IncorrectProperty, error_number::PropertyReadOnly,
+       error_number::IncorrectChannel, error_number::DetectionNotLoaded});
+}
+
+void Client::get_property_ex(const Choice& choice) {
+  unsigned long value = 0;
+  m_transcript.result(
+      "get property ex",
+      grabber().GetFGPropertyEx(choice.channel(), ePropertyIDs{choice.first % 15U}, value),
+      {error_number::IncorrectProperty, error_number::IncorrectChannel,
+       error_number::DetectionDisabled});
+  m_transcript.output(&value, sizeof(value));
+}
+
+void Client::freeze(const Choice& choice) {
+  m_transcript.result("freeze", grabber().Freeze(choice.channel(), true),
+                      {error_number::IncorrectChannel});
+}
+
+/// Lets a worker that rests make some more passes.
+void Client::go_on(const Choice& choice) {
+  if (!m_rendezvous.is_resting()) {
+    return;
+  }
+  m_passes = 1 + choice.second % kMostPasses;
+  m_transcript.result("go on", grabber().Freeze(kChannel, false), {});
+  m_rendezvous.let_run();
+  m_rendezvous.wait();
+}
+
+void Client::lists(const Choice& choice) {
+  std::array<std::uint32_t, 8> list = {};
+  const auto ask = [&](auto operation) {
+    unsigned long count = choice.second % list.size();
+    m_transcript.result("list", operation(count),
+                        {error_number::BufferTooSmall, error_number::NullPointer});
+    m_transcript.output(list.data(), sizeof(list));
+  };
+  void* const place = choice.first % 4 == 0 ? nullptr : list.data();
+  ask([&](auto& count) {
+    return grabber().AvailableCameras(static_cast<eCameraIDs*>(place), count);
+  });
+  ask([&](auto& count) {
+    return grabber().AvailableColorModes(static_cast<eColorModeIDs*>(place), count);
+  });
+  ask([&](auto& count) {
+    return grabber().AvailableDetections(static_cast<eCaptureModeIDs*>(place), count);
+  });
+  ask([&](auto& count) {
+    return grabber().AvailableFilters(static_cast<eFilterIDs*>(place), count);
+  });
+  ask([&](auto& count) {
+    return grabber().AvailablePropertiesEx(static_cast<ePropertyIDs*>(place), count);
+  });
+}
+
+void Client::enable_events(const Choice& choice) {
+  m_transcript.result(
+      "events",
+      grabber().EnableEvents(0, kHandle, choice.first % 4 == 0 ? nullptr : &Client::on_event, this),
+      {});
+}
+
+void Client::unsupported(const Choice& choice) {
+  unsigned long size = choice.second;
+  m_transcript.result("resolution",
+                      grabber().SetResolution(choice.channel(), lx::ClImageResolution()),
+                      {error_number::NotSupported});
+  m_transcript.bare_result("write", grabber().WriteEEPROM(nullptr, size),
+                           {error_number::NotSupported});
+  m_transcript.bare_result("read", grabber().ReadEEPROM(nullptr, size),
+                           {error_number::NotSupported});
+  m_transcript.bare_result("aspect", grabber().SetAspectRatio(choice.channel(), 1.0, 1.0),
+                           {error_number::NotSupported});
+  m_transcript.bare_result("dialog", grabber().ShowDialog(eDlgIDs{choice.first}, 0),
+                           {error_number::HardwareVersion});
+  m_transcript.bare_result("setting", grabber().SaveSetting(choice.channel(), size),
+                           {error_number::HardwareVersion});
+  m_transcript.bare_result("dialogs", grabber().AvailableDialogs(choice.channel(), nullptr, size),
+                           {error_number::HardwareVersion});
+}
+
+void Client::list_devices(const Choice& choice) {
+  unsigned long count = choice.first % 6;
+  const std::unique_ptr<DeviceInfo[]> list(new DeviceInfo[count]);  // of whatever was there
+  DeviceInfo* const place = choice.second % 8 == 0 ? nullptr : list.get();
+  const unsigned long result = grabber().AvailableDevices(place, count);
+  m_transcript.result("devices", result, {error_number::BufferTooSmall, error_number::NullPointer});
+  m_transcript.output(&count, sizeof(count));
+  if (result == 0 && place != nullptr) {
+    m_transcript.output(place, count * sizeof(DeviceInfo));
+  }
+}
+
+void Client::choose_device(const Choice& choice) {
+  const unsigned long index = choice.first % 8 == 7 ? 1UL << choice.second % 64 : choice.second % 5;
+  const unsigned long result = joining([&] { return grabber().SetActiveDevice(index); });
+  m_transcript.result("choose", result, {error_number::InvalidState, error_number::DeviceIndex});
+}
+
+void Client::get_active_device(const Choice& /*choice*/) {
+  unsigned long index = 0;
+  m_transcript.result("active", grabber().GetActiveDevice(index), {});
+  m_transcript.output(&index, sizeof(index));
+}
+
+void Client::set_callbacks(const Choice& choice) {
+  m_transcript.result(
+      "callbacks",
+      grabber().SetCallbacks(choice.channel(), choice.second % 2 == 0 ? nullptr : &Client::on_start,
+                             &Client::on_stop),
+      {error_number::IncorrectChannel});
+}
+
+void Client::measure_contamination(const Choice& choice) {
+  double level = 0.0;
+  m_transcript.result(
+      "contamination",
+      grabber().ContaminationDetection(choice.channel(), choice.second % 8 == 0 ? nullptr : &level),
+      {error_number::IncorrectChannel, error_number::NullPointer});
+  m_transcript.output(&level, sizeof(level));
+}
+
+void Client::frame_info(const Choice& choice) {
+  std::array<unsigned char, 12> info = {};
+  m_transcript.result(
+      "frame info",
+      FGCurrentFrameInfo(0, 0, choice.first % 3, choice.second % 8 == 0 ? nullptr : info.data()),
+      {error_number::NullPointer, error_number::FrameInfoType});
+  m_transcript.output(info.data(), info.size());
+}
+
+void Client::get_feature(const Choice& choice) {
+  std::array<unsigned char, 14> bytes = {};
+  osvlx3_feature feature = {52U + choice.first % 5U, 0, bytes.size(), 1, bytes.data()};
+  if (feature.id == eFeatureImageDataFormat) {
+    feature.count = choice.second % 2;
+  }
+  m_transcript.bare_result("get feature", LXSP_GetFeature(choice.channel(), &feature),
+                           {error_number::IncorrectProperty, error_number::WriteOnly});
+  m_transcript.output(bytes.data(), bytes.size());
+  if (feature.data != bytes.data()) {
+    LXSP_Free(feature.data);
+  }
+}
+
+void Client::set_feature(const Choice& choice) {
+  std::array<unsigned char, 14> bytes = {static_cast<unsigned char>(1 + choice.second % 2)};
+  osvlx3_feature feature = {52U + choice.first % 5U, 0, bytes.size(), 1, bytes.data()};
+  if (feature.id == eFeatureAuthorizationCode) {
+    feature.count = 7;
+  }
+  m_transcript.bare_result("set feature", LXSP_SetFeature(choice.channel(), &feature),
+                           {error_number::IncorrectProperty});
+}
+
+void Client::start_anew(const Choice& /*choice*/) {
+  destroy();
+  connect();
+}
+
+}  // namespace Osv::fuzz
+
+// The program is linked with `--wrap` for it: only the plug-in creates threads during a session.
+extern "C" {
+
+// NOLINTBEGIN(bugprone-reserved-identifier): the linker gives these names.
+int __real_pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
+                          void* (*function)(void*), void* argument);
+int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
+                          void* (*function)(void*), void* argument);
+
+int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
+                          void* (*function)(void*), void* argument) {
+  Osv::fuzz::note_worker();
+  return __real_pthread_create(thread, attributes, function, argument);
+}
+// NOLINTEND(bugprone-reserved-identifier)
+}

@@ -1,0 +1,76 @@
+#include "session/transcript.h"
+
+#include <algorithm>
+
+#include "boundary/boundary_result.h"
+#include "closed_libraries/answers.h"
+#include "foundation/bitmap.h"
+#include "ostrevanhvk3/errors.h"
+#include "support/require.h"
+
+namespace Osv::fuzz {
+namespace {
+
+/// Numbers that every operation may end with: opening the scanner, and failures without a number.
+constexpr long kEverywhere[] = {
+    -1,
+    lx::error_number::NotConnected,
+    lx::error_number::NoNumber,
+    lx::error_number::DeviceIndex,  // a scanner that goes between the list and its choice
+    lx::error_number::CalibrationCorrupt,
+    lx::error_number::ApiVersion,
+    lx::error_number::AuthorizationCode,
+};
+
+bool is_documented(long number, Transcript::Numbers documented) {
+  return std::find(std::begin(kEverywhere), std::end(kEverywhere), number) !=
+             std::end(kEverywhere) ||
+         std::find(documented.begin(), documented.end(), number) != documented.end() ||
+         answers().told().contains(number);
+}
+
+/// A number that has the reported bit itself looks the same with it or without.
+bool is_reported(unsigned long result, Transcript::Numbers documented) {
+  const unsigned long without = result & ~lx::error_number::ReportedBit;
+  return is_documented(static_cast<long>(without), documented) ||
+         is_documented(static_cast<long>(result), documented);
+}
+
+}  // namespace
+
+void Transcript::result(const char* operation, unsigned long result, Numbers documented) {
+  m_text += std::string(operation) + ' ' + std::to_string(result) + '\n';
+  require(result == 0 ||
+              ((result & lx::error_number::ReportedBit) != 0 && is_reported(result, documented)),
+          (std::string("the result is documented: ") +
+           m_text.substr(m_text.find_last_of('\n', m_text.size() - 2) + 1))
+              .c_str());
+}
+
+void Transcript::bare_result(const char* operation, unsigned long result, Numbers documented) {
+  m_text += std::string(operation) + ' ' + std::to_string(result) + '\n';
+  require(result == 0 || is_reported(result, documented),
+          (std::string("the number is documented: ") + operation + ' ' + std::to_string(result))
+              .c_str());
+}
+
+void Transcript::error(const std::string& text, Numbers documented) {
+  constexpr char kBefore[] = " error: ";
+  m_text += "error " + text + '\n';
+  const std::size_t at = text.rfind(kBefore);
+  require(at != std::string::npos, "an error names its number");
+  const long number = std::stol(text.substr(at + sizeof(kBefore) - 1));
+  require(number == 0 || is_documented(number, documented), text.c_str());
+}
+
+void Transcript::output(const void* bytes, std::size_t size) {
+  m_text.append(static_cast<const char*>(bytes), size);
+}
+
+void Transcript::image(const unsigned char* block) {
+  require(block != nullptr, "an image is there");
+  output(block,
+         utilities::ClSimpleBitmap::FullSize(reinterpret_cast<const tagBITMAPINFOHEADER*>(block)));
+}
+
+}  // namespace Osv::fuzz
