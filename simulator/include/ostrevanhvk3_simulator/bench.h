@@ -139,6 +139,15 @@ struct Timeline {
   static constexpr Timeline settled_finger() { return {0, 0, 1, 0, false}; }
 };
 
+/// What clients hold of the libraries, and what they did wrong in giving it back.
+struct Census {
+  unsigned int scanner_handles = 0;  ///< not yet closed, dead ones too
+  unsigned int engines = 0;
+  unsigned int detectors = 0;
+  unsigned int wrong_releases = 0;  ///< of handles that were none, or given back before
+  unsigned int left_behind = 0;     ///< engines and detectors in a library that was closed
+};
+
 /// How far a scenario has come.
 struct ScenarioState {
   bool ended = true;    ///< no line is left
@@ -360,6 +369,9 @@ class Bench {
   /// Writes only lines of this level or a more severe one: 3 errors, 4 warnings too, 7 everything.
   virtual void set_log_level(int level) = 0;
   /// @}
+
+  /// Counts what is given out at this moment, and mistakes since the last `reset`.
+  virtual Census census() const = 0;
 };
 
 }  // namespace Osv::simulator
