@@ -1,6 +1,8 @@
 #include "bench/unit.h"
 
 #include <algorithm>
+#include <map>
+#include <mutex>
 
 #include "driver/calibration/calibration_header.h"
 
@@ -10,6 +12,19 @@ namespace {
 constexpr std::size_t kSerialSize = 8;
 constexpr std::size_t kBlankMemorySize = 4096;
 constexpr std::size_t kRoomBehindBlock = 256;
+
+/// The payload of the optics of a seed. It takes some milliseconds and is kept: tests plug scanners
+/// in by the thousand.
+const std::vector<unsigned char>& payload_of_seed(unsigned int seed, const Optics& optics) {
+  static std::mutex lock;
+  static auto* const all = new std::map<unsigned int, std::vector<unsigned char>>;
+  const std::lock_guard<std::mutex> guard(lock);
+  std::vector<unsigned char>& payload = (*all)[seed];
+  if (payload.empty()) {
+    payload = payload_of(optics);
+  }
+  return payload;
+}
 
 }  // namespace
 
@@ -35,7 +50,8 @@ std::vector<unsigned char> Unit::build_memory() {
   }
   std::vector<unsigned char> memory;
   if (m_sDevice.memory == eMemory::Calibrated) {
-    const std::vector<unsigned char> payload = payload_of(frames().optics());
+    const std::vector<unsigned char>& payload =
+        payload_of_seed(m_sDevice.seed, frames().optics());
     std::string revision = m_sDevice.revision;
     revision.resize(ClKR9CalibrationHeader::kRevisionSize);
     ClKR9CalibrationHeader header;

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "ostrevanhvk3_simulator/bench.h"
+
+/// @file
+/// What a client does in a run.
+
+namespace Osv::faults {
+
+/// One thing that a client does. `number` and `value` mean what the comment says.
+enum class eStep {
+  List,           ///< the scanners
+  Choose,         ///< the scanner at interface `number`
+  Active,         ///< which scanner is chosen
+  Info,           ///< the description of the scanner
+  Camera,         ///< chooses the one there is
+  Snap,           ///< one image
+  Live,           ///< captures live, and stops inside image `number`
+  Plain,          ///< captures to the first finger image, at most `number` live images
+  LiveFrozen,     ///< as Live, frozen for a while behind the first image
+  LiveUnplugged,  ///< as Live, with the scanner at interface 0 unplugged inside callback `value`
+  LiveReplugged,  ///< as LiveUnplugged, and plugged in again at once
+  LiveTwice,      ///< as Live, with another start in the middle of it
+  StopAgain,      ///< stops what isn't capturing
+  SetProperty,    ///< property `number` to `value`
+  GetProperty,    ///< property `number`
+  SetFeature,     ///< feature `number`
+  GetFeature,     ///< feature `number`
+  Contamination,  ///< how dirty the platen is
+  FrameInfo,      ///< what the last frame was scored with
+  Unplug,         ///< the scanner at interface `number`
+  PlugInAgain,    ///< the scanner at interface `number`
+  GetAgain,       ///< destroys the frame grabber and gets it again
+  LoadAgain       ///< the same with the plug-in closed and opened between
+};
+
+/// Callbacks of a capture: the start, image 1 and so on, the stop.
+constexpr unsigned int kStartCallback = 0;
+constexpr unsigned int kStopCallback = 1000;
+
+struct Step {
+  eStep what = {};
+  unsigned int number = 0;
+  unsigned int value = 0;
+};
+
+/// Another device than a scanner with calibration at an interface.
+struct Attached {
+  unsigned int interface = 0;
+  unsigned char model = 1;
+  simulator::eMemory memory = simulator::eMemory::Calibrated;
+};
+
+struct Scenario {
+  std::string name;
+  std::vector<Attached> attached = {};
+  simulator::eFingerKind finger = simulator::eFingerKind::Live;
+  std::vector<Step> steps = {};
+};
+
+const std::vector<Scenario>& all_scenarios();
+
+/// The serial number of the scanner at an interface.
+std::string serial_of(unsigned int interface);
+
+/// What a client has of a step: the result, what was given out, and the text of the last failure.
+std::string in_words(const Step& step, unsigned long result, const std::string& value,
+                     const std::string& text);
+
+std::string score_in_words(double score, long state);
+
+/// What a property that is not read reads as.
+constexpr unsigned int kUnread = 7;
+
+}  // namespace Osv::faults
