@@ -149,11 +149,11 @@ bool Answers::set_base(unsigned int interface) {
   return done;
 }
 
-const Attached* Answers::device_at(unsigned int interface) const {
+std::optional<Attached> Answers::device_at(unsigned int interface) const {
   const auto unit = std::find_if(m_vUnits.begin(), m_vUnits.end(), [&](const Unit& candidate) {
     return candidate.device.interface == interface;
   });
-  return unit == m_vUnits.end() ? nullptr : &unit->device;
+  return unit == m_vUnits.end() ? std::nullopt : std::optional(unit->device);
 }
 
 void Answers::unplug(unsigned int interface) {
@@ -163,7 +163,7 @@ void Answers::unplug(unsigned int interface) {
 }
 
 void Answers::plug_in(unsigned int interface) {
-  if (device_at(interface) == nullptr) {
+  if (!device_at(interface).has_value()) {
     m_vUnits.push_back({.device = {interface}});
   } else {
     plug_in_again(interface);

@@ -54,7 +54,7 @@ class Answers {
 
   std::vector<unsigned int> listed() const;
   bool set_base(unsigned int interface);
-  const Attached* device_at(unsigned int interface) const;
+  std::optional<Attached> device_at(unsigned int interface) const;
 
   void unplug(unsigned int interface);
   void plug_in(unsigned int interface);

@@ -119,9 +119,9 @@ bool DriverModel::is_family(const Handle& handle) {
   constexpr long kEndOfSignature = 42;
   constexpr long kOwnSize = 1L << 20;
   constexpr long kNotSupported = 8;
-  const Attached* const device = m_cAnswers.device_at(handle.interface);
+  const std::optional<Attached> device = m_cAnswers.device_at(handle.interface);
   if (!m_cAnswers.succeeds(ftrScanGetDeviceInfo, m_cAnswers.error_of(handle)) ||
-      device == nullptr || (device->model != 1 && device->model != 4)) {
+      !device.has_value() || (device->model != 1 && device->model != 4)) {
     return false;
   }
   Effect effect;

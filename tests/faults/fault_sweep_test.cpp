@@ -3,16 +3,18 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <cstring>
 #include <random>
 #include <set>
 #include <string>
 
+#include "faults/storm.h"
 #include "faults/sweep.h"
+#include "faults/unplugging.h"
 #include "support/closed_libraries.h"
 
 /// @file
-/// A sample of the sweep as tests; with `--whole` all of it, as a program.
+/// A sample of the sweep as tests; with `--whole PART PARTS [SCENARIO]` all of it, as a
+/// program, and with `--storm CYCLES` the storm.
 
 extern "C" __attribute__((weak)) int __lsan_do_recoverable_leak_check();
 
@@ -73,39 +75,67 @@ struct Figures {
   std::set<std::string> kinds;
 };
 
-void sweep_scenario(const Scenario& scenario, std::size_t part, std::size_t parts,
-                    Figures& figures) {
-  Sweep sweep(scenario);
+/// Which of the runs are made: each `parts`-th, beginning with this one.
+struct Share {
+  std::size_t part = 0;
+  std::size_t parts = 1;
+};
+
+std::vector<Attempt> faulty_runs(const Sweep& sweep) {
   std::vector<Attempt> runs = sweep.single_faults();
   const std::vector<Attempt> doubles = sweep.double_faults();
   runs.insert(runs.end(), doubles.begin(), doubles.end());
+  return runs;
+}
+
+std::vector<Attempt> unplugged_runs(const Sweep& sweep) {
+  std::vector<Attempt> runs;
+  for (const eReturn comes_back : {eReturn::Never, eReturn::Here, eReturn::Elsewhere}) {
+    const std::vector<Attempt> some = sweep.unpluggings(comes_back);
+    runs.insert(runs.end(), some.begin(), some.end());
+  }
+  return runs;
+}
+
+void make_runs(Sweep& sweep, const std::vector<Attempt>& runs, const Share& share,
+               Figures& figures) {
   ++figures.scenarios;
   figures.call_sites += sweep.call_sites();
-  for (std::size_t i = part; i < runs.size(); i += parts) {
-    const Fault& fault = runs[i].faults.front();
-    figures.kinds.insert(fault.effect.in_words(fault.function));
+  for (std::size_t i = share.part; i < runs.size(); i += share.parts) {
+    for (const Fault& fault : runs[i].faults) {
+      figures.kinds.insert(fault.effect.in_words(fault.function));
+    }
     ++figures.runs;
-    const std::string findings = sweep.findings_of(runs[i]);
+    std::string findings = sweep.findings_of(runs[i]);
+    if (runs[i].incident.has_value()) {
+      findings += findings_of_unplugging(sweep.lines(), runs[i].incident->comes_back);
+    }
     if (!findings.empty()) {
       std::printf("%s", findings.c_str());
       ++figures.findings;
     }
   }
   if (leaks()) {
-    std::printf("%s: leaks\n", scenario.name.c_str());
+    std::printf("%s: leaks\n", sweep.scenario().name.c_str());
     ++figures.findings;
   }
 }
 
 /// @param only the scenario to sweep; empty for all
-/// @param part which of so many `parts` of the runs
-int sweep_all(const std::string& only, std::size_t part, std::size_t parts) {
+int sweep_all(const std::string& only, const Share& share) {
   const simulator::ClosedLibraries libraries;
   const auto begin = std::chrono::steady_clock::now();
   Figures figures;
   for (const Scenario& scenario : all_scenarios()) {
     if (only.empty() || only == scenario.name) {
-      sweep_scenario(scenario, part, parts, figures);
+      Sweep sweep(scenario);
+      make_runs(sweep, faulty_runs(sweep), share, figures);
+    }
+  }
+  for (const Scenario& scenario : unplugging_scenarios()) {
+    if (only.empty() || only == "unplugging") {
+      Sweep sweep(scenario);
+      make_runs(sweep, unplugged_runs(sweep), share, figures);
     }
   }
   const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
@@ -119,9 +149,19 @@ int sweep_all(const std::string& only, std::size_t part, std::size_t parts) {
 }  // namespace Osv::faults
 
 int main(int argc, char** argv) {
-  if (argc > 3 && std::strcmp(argv[1], "--whole") == 0) {
-    return Osv::faults::sweep_all(argc > 4 ? argv[4] : "", std::stoul(argv[2]),
-                                  std::stoul(argv[3]));
+  using namespace Osv::faults;
+  const std::vector<std::string> arguments(argv, argv + argc);
+  if (arguments.size() > 3 && arguments[1] == "--whole") {
+    const Share share{std::stoul(arguments[2]), std::stoul(arguments[3])};
+    return sweep_all(arguments.size() > 4 ? arguments[4] : "", share);
+  }
+  if (arguments.size() > 2 && arguments[1] == "--storm") {
+    const Osv::simulator::ClosedLibraries libraries;
+    const std::string findings =
+        unplug_again_and_again(static_cast<unsigned int>(std::stoul(arguments[2])));
+    std::printf("%sunplugged %s times, %s\n", findings.c_str(), arguments[2].c_str(),
+                findings.empty() ? "nothing grew" : "with findings");
+    return findings.empty() ? 0 : 1;
   }
   testing::InitGoogleTest(&argc, argv);
   return RUN_ALL_TESTS();

@@ -86,6 +86,7 @@ const std::vector<Scenario>& all_scenarios() {
        eFingerKind::Printed,
        {{SetProperty, ePropLiveliness, 1},
         {SetProperty, ePropFakeDetection, 30},
+        {SetProperty, ePropGreenLED, 1},
         {Snap},
         {FrameInfo},
         {Plain, 1}}},
@@ -106,6 +107,25 @@ const std::vector<Scenario>& all_scenarios() {
        live,
        {{Snap}, {Unplug, 0}, {Snap}, {PlugInAgain, 0}, {Live, 1}, {Choose, 127}, {Live, 1}}},
       {"destroy", one, live, {{Live, 1}, {GetAgain}, {Snap}, {LoadAgain}, {Snap}}}};
+  return all;
+}
+
+const std::vector<Scenario>& unplugging_scenarios() {
+  using enum eStep;
+  const std::vector<Attached> one = {{0}};
+  const auto live = eFingerKind::Live;
+  const auto with = [&](const std::string& name, std::vector<Step> steps) {
+    for (const Step& step :
+         {Step{Live, 2}, {Live, 2}, {List}, {Choose, 127}, {Live, 2}, {GetAgain}, {Live, 2}}) {
+      steps.push_back(step);
+    }
+    return Scenario{name, one, live, steps};
+  };
+  static const std::vector<Scenario> all = {
+      with("live", {{Live, 6}}), with("plain", {{Plain, 6}}),
+      with("LEDs", {{SetProperty, ePropRedLED, 1}, {Live, 6}}),
+      with("fake finger detection",
+           {{SetProperty, ePropFakeDetection, 30}, {SetProperty, ePropLiveliness, 1}, {Live, 6}})};
   return all;
 }
 

@@ -63,6 +63,10 @@ struct Scenario {
 
 const std::vector<Scenario>& all_scenarios();
 
+/// Captures whose first step an unplugging meets, and what a client does then: it starts again
+/// twice, chooses another interface, and gets the frame grabber anew.
+const std::vector<Scenario>& unplugging_scenarios();
+
 /// The serial number of the scanner at an interface.
 std::string serial_of(unsigned int interface);
 

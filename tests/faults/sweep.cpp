@@ -39,6 +39,8 @@ const Effect& ordinary_kind(eFunction function) {
   return found == kinds.end() ? kinds.front() : *found;
 }
 
+bool is_capture(const Step& step) { return step.what == eStep::Live || step.what == eStep::Plain; }
+
 /// Whether a text is as predicted; a `*` stands for anything.
 bool is_as_predicted(const std::string& got, const std::string& predicted) {
   std::size_t place = 0;
@@ -101,7 +103,9 @@ Sweep::Sweep(const Scenario& scenario) : m_sScenario(scenario) {
   std::size_t first_calls = 0;
   for (const Step& step : scenario.steps) {
     model.run(step);
-    first_calls = first_calls == 0 ? model.answers().calls().size() : first_calls;
+    if (first_calls == 0 && is_capture(step)) {
+      first_calls = model.answers().calls().size();
+    }
   }
   model.destroy();
   learn_sites(model.answers(), first_calls);

@@ -42,7 +42,7 @@ class Sweep {
   /// Behind one fault of each call a second one where the recovery comes along.
   std::vector<Attempt> double_faults() const;
 
-  /// An unplugging behind each call of the first step.
+  /// An unplugging behind each call up to the end of the first capture.
   std::vector<Attempt> unpluggings(eReturn comes_back) const;
 
   /// What the client had of the steps of the last run, fault-free ones left aside.
@@ -68,7 +68,7 @@ class Sweep {
   Deadline m_cDeadline;
   double m_dScore = 0;
   std::vector<Site> m_vSites;
-  std::vector<Site> m_vFirstCalls;  // all calls of the first step
+  std::vector<Site> m_vFirstCalls;  // all calls up to the end of the first capture
   std::vector<std::string> m_vLines;
 };
 
