@@ -312,12 +312,12 @@ unsigned long Client::capture(const Step& step, std::string& value) {
     m_bEnded = false;
     m_bFrozen = false;
   }
-  const std::size_t threads = thread_count();
+  const Threads before = threads();
   const unsigned long result = m_pGrabber->StartCapture(
       kHandle, kChannel, step.what == eStep::Plain ? eCapturePlain : eCaptureLive, &Client::on_live,
       &Client::on_finger, &Client::on_error, &Client::on_warning, this);
   if (result == 0) {
-    await_end(thread_count() > threads);
+    await_end(has_others(before));
   }
   m_pGrabber->StopCapture(kChannel);
   {

@@ -7,6 +7,7 @@
 #include <set>
 #include <string>
 
+#include "faults/leaks.h"
 #include "faults/storm.h"
 #include "faults/sweep.h"
 #include "faults/unplugging.h"
@@ -16,14 +17,8 @@
 /// A sample of the sweep as tests; with `--whole PART PARTS [SCENARIO]` all of it, as a
 /// program, and with `--storm CYCLES` the storm.
 
-extern "C" __attribute__((weak)) int __lsan_do_recoverable_leak_check();
-
 namespace Osv::faults {
 namespace {
-
-bool leaks() {
-  return __lsan_do_recoverable_leak_check != nullptr && __lsan_do_recoverable_leak_check() != 0;
-}
 
 /// So many of the runs, chosen by the scenario's name: the same ones in each run of the program.
 std::vector<Attempt> sample(std::vector<Attempt> runs, std::size_t count, const std::string& seed) {
@@ -49,12 +44,12 @@ class FaultSweep : public testing::TestWithParam<Scenario> {
 TEST_P(FaultSweep, WithoutAFaultEverythingIsAsPredicted) { run({Attempt()}); }
 
 TEST_P(FaultSweep, AFaultOfAnyCallHasThePredictedEnd) {
-  constexpr std::size_t kRuns = 12;
+  constexpr std::size_t kRuns = 8;
   run(sample(sweep.single_faults(), kRuns, GetParam().name));
 }
 
 TEST_P(FaultSweep, ASecondFaultDuringRecoveryHasThePredictedEnd) {
-  constexpr std::size_t kRuns = 4;
+  constexpr std::size_t kRuns = 2;
   run(sample(sweep.double_faults(), kRuns, GetParam().name));
 }
 
@@ -100,7 +95,6 @@ std::vector<Attempt> unplugged_runs(const Sweep& sweep) {
 void make_runs(Sweep& sweep, const std::vector<Attempt>& runs, const Share& share,
                Figures& figures) {
   ++figures.scenarios;
-  figures.call_sites += sweep.call_sites();
   for (std::size_t i = share.part; i < runs.size(); i += share.parts) {
     for (const Fault& fault : runs[i].faults) {
       figures.kinds.insert(fault.effect.in_words(fault.function));
@@ -129,6 +123,7 @@ int sweep_all(const std::string& only, const Share& share) {
   for (const Scenario& scenario : all_scenarios()) {
     if (only.empty() || only == scenario.name) {
       Sweep sweep(scenario);
+      figures.call_sites += sweep.call_sites();
       make_runs(sweep, faulty_runs(sweep), share, figures);
     }
   }

@@ -1,17 +1,24 @@
 #pragma once
 
 #include <cstddef>
-#include <filesystem>
-#include <iterator>
+#include <set>
+#include <string>
 
 /// @file
 /// The threads of this process.
 
 namespace Osv::faults {
 
-inline std::size_t thread_count() {
-  const std::filesystem::directory_iterator tasks("/proc/self/task");
-  return static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));
-}
+using Threads = std::set<std::string>;
+
+/// The numbers of all threads. One that was joined can be among them for a moment.
+Threads threads();
+
+/// Whether a thread is there that is not among these.
+bool has_others(const Threads& known);
+
+/// Waits for the moment in which a thread that was joined is still there.
+/// @return whether no thread is left but these
+[[nodiscard]] bool are_all(const Threads& known);
 
 }  // namespace Osv::faults

@@ -16,7 +16,7 @@ namespace {
 class Unplugging : public testing::TestWithParam<Scenario> {
  protected:
   void unplug_behind_some_calls(eReturn comes_back) {
-    constexpr std::size_t kRuns = 4;
+    constexpr std::size_t kRuns = 2;
     const std::vector<Attempt> all = sweep.unpluggings(comes_back);
     for (std::size_t i = kRuns / 2; i < all.size(); i += all.size() / kRuns) {
       EXPECT_EQ(sweep.findings_of(all[i]), "");
@@ -76,7 +76,7 @@ TEST_P(UnpluggingInside, AnImageBeforeTheLastIsNoticedAndTheNextStartCaptures) {
 }
 
 TEST(UnpluggingStorm, LeavesMemoryThreadsAndDescriptorsAsTheyWere) {
-  constexpr unsigned int kCycles = 40;
+  constexpr unsigned int kCycles = 25;
   const simulator::ClosedLibraries libraries;
   EXPECT_EQ(unplug_again_and_again(kCycles), "");
 }
