@@ -50,8 +50,7 @@ std::vector<unsigned char> Unit::build_memory() {
   }
   std::vector<unsigned char> memory;
   if (m_sDevice.memory == eMemory::Calibrated) {
-    const std::vector<unsigned char>& payload =
-        payload_of_seed(m_sDevice.seed, frames().optics());
+    const std::vector<unsigned char>& payload = payload_of_seed(m_sDevice.seed, frames().optics());
     std::string revision = m_sDevice.revision;
     revision.resize(ClKR9CalibrationHeader::kRevisionSize);
     ClKR9CalibrationHeader header;
