@@ -265,7 +265,9 @@ unsigned long Client::feature(const Step& step, std::string& value) {
   const bool is_format = step.number == eFeatureImageDataFormat;
   std::array<unsigned char, sizeof(kSecret)> bytes = {};
   std::memcpy(bytes.data(), kSecret, sizeof(kSecret));
-  bytes[0] = is_format ? 2 : bytes[0];
+  if (is_format) {
+    bytes[0] = step.what == eStep::SetFeature ? 2 : kUnread;
+  }
   const std::size_t count = is_format ? 1 : is_code ? sizeof(kCode) - 1 : sizeof(kSecret) - 1;
   osvlx3_feature record{step.number, 0, count, 1, bytes.data()};
   if (step.what == eStep::SetFeature) {

@@ -129,6 +129,21 @@ const std::vector<Scenario>& unplugging_scenarios() {
   return all;
 }
 
+bool is_capture(const Step& step) {
+  using enum eStep;
+  switch (step.what) {
+    case Live:
+    case Plain:
+    case LiveFrozen:
+    case LiveUnplugged:
+    case LiveReplugged:
+    case LiveTwice:
+      return true;
+    default:
+      return false;
+  }
+}
+
 std::string serial_of(unsigned int interface) { return "HVK3" + std::to_string(1000 + interface); }
 
 std::string in_words(const Step& step, unsigned long result, const std::string& value,

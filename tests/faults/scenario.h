@@ -47,6 +47,8 @@ struct Step {
   unsigned int value = 0;
 };
 
+bool is_capture(const Step& step);
+
 /// Another device than a scanner with calibration at an interface.
 struct Attached {
   unsigned int interface = 0;

@@ -15,6 +15,14 @@ using enum simulator::eFunction;
 namespace number = lx::error_number;
 namespace text = lx::error_text;
 
+namespace {
+
+bool is_format_read(const Step& step) {
+  return step.what == eStep::GetFeature && step.number == eFeatureImageDataFormat;
+}
+
+}  // namespace
+
 unsigned long DriverModel::translated(const std::function<unsigned long()>& operation) {
   try {
     return operation();
@@ -51,15 +59,17 @@ std::string DriverModel::run(const Step& step) {
       break;
     case SetProperty:
     case GetProperty:
+      value = step.what == GetProperty ? std::to_string(kUnread) : "";
       result = translated([&] { return run_property(step, value); });
       break;
     case SetFeature:
     case GetFeature:
+      value = is_format_read(step) ? std::to_string(kUnread) : "";
       result = translated([&] { return run_feature(step, value); });
       break;
     case Contamination:
+      value = "some";
       result = translated([&] { return contamination(value); });
-      value = result == 0 ? value : "";
       break;
     case FrameInfo:
       value = score_in_words(m_s.score, m_s.score_state);
@@ -80,7 +90,9 @@ std::string DriverModel::run(const Step& step) {
       result = run_capture(step, value);
       break;
   }
-  return in_words(step, result, value, m_s.text);
+  // A failure without a number is no failure for the client: it has what was there before.
+  const bool gives = result == 0 || step.what == Info || step.what == Snap || is_capture(step);
+  return in_words(step, result, gives ? value : "", m_s.text);
 }
 
 unsigned long DriverModel::run_list(std::string& value) {
@@ -130,7 +142,6 @@ unsigned long DriverModel::contamination(std::string& value) {
   if (const long result = open(); result != 0) {
     return scanner_result(result);
   }
-  value = "some";
   std::pair<int, int> size;
   if (!read_size(size)) {
     throw_device(kFailed);

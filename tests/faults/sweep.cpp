@@ -39,8 +39,6 @@ const Effect& ordinary_kind(eFunction function) {
   return found == kinds.end() ? kinds.front() : *found;
 }
 
-bool is_capture(const Step& step) { return step.what == eStep::Live || step.what == eStep::Plain; }
-
 /// Whether a text is as predicted; a `*` stands for anything.
 bool is_as_predicted(const std::string& got, const std::string& predicted) {
   std::size_t place = 0;
