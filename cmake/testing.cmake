@@ -1,5 +1,7 @@
-# Test programs. THREADS marks tests in which threads meet: they alone are built for and run under
-# the thread sanitizer. ENVIRONMENT NAME=VALUE is what they run with.
+# Test programs. THREADS marks tests in which threads meet: the preset `tsan` builds and runs no
+# others. OWN_SYSTEM marks tests that bring functions of the system of their own, which the thread
+# sanitizer calls before it is set up: `tsan-all` leaves them out too. ENVIRONMENT NAME=VALUE is what
+# they run with.
 find_package(GTest REQUIRED)
 include(GoogleTest)
 
@@ -34,16 +36,19 @@ target_precompile_headers(
   <thread>
   <vector>)
 
-# hvk3_tests(NAME [THREADS] [ENVIRONMENT NAME=VALUE] SOURCE...): tests that link nothing of the tree.
+# hvk3_tests(NAME [THREADS | OWN_SYSTEM] [ENVIRONMENT NAME=VALUE] SOURCE...): tests that link nothing of the tree.
 function(hvk3_tests name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "THREADS" "ENVIRONMENT" "")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "THREADS;OWN_SYSTEM" "ENVIRONMENT" "")
   if(arg_THREADS)
     set(label threads)
+  elseif(arg_OWN_SYSTEM)
+    set(label own-system)
   else()
     set(label plain)
   endif()
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
-  if(HVK3_SANITIZE STREQUAL "thread" AND NOT arg_THREADS)
+  if((HVK3_THREADS_ONLY AND NOT arg_THREADS)
+     OR (HVK3_SANITIZE STREQUAL "thread" AND arg_OWN_SYSTEM))
     set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL ON)
   endif()
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests"

@@ -9,10 +9,11 @@
 /// One attached scanner. 204 bytes, a binary format between client and plug-in.
 struct DeviceInfo {
   /// The serial number: 8 bytes as the scanner gives them, not necessarily text and without a
-  /// promised terminator; the remaining 92 bytes are zero.
+  /// promised terminator. What stands behind them is zero unless the scanner library, which gets
+  /// the whole record to fill in, has written there: compare and copy 8 bytes.
   char szSerialNumber[100];
 
-  /// Zero.
+  /// Zero, unless the scanner library has written there.
   char szReserved[100];
 
   /// The interface number, 0 to 127: what `SetActiveDevice` takes.

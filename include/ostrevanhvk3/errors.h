@@ -6,11 +6,11 @@
 ///
 /// An operation's result is 0 for success. A failure that the frame grabber reports is its number
 /// OR `error_number::ReportedBit`; read the text with `GetLastError`. Negative numbers, which come
-/// from the closed engines, are widened to 64 bits with their sign. A few operations return bare
-/// numbers; they say so.
+/// from the calibration engine (-1 also from the plug-in, for an engine without a usable image),
+/// are widened to 64 bits with their sign. A few operations return bare numbers; they say so.
 ///
-/// Numbers without a text here carry the text of the operation that failed, those of 0x20000000 and
-/// above come from the scanner itself.
+/// Numbers without a text here carry the text of the operation that failed. Those of 0x20000000 and
+/// above come from the scanner itself, but for the two of `GetVersion`.
 
 namespace Osv {
 namespace lx {
@@ -42,8 +42,8 @@ constexpr int ElementSize = 53;          ///< a feature's element size does not 
 constexpr int FrameInfoType = 57;        ///< unknown type of frame information
 constexpr int DetectionDisabled = 58;    ///< fake finger detection is not there
 constexpr int DetectionNotLoaded = 59;   ///< fake finger detection can't be loaded
-constexpr int NullPointer = 60;          ///< a null output pointer
-constexpr int InvalidState = 65;         ///< `StopCapture` from inside a callback
+constexpr int NullPointer = 60;          ///< a null output pointer, feature or feature's data
+constexpr int InvalidState = 65;         ///< `StopCapture`, `SetActiveDevice` inside a callback
 constexpr int UnknownVersion = 74;       ///< `infver2str`
 constexpr int AlreadyCapturing = 77;     ///< `StartCapture` before `StopCapture`
 constexpr int WriteOnly = 82;            ///< a feature that can't be read
@@ -97,8 +97,8 @@ constexpr char StartFailed[] = "Failed start capturing.";
 
 }  // namespace error_text
 
-/// The failure's own number, from a result as an operation returned it. A closed engine's number is
-/// negative.
+/// The failure's own number, from a result as an operation returned it. A negative number has no
+/// bit to take off.
 inline long ErrorNumber(unsigned long result) {
   const long number = static_cast<long>(result);
   return number < 0 ? number : static_cast<long>(result & ~error_number::ReportedBit);

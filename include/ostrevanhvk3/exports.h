@@ -34,8 +34,9 @@ OSTREVANHVK3_EXPORT Osv::lx::ClFramegrabber* GetFrameGrabber();
 /// Destroys the frame grabber and closes the scanner; does nothing without one.
 ///
 /// Stop capture first: a destruction during capture can wait for ever on a worker that waits for
-/// the driver. On the worker thread it does nothing. Never call it from inside the event callback
-/// of a `GetImage`, which runs on the client's thread.
+/// the driver, or whose callback waits for the calling thread. On the worker thread it does
+/// nothing. Never call it from inside the event callback of a `GetImage`, which runs on the
+/// client's thread.
 OSTREVANHVK3_EXPORT void DestroyFrameGrabber();
 
 /// `ClFramegrabber::CurrentFrameInfo` with its failures turned into results. Never blocks.
@@ -66,10 +67,10 @@ OSTREVANHVK3_EXPORT extern Osv::lx::ClDummyFramegrabber* m_pDummy;
 /// while it is busy.
 /// @param channel 1; another one gives 2, bare and without a text
 /// @param feature `id` says which; `data`, `size` and `count` as the feature documents
-/// @return 0; a refusal of the feature as a bare number without a text (12 unknown, 17, 52, 82), or
-///   what the opening gave (2, bare: no scanner); other failures OR 0x10000000, among them 60 for a
-///   null pointer, 83 for a wrong authorization code and 0x10000017 when the scanner library lacks
-///   the function; 0x10000017 without a frame grabber
+/// @return 0; bare and without a text: a refusal of the feature (12 unknown, 17, 52, 82), 2 when no
+///   scanner is attached, the scanner's number when the device can't be opened; other failures OR
+///   0x10000000, among them 60 for a null pointer, 83 for a wrong authorization code and 0x10000017
+///   when the scanner library lacks the function; 0x10000017 without a frame grabber
 /// @throws Osv::lx::CLX3ModuleException 51, 53 or 60 for feature 55
 OSTREVANHVK3_EXPORT unsigned long LXSP_GetFeature(unsigned int channel, osvlx3_feature* feature);
 

@@ -59,9 +59,9 @@ class ClFramegrabber {
   /// @param text buffer of `size` bytes, or null to ask for the size
   /// @param size in: capacity in bytes; out: needed bytes, the final extra zero included; left
   ///   alone when the scanner can't be opened
-  /// @return 0; 0x10000011, 0x1000003C or 0x10000002, each with the text "More data are available";
-  ///   the scanner's number when its serial number can't be read, in which case the next call
-  ///   succeeds with the name alone
+  /// @return 0; 0x10000011, 0x1000003C, 0x10000002 or the scanner's number when the device can't be
+  ///   opened, each with the text "More data are available"; the scanner's number when its serial
+  ///   number can't be read, in which case the next call succeeds with the name alone
   virtual unsigned long GetInfo(char* text, unsigned long& size) = 0;
 
   /// The version of this interface, "2.0.1425.2". Never touches the scanner, never blocks.
@@ -77,7 +77,8 @@ class ClFramegrabber {
   virtual unsigned long FreeImage(unsigned char* image) = 0;
 
   /// The text of the last failure, of whichever operation on whichever thread. Failures that end a
-  /// capture come to the error callback; those of the scanner are stored here too. Never blocks.
+  /// capture come to the error callback; those with which the scanner refuses a frame are stored
+  /// here too, those of the preparation before it are not. Never blocks.
   /// @param text buffer of `size` bytes, or null to ask for the size
   /// @param size in: capacity in bytes; out: needed bytes, the terminating zero included
   /// @return 0, 0x10000011 or 0x1000003C. Neither replaces the stored last error.
@@ -85,15 +86,16 @@ class ClFramegrabber {
 
   /// Selects a camera of the channel.
   ///
-  /// Opens the scanner, and goes on when none is attached. An unknown camera is reported and
-  /// selected all the same. Frames do not depend on the selection. A failure of the opening that
-  /// has a text of its own, such as a missing library or corrupt calibration data, ends the
-  /// operation, and nothing is selected.
+  /// Opens the scanner, and goes on when none is attached or the device can't be opened. An unknown
+  /// camera is reported and selected all the same. Frames do not depend on the selection. A failure
+  /// of the opening that has a text of its own, such as a missing library or corrupt calibration
+  /// data, ends the operation, and nothing is selected.
   /// @param channel 1
   /// @param camera one of `AvailableCameras`
   /// @param mode `eColorModeGray`
   /// @return 0; 0x10000003 for an unknown camera; 0x10000009 for another colour mode, in which case
-  ///   nothing is selected; 0x10000004; a failure of the opening other than 0x10000002
+  ///   nothing is selected; 0x10000004; the number of a failure of the opening that has a text of
+  ///   its own
   virtual unsigned long SetCamera(unsigned int channel, eCameraIDs camera, eColorModeIDs mode) = 0;
 
   /// Takes one corrected image, independently of capture.
@@ -162,8 +164,8 @@ class ClFramegrabber {
   virtual unsigned long SetResolution(unsigned int channel,
                                       const ClImageResolution& resolution) = 0;
 
-  /// Sets a property. Opens the scanner; fake finger detection and LEDs wait for a frame that is
-  /// being fetched, the low contrast image for one that is being corrected.
+  /// Sets a property. Opens the scanner; fake finger detection and LEDs then wait for the frame,
+  /// the low contrast image for a correction that is under way. The threshold never waits.
   ///
   /// Properties end with the frame grabber. Fake finger detection loads the detector and counts
   /// from the next frame on, also during capture.
@@ -175,9 +177,9 @@ class ClFramegrabber {
   virtual unsigned long SetFGProperty(ePropertyIDs property, unsigned int value) = 0;
 
   /// Reads a property. Opens the scanner. Fake finger detection then waits for the frame, the low
-  /// contrast image for a correction that is under way, and the threshold, while the detection is
-  /// on, for the detector; its first reading without a threshold of the client's walks the
-  /// detector's curves. Number of channels and LEDs never wait.
+  /// contrast image for a correction that is under way. The threshold waits for the detector, whose
+  /// curves it walks, while the detection is on and no threshold is known. Number of channels and
+  /// LEDs never wait.
   /// @param property one of `AvailableProperties`
   /// @param value receives the value, and stays as it is on failure; a switch that is on reads as
   ///   100, whatever switched it on
@@ -260,11 +262,12 @@ class ClFramegrabber {
   /// thread; it then blocks as `StopCapture` does, and for the opening. The choice is told to the
   /// scanner library, and the first scanner that this lists from then on is opened.
   /// @param index an interface number of `AvailableDevices`
-  /// @return 0; 0x10000041 on the worker thread; 0x1000001B when no scanner of this family is at
+  /// @return 0; 0x10000041 for a new choice inside a callback on the worker thread, unless the
+  ///   callback still runs after the client's stop; 0x1000001B when no scanner of this family is at
   ///   `index`, after which capture has ended, the scanner is closed and the choice unchanged (a
-  ///   number of 0x80000000 or more leaves capture and scanner alone); 0x10000002 when it went
-  ///   meanwhile; the scanner's or engine's number. After a failure of the opening the choice
-  ///   stands, and the next operation that opens the scanner tries again.
+  ///   number of 0x80000000 or more gives it on every thread, and leaves capture and scanner
+  ///   alone); 0x10000002 when it went meanwhile; the scanner's or engine's number. After a failure
+  ///   of the opening the choice stands, and the next operation that opens the scanner tries again.
   virtual unsigned long SetActiveDevice(unsigned long index) = 0;
 
   /// The interface number given to the scanner library last, by `SetActiveDevice` or by an opening

@@ -1,7 +1,10 @@
 #include "bench/fault.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdint>
 #include <initializer_list>
+#include <limits>
 #include <string_view>
 
 #include "bench/words.h"
@@ -11,7 +14,7 @@ namespace {
 
 using Functions = std::initializer_list<eFunction>;
 
-// Who can give what. All other effects go with every function.
+// Who can give or do what.
 constexpr Functions kHandleGivers = {eFunction::ftrScanOpenDeviceOnInterface,
                                      eFunction::CalibrateCreate,
                                      eFunction::FakeFingerDetectionCreateHandle};
@@ -20,10 +23,34 @@ constexpr Functions kDescriptionGivers = {eFunction::CalibrateGetErrorDescriptio
 constexpr Functions kTextGivers = {eFunction::CalibrateGetOption,
                                    eFunction::FakeFingerDetectionGetPropertyA};
 constexpr Functions kFrameSizeGivers = {eFunction::ftrScanGetImageSize};
-constexpr Functions kNumberGivers = {eFunction::ftrScanGetExtMemorySize,
-                                     eFunction::ContaminationDetection,
-                                     eFunction::FakeFingerDetectionEvaluateLiveliness};
+constexpr Functions kMemorySizeGivers = {eFunction::ftrScanGetExtMemorySize};
+constexpr Functions kScoreGivers = {eFunction::ContaminationDetection,
+                                    eFunction::FakeFingerDetectionEvaluateLiveliness};
 constexpr Functions kSizeGivers = {eFunction::Calibrate};
+constexpr Functions kWithSubject = {eFunction::CalibrateSetOption, eFunction::CalibrateGetOption,
+                                    eFunction::FakeFingerDetectionSetPropertyA,
+                                    eFunction::FakeFingerDetectionGetPropertyA};
+
+// And who can not. Blocking goes with every function.
+constexpr Functions kNeverFailing = {eFunction::ftrScanGetLastError,
+                                     eFunction::ftrScanSetLastError,
+                                     eFunction::ftrGetBaseInterfaceNumber,
+                                     eFunction::CalibrateDelete,
+                                     eFunction::CalibrateGetErrorDescription,
+                                     eFunction::FakeFingerDetectionGetErrorDescriptionA,
+                                     eFunction::OsvLFLog,
+                                     eFunction::OsvLFFlush};
+constexpr Functions kWithoutNumber = {eFunction::ftrScanOpenDeviceOnInterface,
+                                      eFunction::ftrScanCloseDevice,
+                                      eFunction::ftrScanSetLastError,
+                                      eFunction::CalibrateCreate,
+                                      eFunction::CalibrateDelete,
+                                      eFunction::CalibrateGetErrorDescription,
+                                      eFunction::FakeFingerDetectionGetErrorDescriptionA,
+                                      eFunction::OsvLFLog,
+                                      eFunction::OsvLFFlush};
+constexpr Functions kWithoutLastError = {eFunction::ftrScanGetLastError,
+                                         eFunction::ftrGetBaseInterfaceNumber};
 
 /// One fault in the making.
 class FaultReader {
@@ -48,7 +75,7 @@ class FaultReader {
     }
     m_sFault.function = *function;
     m_cWords.advance();
-    if (m_cWords.accept("of")) {
+    if (word_for(kWithSubject, "of")) {
       m_sFault.subject = m_cWords.quoted();
     }
   }
@@ -72,14 +99,14 @@ class FaultReader {
   }
 
   void read_effect() {
-    if (m_cWords.accept("fails")) {
+    if (word_but_for(kNeverFailing, "fails")) {
       m_cWords.expect("with");
-      m_sFault.effects.fails_with = m_cWords.whole_number();
+      m_sFault.effects.fails_with = code();
     } else if (m_cWords.accept("blocks")) {
       m_cWords.expect("until");
       m_cWords.expect("told");
       m_sFault.effects.blocks = true;
-    } else if (m_cWords.accept("answers")) {
+    } else if (word_but_for(kWithoutNumber, "answers")) {
       read_answer();
     } else {
       m_cWords.expect("gives");
@@ -92,15 +119,16 @@ class FaultReader {
       m_sFault.effects.text = m_cWords.quoted();
       return;
     }
-    m_sFault.effects.answer = m_cWords.whole_number();
+    m_sFault.effects.answer = code();
     if (m_cWords.ended()) {
       return;
     }
     m_cWords.expect("with");
-    if (is_of_scanner() && m_cWords.accept("error")) {
-      m_sFault.effects.error = m_cWords.whole_number();
+    if (is_of_scanner() && word_but_for(kWithoutLastError, "error")) {
+      m_sFault.effects.error = code();
     } else if (word_for(kSizeGivers, "size") || word_for(kTextGivers, "length")) {
-      m_sFault.effects.number = static_cast<double>(m_cWords.whole_number());
+      constexpr long kLast = std::numeric_limits<long>::max();
+      m_sFault.effects.number = static_cast<double>(m_cWords.whole_number_between(0, kLast));
     } else {
       m_cWords.refuse_here();
     }
@@ -120,14 +148,30 @@ class FaultReader {
       m_cWords.expect("text");
       m_sFault.effects.no_text = true;
     } else if (is_one_of(kFrameSizeGivers)) {
-      const int width = static_cast<int>(m_cWords.whole_number());
+      const int width = signed_32_bits();
       m_cWords.expect("x");
-      m_sFault.effects.frame_size = {width, static_cast<int>(m_cWords.whole_number())};
-    } else if (is_one_of(kNumberGivers)) {
-      m_sFault.effects.number = m_cWords.number();
+      m_sFault.effects.frame_size = {width, signed_32_bits()};
+    } else if (is_one_of(kMemorySizeGivers)) {
+      m_sFault.effects.number = signed_32_bits();
+    } else if (is_one_of(kScoreGivers)) {
+      m_sFault.effects.number = m_cWords.accept("nan") ? std::nan("") : m_cWords.number();
     } else {
       m_cWords.refuse_here();
     }
+  }
+
+  /// A number that a function answers or fails with. Those of the scanner library have 32 bits,
+  /// with a sign or without.
+  long code() {
+    constexpr long kLowest = std::numeric_limits<std::int32_t>::min();
+    constexpr long kHighest = std::numeric_limits<std::uint32_t>::max();
+    return is_of_scanner() ? m_cWords.whole_number_between(kLowest, kHighest)
+                           : m_cWords.whole_number();
+  }
+
+  int signed_32_bits() {
+    using Limits = std::numeric_limits<std::int32_t>;
+    return static_cast<int>(m_cWords.whole_number_between(Limits::min(), Limits::max()));
   }
 
   /// Only the scanner library has a last error.
@@ -141,6 +185,10 @@ class FaultReader {
 
   bool word_for(Functions functions, std::string_view word) {
     return is_one_of(functions) && m_cWords.accept(word);
+  }
+
+  bool word_but_for(Functions functions, std::string_view word) {
+    return !is_one_of(functions) && m_cWords.accept(word);
   }
 
   Words m_cWords;

@@ -6,13 +6,11 @@
 namespace Osv::simulator {
 
 void FaultPlan::set(std::vector<Fault> faults) {
-  {
-    const std::lock_guard<std::mutex> lock(m_cLock);
-    m_vFaults = std::move(faults);
-    m_aCalls = {};
-    m_bActive = !m_vFaults.empty();
-  }
-  release();
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  m_vFaults = std::move(faults);
+  m_aCalls = {};
+  m_bActive = !m_vFaults.empty();
+  let_go();  // under the same lock: a call that the new plan blocks is to stay blocked
 }
 
 void FaultPlan::add(std::vector<Fault> faults) {
@@ -57,6 +55,10 @@ Effects FaultPlan::collect(eFunction function, const char* subject) {
 
 void FaultPlan::release() {
   const std::lock_guard<std::mutex> lock(m_cLock);
+  let_go();
+}
+
+void FaultPlan::let_go() {
   ++m_nReleases;
   m_cChanged.notify_all();
 }

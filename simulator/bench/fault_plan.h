@@ -36,6 +36,7 @@ class FaultPlan {
 
  private:
   Effects collect(eFunction function, const char* subject);
+  void let_go();
 
   std::atomic<bool> m_bActive = false;  // false: no faults, calls needn't take the lock
   std::mutex m_cLock;                   // guards all below

@@ -3,10 +3,25 @@
 #include <chrono>
 #include <mutex>
 
+#include "bench/visibility.h"
+
 /// @file
 /// The time of frames.
 
 namespace Osv::simulator {
+
+/// What pacers go by. Called from any thread.
+struct PaceClock {
+  using Clock = std::chrono::steady_clock;
+
+  Clock::time_point (*now)();
+  void (*sleep_until)(Clock::time_point time);
+};
+
+/// Puts another clock in the place of the one that all pacers go by, for tests; null stands for the
+/// system's. The clock has to stay.
+/// @return the one before, null for the system's
+OSV_SIMULATOR_API const PaceClock* exchange_pace_clock(const PaceClock* clock);
 
 /// Keeps frames apart for people; tests let it be. Any thread may call it.
 class Pacer {
@@ -18,10 +33,10 @@ class Pacer {
   void wait();
 
  private:
-  using Clock = std::chrono::steady_clock;
+  using Clock = PaceClock::Clock;
 
   /// The time at which the caller's frame is due.
-  Clock::time_point take_turn();
+  Clock::time_point take_turn(const PaceClock& clock);
 
   std::mutex m_cLock;
   Clock::duration m_cInterval{};

@@ -1,9 +1,12 @@
 #include "bench/words.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
+#include <cmath>
 #include <cstdlib>
 #include <stdexcept>
+#include <system_error>
 
 namespace Osv::simulator {
 
@@ -43,8 +46,9 @@ long Words::whole_number() {
   const std::string text(m_sWord);
   char* end = nullptr;
   const int base = text.find("0x") == std::string::npos ? 10 : 16;
+  errno = 0;
   const long value = std::strtol(text.c_str(), &end, base);
-  if (m_bQuoted || text.empty() || *end != '\0') {
+  if (m_bQuoted || text.empty() || *end != '\0' || errno == ERANGE) {
     refuse_here();
   }
   advance();
@@ -63,7 +67,8 @@ long Words::whole_number_between(long low, long high) {
 double Words::number() {
   double value = 0;
   const char* const end = m_sWord.data() + m_sWord.size();
-  if (m_bQuoted || std::from_chars(m_sWord.data(), end, value).ptr != end || m_sWord.empty()) {
+  const std::from_chars_result read = std::from_chars(m_sWord.data(), end, value);
+  if (m_bQuoted || read.ptr != end || read.ec != std::errc() || !std::isfinite(value)) {
     refuse_here();
   }
   advance();

@@ -29,9 +29,11 @@ class Words {
   void expect(std::string_view word);
   std::string quoted();
 
-  /// A decimal or, behind 0x, hexadecimal number.
+  /// A decimal or, behind 0x, hexadecimal number that fits.
   long whole_number();
   long whole_number_between(long low, long high);
+
+  /// A finite number.
   double number();
 
   /// Everything from the present word on, as it stands.

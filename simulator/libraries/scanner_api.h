@@ -11,6 +11,10 @@
 /// A status is 1 for success and 0 for failure; then the last error tells why. Handles are numbers
 /// in the disguise of pointers, counted from 1, so that no wrong one does harm.
 
+// Not in the global namespace: a program that links the plug-in's own declarations of these records
+// has two of each otherwise.
+namespace Osv::simulator {
+
 struct __FTRSCAN_IMAGE_SIZE {
   std::int32_t width;
   std::int32_t height;
@@ -38,12 +42,14 @@ struct ftrScanInterfaceList {
   std::array<std::uint32_t, 128> status;
 };
 
+}  // namespace Osv::simulator
+
 OSV_STAND_IN void* ftrScanOpenDeviceOnInterface(int interface);
 OSV_STAND_IN void ftrScanCloseDevice(void* handle);
 OSV_STAND_IN int ftrScanSetOptions(void* handle, std::uint32_t mask, std::uint32_t flags);
 OSV_STAND_IN int ftrScanGetOptions(void* handle, std::uint32_t* flags);
-OSV_STAND_IN int ftrScanGetDeviceInfo(void* handle, ftrScanDeviceInfoRecord* info);
-OSV_STAND_IN int ftrScanGetImageSize(void* handle, __FTRSCAN_IMAGE_SIZE* size);
+OSV_STAND_IN int ftrScanGetDeviceInfo(void* handle, Osv::simulator::ftrScanDeviceInfoRecord* info);
+OSV_STAND_IN int ftrScanGetImageSize(void* handle, Osv::simulator::__FTRSCAN_IMAGE_SIZE* size);
 OSV_STAND_IN int ftrScanGetFrame(void* handle, void* buffer, void* parameters);
 OSV_STAND_IN int ftrScanGetBacklightImage(void* handle, void* buffer);
 OSV_STAND_IN int ftrScanGetDarkImage(void* handle, void* buffer);
@@ -55,7 +61,7 @@ OSV_STAND_IN int ftrScanSave7Bytes(void* handle, const void* bytes);
 OSV_STAND_IN int ftrScanRestore7ControlBytes(void* handle, void* bytes);
 OSV_STAND_IN int ftrScanGetDiodesStatus(void* handle, std::uint8_t* green, std::uint8_t* red);
 OSV_STAND_IN int ftrScanSetDiodesStatus(void* handle, std::uint8_t green, std::uint8_t red);
-OSV_STAND_IN int ftrScanGetInterfaces(ftrScanInterfaceList* list);
+OSV_STAND_IN int ftrScanGetInterfaces(Osv::simulator::ftrScanInterfaceList* list);
 OSV_STAND_IN int ftrSetBaseInterface(int interface);
 OSV_STAND_IN int ftrGetBaseInterfaceNumber();
 OSV_STAND_IN int ftrScanSaveSerialNumber(void* handle, const void* block);
@@ -67,7 +73,7 @@ OSV_STAND_IN int ftrScanSaveExtMemory(void* handle, const void* data, unsigned l
                                       std::uint32_t size);
 OSV_STAND_IN int ftrScanRestoreExtMemory(void* handle, void* data, unsigned long offset,
                                          std::uint32_t size);
-OSV_STAND_IN int ftrScanGetVersion(void* handle, ftrScanVersionRecord* version);
+OSV_STAND_IN int ftrScanGetVersion(void* handle, Osv::simulator::ftrScanVersionRecord* version);
 OSV_STAND_IN int ftrScanSetNewAuthorizationCode(void* handle, const void* code);
 OSV_STAND_IN int ftrScanSaveSecret7Bytes(void* handle, const void* code, const void* bytes);
 OSV_STAND_IN int ftrScanRestoreSecret7Bytes(void* handle, const void* code, void* bytes);

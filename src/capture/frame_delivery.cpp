@@ -4,6 +4,7 @@
 #include <string>
 
 #include "capture/capture_channel.h"
+#include "foundation/image_functions.h"
 
 namespace Osv::lx {
 namespace {
@@ -19,8 +20,7 @@ bool middle_row_shows(const utilities::ClSimpleBitmap& image) {
     return false;
   }
   const unsigned char* const row = image.Pixel() + image.Height() / 2 * image.BPRow();
-  return std::any_of(row + kRowMargin, row + width - kRowMargin,
-                     [](unsigned char pixel) { return pixel != 0; });
+  return !img::all_zero(row + kRowMargin, width - 2 * kRowMargin);
 }
 
 unsigned char* block_of(const utilities::ClSimpleBitmap& image) {

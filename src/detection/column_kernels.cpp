@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "foundation/pixel_kernels.h"
+
 namespace Osv::lx {
 namespace {
 
@@ -31,29 +33,6 @@ struct Lanes {
   std::array<std::uint16_t, kPanelColumns / 2> rights;
 };
 
-std::uint16_t word_at(const unsigned char* pixels) {
-  std::uint16_t word = 0;
-  std::memcpy(&word, pixels, sizeof(word));
-  return word;
-}
-
-/// Adds `kRows` rows from `pixels` on.
-template <unsigned long kRows>
-void add_rows(Lanes& lanes, const unsigned char* pixels, unsigned long stride,
-              unsigned long pairs) {
-  for (unsigned long pair = 0; pair < pairs; ++pair) {
-    std::uint16_t words = lanes.words[pair];
-    std::uint16_t rights = lanes.rights[pair];
-    for (unsigned long row = 0; row < kRows; ++row) {
-      const std::uint16_t word = word_at(pixels + row * stride + 2 * pair);
-      words = static_cast<std::uint16_t>(words + word);
-      rights = static_cast<std::uint16_t>(rights + (word >> 8));
-    }
-    lanes.words[pair] = words;
-    lanes.rights[pair] = rights;
-  }
-}
-
 void clear(Lanes& lanes, unsigned long pairs) {
   std::fill_n(lanes.words.begin(), pairs, std::uint16_t{0});
   std::fill_n(lanes.rights.begin(), pairs, std::uint16_t{0});
@@ -71,16 +50,18 @@ void flush(const Lanes& lanes, std::span<unsigned long> sums) {
 /// it, which every row of odd width has.
 void add_panel(const unsigned char* pixels, unsigned long stride, unsigned long height,
                std::span<unsigned long> sums) {
+  const img::PixelKernels& kernels = img::pixel_kernels();
   const unsigned long pairs = (sums.size() + 1) / 2;
   Lanes lanes;
   for (unsigned long row = 0; row < height;) {
     const unsigned long end = row + std::min(kRowsPerFlush, height - row);
     clear(lanes, pairs);
     for (; row + kRowsAtOnce <= end; row += kRowsAtOnce) {
-      add_rows<kRowsAtOnce>(lanes, pixels + row * stride, stride, pairs);
+      kernels.add_eight_rows(lanes.words.data(), lanes.rights.data(), pixels + row * stride, stride,
+                             pairs);
     }
     for (; row < end; ++row) {
-      add_rows<1>(lanes, pixels + row * stride, stride, pairs);
+      kernels.add_row(lanes.words.data(), lanes.rights.data(), pixels + row * stride, pairs);
     }
     flush(lanes, sums);
   }
@@ -91,51 +72,53 @@ void add_panel(const unsigned char* pixels, unsigned long stride, unsigned long 
 /// Columns that are copied or passed over together.
 constexpr unsigned long kBlockColumns = 64;
 
-/// Columns next to each other.
-struct Strip {
-  unsigned long from;
-  unsigned long to;
-};
+/// How many of a block's columns are marked.
+enum class Marked { kNone, kSome, kAll };
 
-/// True when a column of the block that begins at `from` is marked.
-bool block_is_marked(std::span<const unsigned char> marks, unsigned long from) {
+/// Of the block that begins at `from`.
+Marked marked_of_block(std::span<const unsigned char> marks, unsigned long from) {
   unsigned char any = 0;
+  unsigned char all = kColumnMarked;
   for (const unsigned char mark :
        marks.subspan(from, std::min(kBlockColumns, marks.size() - from))) {
     any = static_cast<unsigned char>(any | mark);
+    all = static_cast<unsigned char>(all & mark);
   }
-  return any != 0;
+  return all != 0 ? Marked::kAll : any != 0 ? Marked::kSome : Marked::kNone;
 }
 
-/// The next blocks with marked columns from `from` on; empty at the end of the marks.
-Strip next_strip(std::span<const unsigned char> marks, unsigned long from) {
-  while (from < marks.size() && !block_is_marked(marks, from)) {
-    from += kBlockColumns;
-  }
+/// Blocks next to each other with equally many marks.
+struct Strip {
+  unsigned long from;
+  unsigned long to;
+  Marked marked;
+};
+
+/// The strip that begins at `from`, before the end of the marks.
+Strip strip_at(std::span<const unsigned char> marks, unsigned long from) {
+  const Marked marked = marked_of_block(marks, from);
   unsigned long to = from;
-  while (to < marks.size() && block_is_marked(marks, to)) {
+  while (to < marks.size() && marked_of_block(marks, to) == marked) {
     to += kBlockColumns;
   }
-  return {std::min(from, marks.size()), std::min(to, marks.size())};
-}
-
-/// Replaces the marked bytes.
-void blend(unsigned char* target, const unsigned char* source, const unsigned char* marks,
-           unsigned long count) {
-  for (unsigned long i = 0; i < count; ++i) {
-    target[i] = static_cast<unsigned char>((source[i] & marks[i]) | (target[i] & ~marks[i]));
-  }
+  return {from, std::min(to, marks.size()), marked};
 }
 
 /// Copies within one strip, which begins at `column` of the images.
 void copy_strip(const ClSimpleBitmap& source, ClSimpleBitmap& target, unsigned long column,
-                std::span<const unsigned char> marks) {
+                std::span<const unsigned char> marks, Marked marked) {
+  const auto replace_marked = img::pixel_kernels().replace_marked;
   const unsigned long stride = source.BPRow();
   const unsigned long size = std::min(source.PixelSize(), target.PixelSize());
   unsigned char* const to = target.Pixel();
   const unsigned char* const from = source.Pixel();
   for (unsigned long offset = column; offset < size; offset += stride) {
-    blend(to + offset, from + offset, marks.data(), std::min(marks.size(), size - offset));
+    const unsigned long count = std::min(marks.size(), size - offset);
+    if (marked == Marked::kAll) {
+      std::memcpy(to + offset, from + offset, count);
+    } else {
+      replace_marked(to + offset, from + offset, marks.data(), count);
+    }
   }
 }
 
@@ -151,11 +134,13 @@ void column_sums(const ClSimpleBitmap& bitmap, std::span<unsigned long> sums) {
 
 void copy_columns(const ClSimpleBitmap& source, ClSimpleBitmap& target, unsigned long first,
                   std::span<const unsigned char> marks) {
-  Strip strip = next_strip(marks, 0);
-  while (strip.from < strip.to) {
-    copy_strip(source, target, first + strip.from,
-               marks.subspan(strip.from, strip.to - strip.from));
-    strip = next_strip(marks, strip.to);
+  for (unsigned long from = 0; from < marks.size();) {
+    const Strip strip = strip_at(marks, from);
+    if (strip.marked != Marked::kNone) {
+      copy_strip(source, target, first + strip.from,
+                 marks.subspan(strip.from, strip.to - strip.from), strip.marked);
+    }
+    from = strip.to;
   }
 }
 

@@ -1,7 +1,9 @@
 #include "detection/plain_finger_detection.h"
 
-#include <algorithm>
 #include <span>
+
+#include "detection/bitmap_utilities.h"
+#include "foundation/image_functions.h"
 
 namespace Osv::lx {
 namespace {
@@ -27,16 +29,12 @@ bool ClPlainFingerDetection::Detect(utilities::ClSimpleBitmap& in, utilities::Cl
 
 bool ClPlainFingerDetection::BlackImage(utilities::ClSimpleBitmap& bitmap) const {
   const std::span<const unsigned char> row = probe_row(bitmap);
-  return std::all_of(row.begin(), row.end(), [](unsigned char pixel) { return pixel == 0; });
+  return img::all_zero(row.data(), row.size());
 }
 
 bool ClPlainFingerDetection::LineDetect(const unsigned char* line, unsigned long width,
                                         unsigned long& sum) const {
-  sum = 0;
-  for (unsigned long i = 0; i < width; i += 2) {
-    sum += line[i];
-    sum += line[i + 1];
-  }
+  sum = byte_sum({line, width + width % 2});
   return sum < width * (m_nThreshold & kThresholdMask);
 }
 

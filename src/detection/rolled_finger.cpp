@@ -16,38 +16,47 @@ constexpr unsigned long kEdges = 256;
 
 /// Finds the edge of a line for one start after the other, from the right to the left: a start
 /// further left only adds columns. Going this way each improvement lowers the mean, so there are at
-/// most 255 of them, and a multiplication takes the place of the division: a sum over n columns has
-/// a mean below m, cut or not, when it is below n times m. The start 0 needs no case of its own:
-/// what counts there is the first byte, as at 1, and of equal ones the later wins.
+/// most 255 of them, and a comparison takes the place of the division: a sum over n columns has a
+/// mean below m, cut or not, when it is below n times m. The start 0 needs no case of its own: what
+/// counts there is the first byte, as at 1, and of equal ones the later wins.
 class EdgeScan {
  public:
   /// Begins with the start at the last column; `end` is the number of columns, at least 1.
   EdgeScan(const unsigned char* line, unsigned long end)
-      : m_line(line),
-        m_start(end - 1),
-        m_edge(m_start),
-        m_sum(byte_sum({line, m_start})),
-        m_lowest(m_start == 0 ? *line : m_sum / m_start) {}
+      : m_line(line), m_start(end - 1), m_edge(m_start) {
+    const unsigned long sum = byte_sum({line, m_start});
+    m_lowest = m_start == 0 ? *line : sum / m_start;
+    m_excess = static_cast<long>(sum - m_start * m_lowest);
+  }
 
   unsigned long start() const { return m_start; }
   unsigned long edge() const { return m_edge; }
 
-  /// Moves the start one column to the left.
-  void step() {
-    --m_start;
-    m_sum -= m_line[m_start];
-    while (m_sum < m_start * m_lowest) {
-      m_edge = m_start;
-      --m_lowest;
+  /// Moves the start to the left, to `target`.
+  void move_to(unsigned long target) {
+    while (m_start > target) {
+      --m_start;
+      m_excess += static_cast<long>(m_lowest) - m_line[m_start];
+      if (m_excess < 0) {
+        improve();
+      }
     }
   }
 
  private:
+  void improve() {
+    m_edge = m_start;
+    while (m_excess < 0) {
+      --m_lowest;
+      m_excess += static_cast<long>(m_start);
+    }
+  }
+
   const unsigned char* m_line;
   unsigned long m_start;
   unsigned long m_edge;
-  unsigned long m_sum;     ///< of the columns left of the start
-  unsigned long m_lowest;  ///< the mean at the edge, cut
+  unsigned long m_lowest = 0;  ///< the mean at the edge, cut
+  long m_excess = 0;           ///< the sum of the columns left of the start, less m_lowest for each
 };
 
 /// The edge in a line for every start that a profile can have, cut to a byte.
@@ -57,15 +66,18 @@ std::array<unsigned char, kEdges> edges_of(const unsigned char* line, unsigned l
     return edges;
   }
   EdgeScan scan(line, width);
-  while (scan.start() >= kEdges) {
-    scan.step();
-  }
-  edges[scan.start()] = static_cast<unsigned char>(scan.edge());
-  while (scan.start() > 0) {
-    scan.step();
-    edges[scan.start()] = static_cast<unsigned char>(scan.edge());
+  unsigned long start = std::min(width, kEdges);
+  while (start > 0) {
+    --start;
+    scan.move_to(start);
+    edges[start] = static_cast<unsigned char>(scan.edge());
   }
   return edges;
+}
+
+/// True when all rows, of which there is at least one, begin at the same column.
+bool begin_together(const std::vector<unsigned char>& profile, unsigned long rows) {
+  return profile.size() >= rows && std::memcmp(profile.data(), profile.data() + 1, rows - 1) == 0;
 }
 
 }  // namespace
@@ -165,9 +177,7 @@ unsigned long ClRolledFinger::LineRand(const unsigned char* line, unsigned long 
     return 0;
   }
   EdgeScan scan(line, to);
-  while (scan.start() > from) {
-    scan.step();
-  }
+  scan.move_to(from);
   return scan.edge();
 }
 
@@ -176,6 +186,11 @@ void ClRolledFinger::CalculateLineRand(const utilities::ClSimpleBitmap& bitmap,
                                        std::vector<unsigned char>& next) {
   const unsigned long rows = std::min(bitmap.Height(), next.size());
   if (rows == 0) {
+    return;
+  }
+  if (begin_together(previous, rows)) {  // as the rows of a roll do
+    const unsigned long edge = LineRand(bitmap.Pixel(), previous.front(), bitmap.Width());
+    std::memset(next.data(), static_cast<unsigned char>(edge), rows);
     return;
   }
   const std::array<unsigned char, kEdges> edges = edges_of(bitmap.Pixel(), bitmap.Width());

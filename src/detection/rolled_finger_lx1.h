@@ -45,6 +45,8 @@ class ClRolledFingerLX1 : public ClImageDetection {
   void Reset();
 
  protected:
+  bool Roll(const utilities::ClSimpleBitmap& in);
+
   unsigned long m_nReset = 255;       ///< what `Reset` makes of the lower limit
   unsigned long m_nReserved = 5;      ///< 1 in a copy; no operation reads it
   bool m_bInitialized = false;        ///< a background has been taken
@@ -55,7 +57,6 @@ class ClRolledFingerLX1 : public ClImageDetection {
   utilities::ClSimpleBitmap m_Image;      ///< the composite
 
  private:
-  bool Roll(const utilities::ClSimpleBitmap& in);
   void Merge(const utilities::ClSimpleBitmap& in);
 
   /// The sums of the frame in hand; a member so that frames allocate nothing for them.

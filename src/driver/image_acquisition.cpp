@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 #include "driver/get_item.h"
 #include "driver/ostrevan_hvk3_sdk.h"
@@ -7,6 +8,7 @@
 #include "foundation/exceptions.h"
 #include "foundation/image_functions.h"
 #include "foundation/logging_client.h"
+#include "foundation/pixel_kernels.h"
 #include "ostrevanhvk3/errors.h"
 
 namespace Osv::lx {
@@ -33,10 +35,21 @@ unsigned char* bytes(const utilities::ClSimpleBitmap& bitmap) {
 
 }  // namespace
 
-struct ClOstrevanHVK3SDK::LDImages {
-  ClSimpleBitmap dose;
-  ClSimpleBitmap dark;
-  ClSimpleBitmap backlight;
+/// The images of the frame before, whose memory is at hand, lent for one frame. A frame that the
+/// event callback takes inside of another finds none there and makes its own.
+class ClOstrevanHVK3SDK::LDImagesLoan {
+ public:
+  explicit LDImagesLoan(std::unique_ptr<LDImages>& kept)
+      : m_kept(kept), m_images(kept == nullptr ? std::make_unique<LDImages>() : std::move(kept)) {}
+  ~LDImagesLoan() { m_kept = std::move(m_images); }
+  LDImagesLoan(const LDImagesLoan&) = delete;
+  LDImagesLoan& operator=(const LDImagesLoan&) = delete;
+
+  LDImages& get() { return *m_images; }
+
+ private:
+  std::unique_ptr<LDImages>& m_kept;
+  std::unique_ptr<LDImages> m_images;
 };
 
 /// Refuses sizes that no frame has, `Create` the negative ones: the scanner would fill a buffer
@@ -47,6 +60,15 @@ void ClOstrevanHVK3SDK::CreateRaw(ClSimpleBitmap& bitmap, const __FTRSCAN_IMAGE_
   }
   bitmap.Create(static_cast<unsigned long>(size.nWidth), static_cast<unsigned long>(size.nHeight),
                 kBitsPerPixel, 0);
+}
+
+/// Keeps a bitmap that has the size already: memory that goes back and comes again for each frame
+/// comes as new pages, which take longer than all that is done to them.
+void ClOstrevanHVK3SDK::ShapeRaw(ClSimpleBitmap& bitmap, const __FTRSCAN_IMAGE_SIZE& size) {
+  if (bitmap.Empty() || bitmap.Width() != static_cast<unsigned long>(size.nWidth) ||
+      bitmap.Height() != static_cast<unsigned long>(size.nHeight)) {
+    CreateRaw(bitmap, size);
+  }
 }
 
 bool ClOstrevanHVK3SDK::IsDirty(ClFrameGrabberChannel& channel) {
@@ -173,7 +195,9 @@ bool ClOstrevanHVK3SDK::FuzzyImage(unsigned char* pixels) {
 
 void ClOstrevanHVK3SDK::GetLiveBitmap(ClFrameGrabberChannel& channel, ClSimpleBitmap& bitmap) {
   const Guard guard(m_cLock);
-  // Another thread may have opened a scanner since this bitmap was shaped.
+  // Another thread may have opened or closed a scanner since this bitmap was shaped. A preparation
+  // that fails is judged as a fetch through the dead handle would have been: without a scanner this
+  // is a disconnection.
   if (NeedsPreparation(channel, bitmap)) {
     const unsigned long result = SetActiveChannel(channel, bitmap);
     if (result != 0) {
@@ -215,13 +239,14 @@ void ClOstrevanHVK3SDK::CaptureLDBmp(ClSimpleBitmap& bitmap) {
 }
 
 void ClOstrevanHVK3SDK::CaptureAndScore(ClSimpleBitmap& bitmap) {
-  LDImages images;
+  LDImagesLoan loan(m_pLDImages);
+  LDImages& images = loan.get();
   const __FTRSCAN_IMAGE_SIZE size = ReadImageSize();
   const auto calibration = Calibration();
   const CXDisableDynCalibration withoutDynCalibration(*calibration);
-  CreateRaw(images.dose, size);
-  CreateRaw(images.dark, size);
-  CreateRaw(images.backlight, size);
+  ShapeRaw(images.dose, size);
+  ShapeRaw(images.dark, size);
+  ShapeRaw(images.backlight, size);
   if (!FetchLDImages(images) && CheckScannerError(m_pScanner->GetLastError())) {
     bitmap.SetWhite();
     ResetLD(bitmap);
@@ -234,7 +259,7 @@ void ClOstrevanHVK3SDK::CaptureAndScore(ClSimpleBitmap& bitmap) {
 }
 
 /// Stops at the first image that can't be had. What the buffers hold then is scored all the same
-/// for one error number, so they begin black and not with whatever the memory held.
+/// for one error number, so they begin black and not with an earlier frame.
 bool ClOstrevanHVK3SDK::FetchLDImages(LDImages& images) {
   images.dark.SetBlack();
   images.backlight.SetBlack();
@@ -274,12 +299,7 @@ void ClOstrevanHVK3SDK::ScoreFinger(CXCalibration& calibration, LDImages& images
 void ClOstrevanHVK3SDK::PrepareImage(ClSimpleBitmap& bitmap) {
   OSV_LOG(OsvLFTrace, "KR9 scanner. Calling PrepareImage function");
   // The middle row of an odd height is neither moved nor complemented, and is to stay so.
-  const unsigned long stride = bitmap.BPRow();
-  const unsigned long height = bitmap.Height();
-  unsigned char* const pixels = bitmap.Pixel();
-  for (unsigned long row = 0; row < height / 2; ++row) {
-    img::swap_and_invert_rows(pixels + row * stride, pixels + (height - 1 - row) * stride, stride);
-  }
+  img::pixel_kernels().flip_and_invert(bitmap.Pixel(), bitmap.BPRow(), bitmap.Height());
 }
 
 void ClOstrevanHVK3SDK::ResetLD(ClSimpleBitmap& bitmap) {

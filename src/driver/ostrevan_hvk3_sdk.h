@@ -224,7 +224,13 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   static CXMutex m_cCBMutex;
 
  private:
-  struct LDImages;
+  /// The raw frames of fake finger detection.
+  struct LDImages {
+    ClSimpleBitmap dose;
+    ClSimpleBitmap dark;
+    ClSimpleBitmap backlight;
+  };
+  class LDImagesLoan;
 
   /// The calibration of the scanner that is open. @throws ClLXException 2 when there is none
   std::shared_ptr<CXCalibration> Calibration() const;
@@ -251,6 +257,7 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   static constexpr unsigned int m_cnDotsPerInch = 500;  // in both directions
 
   static void CreateRaw(ClSimpleBitmap& bitmap, const __FTRSCAN_IMAGE_SIZE& size);
+  static void ShapeRaw(ClSimpleBitmap& bitmap, const __FTRSCAN_IMAGE_SIZE& size);
   static bool IsWorkersBitmap(const ClFrameGrabberChannel& channel, const ClSimpleBitmap& bitmap);
   bool NeedsPreparation(const ClFrameGrabberChannel& channel, const ClSimpleBitmap& bitmap) const;
   void Prepare(ClFrameGrabberChannel& channel, ClSimpleBitmap& bitmap);
@@ -260,6 +267,9 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   bool FetchLDImages(LDImages& images);
   void ScoreFinger(CXCalibration& calibration, LDImages& images, ClSimpleBitmap& bitmap);
   void CaptureAndScore(ClSimpleBitmap& bitmap);
+
+  // Kept from one frame to the next while fake finger detection is on; guarded by m_cLock.
+  std::unique_ptr<LDImages> m_pLDImages;
 
   mutable std::mutex m_cErrorLock;  // leaf
 

@@ -106,6 +106,7 @@ void ClOstrevanHVK3SDK::SetFakeFingerDetection(unsigned int value) {
   const unsigned int securityLevel = value == kHighSecurity ? kHighSecurity : kNormalSecurity;
   if (value == 0) {
     m_pLiveDetection->Uninit();
+    m_pLDImages.reset();
   } else if (m_pLiveDetection->IsInit()) {
     m_pLiveDetection->SetSecurityLevel(securityLevel);
   } else {

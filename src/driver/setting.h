@@ -12,7 +12,8 @@ constexpr char kConfigurationFile[] = "/etc/ostrevanhvk3.cfg";
 class CXSetting {
  public:
   /// Reads a configuration file. A missing file is no failure, any key is accepted, and nothing
-  /// changes: the file only has to be one that can be parsed.
+  /// changes: the file only has to be one that can be parsed. No file is refused today, since the
+  /// parser passes over bad lines.
   /// @throws CXConfigFileParsingException
   void LoadFromFile(const char* path);
 

@@ -8,6 +8,7 @@
 
 #include "foundation/exceptions.h"
 #include "foundation/image_functions.h"
+#include "foundation/pixel_kernels.h"
 
 namespace Osv::utilities {
 namespace {
@@ -275,10 +276,7 @@ void ClSimpleBitmap::FlipY() {
 
 void ClSimpleBitmap::FlipY(unsigned long width, unsigned long height, unsigned long bits,
                            unsigned char* pixels) {
-  const unsigned long stride = BPRow(width, bits);
-  for (unsigned long row = 0; row < height / 2; ++row) {
-    img::swap_rows(pixels + row * stride, pixels + (height - 1 - row) * stride, stride);
-  }
+  img::pixel_kernels().flip(pixels, BPRow(width, bits), height);
 }
 
 void ClSimpleBitmap::Invert() {

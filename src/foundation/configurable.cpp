@@ -8,7 +8,6 @@ Configurable::Configurable() { s_setConfigured.insert(this); }
 
 Configurable::Configurable(const Configurable& /*other*/) { s_setConfigured.insert(this); }
 
-// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): nothing is taken from the other object
 Configurable& Configurable::operator=(const Configurable& /*other*/) {
   s_setConfigured.insert(this);
   return *this;

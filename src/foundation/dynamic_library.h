@@ -7,8 +7,8 @@
 
 namespace Osv {
 
-/// A name of a closed library and where its address goes. `CXDynamicLibrary::Resolve`
-/// copies the address into the slot byte by byte.
+/// The name of a function of a closed library and where its address goes.
+/// `CXDynamicLibrary::Resolve` copies the address into the slot byte by byte.
 struct SymbolSlot {
   const char* name;
   void* slot;  ///< address of a function pointer

@@ -79,7 +79,7 @@ class ClCHeaderDesrcTooLongException : public CXOtherException {
   using CXOtherException::CXOtherException;
 };
 
-/// A symbol or library of a start-up that may fail. For a handler to name; nothing throws it today.
+/// A library that can't be loaded. A type for a handler to name; nothing throws it today.
 class CXDynamicLibraryException : public CXSystemException {};
 
 /// A configuration file that can't be used; tells the innermost thing it was about.
@@ -107,7 +107,8 @@ class ClLXException : public CXOtherException {
   using CXOtherException::CXOtherException;
 };
 
-/// A warning, not a failure. A handler for it must stand before one for `ClLXException`.
+/// A warning, not a failure. A type for a handler to name, which must stand before one for
+/// `ClLXException`; nothing throws it today.
 class ClLXWarning : public ClLXException {
   using ClLXException::ClLXException;
 };

@@ -7,6 +7,7 @@
 #include <new>
 
 #include "foundation/exceptions.h"
+#include "foundation/pixel_kernels.h"
 
 namespace Osv::img {
 namespace {
@@ -72,7 +73,7 @@ const unsigned char* bmp_pixel(const tagBITMAPINFOHEADER* bi) {
 
 void image_invert(unsigned long width, unsigned long height, unsigned long bits,
                   unsigned char* pixels) {
-  invert_bytes(pixels, bmp_pixel_size(width, height, bits));
+  pixel_kernels().invert(pixels, bmp_pixel_size(width, height, bits));
 }
 
 tagBITMAPINFOHEADER* clip_bitmap(const tagBITMAPINFOHEADER* /*bi*/, unsigned long /*x*/,
@@ -155,28 +156,9 @@ void fill_gray_ramp(tagBITMAPINFOHEADER* bi, unsigned long bits) {
   }
 }
 
-void invert_bytes(unsigned char* bytes, std::size_t size) {
-  for (std::size_t i = 0; i < size; ++i) {
-    bytes[i] = static_cast<unsigned char>(~bytes[i]);
-  }
-}
-
-void swap_rows(unsigned char* __restrict first, unsigned char* __restrict second,
-               std::size_t size) {
-  for (std::size_t i = 0; i < size; ++i) {
-    const unsigned char kept = first[i];
-    first[i] = second[i];
-    second[i] = kept;
-  }
-}
-
-void swap_and_invert_rows(unsigned char* __restrict first, unsigned char* __restrict second,
-                          std::size_t size) {
-  for (std::size_t i = 0; i < size; ++i) {
-    const auto kept = static_cast<unsigned char>(~first[i]);
-    first[i] = static_cast<unsigned char>(~second[i]);
-    second[i] = kept;
-  }
+bool all_zero(const unsigned char* bytes, std::size_t size) {
+  // Each byte equals the one before it; the library compares in the machine's widest vectors.
+  return size == 0 || (bytes[0] == 0 && std::memcmp(bytes, bytes + 1, size - 1) == 0);
 }
 
 }  // namespace Osv::img

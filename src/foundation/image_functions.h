@@ -84,13 +84,7 @@ inline unsigned char* behind_header(tagBITMAPINFOHEADER* bi) {
   return reinterpret_cast<unsigned char*>(bi) + sizeof(tagBITMAPINFOHEADER);
 }
 
-/// A complement of `size` bytes in place.
-void invert_bytes(unsigned char* bytes, std::size_t size);
-
-/// Exchanges two rows that don't overlap.
-void swap_rows(unsigned char* first, unsigned char* second, std::size_t size);
-
-/// Exchanges two rows that don't overlap and complements both.
-void swap_and_invert_rows(unsigned char* first, unsigned char* second, std::size_t size);
+/// True when every byte is 0, also of none.
+bool all_zero(const unsigned char* bytes, std::size_t size);
 
 }  // namespace Osv::img

@@ -15,7 +15,6 @@ class TXValuePtr {
   TXValuePtr(const TXValuePtr&) = delete;
   TXValuePtr& operator=(const TXValuePtr&) = delete;
 
-  T* get() const { return m_pObject; }
   T* operator->() const { return m_pObject; }
 
  private:

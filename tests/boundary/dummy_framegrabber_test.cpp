@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -60,6 +61,18 @@ std::vector<unsigned long> every_result(ClFramegrabber& grabber) {
   return results;
 }
 
+/// Calls an operation of a list with room for one element. True when neither was written to.
+template <typename Element>
+bool leaves_list_alone(unsigned long (ClFramegrabber::*operation)(Element*, unsigned long&)) {
+  ClDummyFramegrabber dummy(2, "no scanner");
+  Element list;
+  std::memset(&list, 0x77, sizeof(list));
+  const Element before = list;
+  unsigned long count = 1;
+  (dummy.*operation)(&list, count);
+  return count == 1 && std::memcmp(&list, &before, sizeof(list)) == 0;
+}
+
 std::string last_error(ClFramegrabber& grabber) {
   std::vector<char> buffer(1024);
   unsigned long size = buffer.size();
@@ -70,6 +83,16 @@ std::string last_error(ClFramegrabber& grabber) {
 TEST(Dummy, EveryOperationReportsTheFailureAndTouchesNothing) {
   ClDummyFramegrabber dummy(2, "no scanner");
   EXPECT_EQ(every_result(dummy), std::vector<unsigned long>(34, 0x10000002));
+}
+
+TEST(Dummy, ListsThatHaveRoomStayAsTheyWere) {
+  EXPECT_TRUE(leaves_list_alone(&ClFramegrabber::AvailableCameras));
+  EXPECT_TRUE(leaves_list_alone(&ClFramegrabber::AvailableColorModes));
+  EXPECT_TRUE(leaves_list_alone(&ClFramegrabber::AvailableDetections));
+  EXPECT_TRUE(leaves_list_alone(&ClFramegrabber::AvailableFilters));
+  EXPECT_TRUE(leaves_list_alone(&ClFramegrabber::AvailableProperties));
+  EXPECT_TRUE(leaves_list_alone(&ClFramegrabber::AvailablePropertiesEx));
+  EXPECT_TRUE(leaves_list_alone(&ClFramegrabber::AvailableDevices));
 }
 
 TEST(Dummy, ADummyMadeWithNumberZeroReturnsZeroFromEveryOperation) {
@@ -105,6 +128,14 @@ TEST(Dummy, ABufferOfLengthPlusTwoIsZeroedWholeAndReceivesTheText) {
   EXPECT_EQ(dummy.GetLastError(buffer.data(), size), 0U);
   EXPECT_EQ(size, 10U);
   EXPECT_EQ(std::string(buffer.begin(), buffer.end()), std::string("ten chars!\0\0", 12));
+}
+
+TEST(Dummy, ALargerBufferIsZeroedToItsEnd) {
+  ClDummyFramegrabber dummy(2, "ten chars!");
+  std::vector<char> buffer(40, 'x');
+  unsigned long size = buffer.size();
+  EXPECT_EQ(dummy.GetLastError(buffer.data(), size), 0U);
+  EXPECT_EQ(std::string(buffer.begin(), buffer.end()), "ten chars!" + std::string(30, '\0'));
 }
 
 TEST(Dummy, AnEmptyTextHasTheSizeZeroAndIsNoFailure) {

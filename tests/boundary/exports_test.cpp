@@ -139,6 +139,33 @@ TEST_F(Exports, FrameInformationNeedsARealFrameGrabber) {
   EXPECT_EQ(score, -1);
 }
 
+/// A frame grabber that notes what it is asked for, in the place of the exported one.
+class AskedForInformation : public ClOstrevanHVK3Framegrabber {
+ public:
+  AskedForInformation() : ClOstrevanHVK3Framegrabber(nullptr) { m_pFG = this; }
+  ~AskedForInformation() override { m_pFG = nullptr; }
+
+  unsigned long CurrentFrameInfo(unsigned long reserved, unsigned int type, void* info) override {
+    m_nReserved = reserved;
+    m_nType = type;
+    m_pInfo = info;
+    return 99;
+  }
+
+  unsigned long m_nReserved = 0;
+  unsigned int m_nType = 0;
+  void* m_pInfo = nullptr;
+};
+
+TEST_F(Exports, FrameInformationComesFromTheVirtualOperationWhoseResultIsIgnored) {
+  AskedForInformation grabber;
+  double score = 0;
+  EXPECT_EQ(FGCurrentFrameInfo(7, 0x500000008UL, 9, &score), 0U);
+  EXPECT_EQ(grabber.m_nReserved, 0x500000008UL);
+  EXPECT_EQ(grabber.m_nType, 9U);
+  EXPECT_EQ(grabber.m_pInfo, &score);
+}
+
 TEST_F(Exports, FrameInformationTurnsFailuresIntoNumberAndText) {
   GetFrameGrabber();
   double score = -1;

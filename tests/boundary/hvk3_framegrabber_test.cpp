@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <future>
 #include <vector>
 
 #include "boundary/facade_fixture.h"
@@ -87,8 +88,8 @@ TEST_F(Facade, TheExtendedPropertiesAreTheSameSix) {
   unsigned long count = properties.size();
   EXPECT_EQ(grabber.AvailablePropertiesEx(properties.data(), count), 0U);
   EXPECT_EQ(count, 6U);
-  EXPECT_EQ(properties[0], ePropChannelCount);
-  EXPECT_EQ(properties[5], ePropLowContrastImage);
+  EXPECT_THAT(properties, ElementsAre(ePropChannelCount, ePropLiveliness, ePropRedLED,
+                                      ePropGreenLED, ePropFakeDetection, ePropLowContrastImage));
 }
 
 TEST_F(Facade, AskingAListForItsSizeTouchesNoStoredText) {
@@ -125,6 +126,13 @@ TEST_F(Facade, TheVersionComesOutAndItsRefusalsCarryABitMore) {
   EXPECT_EQ(size, 11U);
   EXPECT_EQ(grabber.GetVersion(text.data(), size), 0U);
   EXPECT_STREQ(text.data(), "2.0.1425.2");
+}
+
+TEST_F(Facade, TheVersionsSizeComesBackAlsoWithMoreRoom) {
+  std::array<char, 20> text{};
+  unsigned long size = text.size();
+  EXPECT_EQ(grabber.GetVersion(text.data(), size), 0U);
+  EXPECT_EQ(size, 11U);
 }
 
 TEST_F(Facade, ARefusedVersionKeepsTheStoredText) {
@@ -270,9 +278,14 @@ TEST_F(FacadeWithoutScanner, AnExtendedPropertyOfChannel0Or1Proceeds) {
   }
 }
 
-/// Properties of the test's own, for what the extended operations make of a value.
+/// Properties of the test's own, for what the extended operations make of them.
 class OwnProperties : public FacadeProbe {
  public:
+  unsigned long AvailableProperties(ePropertyIDs* list, unsigned long& count) override {
+    *list = ePropGreenLED;
+    count = 1;
+    return 99;
+  }
   unsigned long SetFGProperty(ePropertyIDs property, unsigned int value) override {
     m_nProperty = property;
     m_nValue = value;
@@ -302,6 +315,15 @@ TEST_F(Facade, OnlyTheLow32BitsOfAnExtendedValueChangeOnItsWayOut) {
   EXPECT_EQ(own.GetFGPropertyEx(0, ePropRedLED, value), 0U);
   EXPECT_EQ(own.m_nValue, 7U);
   EXPECT_EQ(value, 0x500000064UL);
+}
+
+TEST_F(Facade, TheExtendedPropertiesComeFromTheOperationOfTheOthers) {
+  OwnProperties own;
+  std::array<ePropertyIDs, 6> properties{};
+  unsigned long count = properties.size();
+  EXPECT_EQ(own.AvailablePropertiesEx(properties.data(), count), 99U);
+  EXPECT_EQ(properties[0], ePropGreenLED);
+  EXPECT_EQ(count, 1U);
 }
 
 // ---- the scanner result rule
@@ -411,8 +433,14 @@ TEST_F(Facade, TheFrameInformationLetsFailuresThroughToTheExportedFunction) {
   EXPECT_EQ(score, 0.0);
 }
 
-TEST_F(Facade, TheEventCallbackIsTaken) {
-  EXPECT_EQ(grabber.EnableEvents(1, 2, nullptr, nullptr), 0U);
+TEST_F(Facade, TheEventCallbackIsTakenWithItsHandleAndPointer) {
+  int handle = 0;
+  const auto note = [](int own, unsigned int, eFGs, unsigned int, void* user) {
+    *static_cast<int*>(user) = own;
+  };
+  EXPECT_EQ(grabber.EnableEvents(1, 0xFFFFFFFE, note, &handle), 0U);
+  grabber.OnFakeFinger();
+  EXPECT_EQ(handle, -2);
 }
 
 TEST_F(Facade, StoppingAChannelThatDoesNotCaptureSucceedsAgainAndAgain) {
@@ -450,6 +478,29 @@ TEST_F(Facade, UninitializingStopsCaptureAndLetsTheLoggingFacilityGo) {
   EXPECT_EQ(grabber.Uninitialize(), 0U);
   EXPECT_FALSE(grabber.channel().m_bRunning);
   EXPECT_EQ(utilities::ClLoggingFacilityClient::m_fpLogInstance, nullptr);
+}
+
+/// Uninitializes the frame grabber inside a live image callback, and keeps what came of it.
+struct InsideACallback {
+  FacadeProbe& grabber;
+  std::promise<unsigned long> result;
+
+  static void live(int, unsigned int, unsigned char*, void* user) {
+    auto& inside = *static_cast<InsideACallback*>(user);
+    inside.grabber.Freeze(1, true);  // so that it happens once
+    inside.result.set_value(inside.grabber.Uninitialize());
+  }
+};
+
+TEST_F(Facade, UninitializingInsideACallbackIsRefusedAndTheLoggingFacilityStays) {
+  InsideACallback inside = {grabber, {}};
+  ASSERT_EQ(grabber.StartCapture(1, 1, eCaptureLive, &InsideACallback::live, nullptr, nullptr,
+                                 nullptr, &inside),
+            0U);
+  EXPECT_EQ(inside.result.get_future().get(), 0x10000041U);
+  EXPECT_EQ(grabber.last_text(), "The scanner has invalid state.");
+  EXPECT_NE(utilities::ClLoggingFacilityClient::m_fpLogInstance, nullptr);
+  EXPECT_EQ(grabber.StopCapture(1), 0U);
 }
 
 }  // namespace

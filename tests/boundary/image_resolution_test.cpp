@@ -29,6 +29,12 @@ TEST(ImageResolution, DotsPerInchAreCutToWholePixelsPerMetre) {
   EXPECT_EQ(resolution, ClImageResolution(39, 78));
 }
 
+TEST(ImageResolution, DotsPerInchTooManyForTheResultGiveTheLargestThereIs) {
+  ClImageResolution resolution;
+  resolution.put_DPI(0xFFFFFFFF, 1);
+  EXPECT_EQ(resolution, ClImageResolution(4294967295, 39));
+}
+
 TEST(ImageResolution, EitherValueMakesADifference) {
   EXPECT_NE(ClImageResolution(1, 2), ClImageResolution(1, 3));
   EXPECT_NE(ClImageResolution(1, 2), ClImageResolution(3, 2));

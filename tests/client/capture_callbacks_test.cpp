@@ -89,6 +89,22 @@ TEST_F(CaptureCallbacks, StoppingFromInsideACallbackIsRefusedAndCaptureGoesOn) {
   EXPECT_EQ(recorder.count(eEvent::Stop), 1U);
 }
 
+TEST_F(CaptureCallbacks, ANewChoiceOfScannerFromInsideACallbackIsRefusedAndCaptureGoesOn) {
+  simulator::Device another;
+  another.serial = "HVK30002";
+  bench.plug_in(5, another);
+  std::atomic<unsigned long> result = 0;
+  recorder.inside = [&](const Event& event) {
+    if (event.kind == eEvent::Live && result == 0) {
+      result = grabber->SetActiveDevice(5);
+    }
+  };
+  ASSERT_EQ(start(eCaptureLive), 0U);
+  EXPECT_TRUE(recorder.wait_for(eEvent::Live, 5));
+  EXPECT_EQ(result, kInvalidState);
+  EXPECT_EQ(last_text(), "The scanner has invalid state.");
+}
+
 TEST_F(CaptureCallbacks, StoppingInsideTheStopCallbackIsRefusedAfterAnError) {
   std::atomic<unsigned long> result = 0;
   recorder.inside = [&](const Event& event) {

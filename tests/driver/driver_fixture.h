@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "driver/ostrevan_hvk3_sdk.h"
+#include "driver/support/log_lines.h"
 #include "foundation/exceptions.h"
 #include "foundation/logging_client.h"
 #include "foundation/wait.h"
@@ -35,6 +36,7 @@ struct Driver : ClOstrevanHVK3SDK {
   using ClOstrevanHVK3SDK::kNoActiveChannel;
   using ClOstrevanHVK3SDK::kNoActiveScanner;
   using ClOstrevanHVK3SDK::m_bInitialized;
+  using ClOstrevanHVK3SDK::m_cCBMutex;
   using ClOstrevanHVK3SDK::m_cChannels;
   using ClOstrevanHVK3SDK::m_cLock;
   using ClOstrevanHVK3SDK::m_cRawBitmap;
@@ -80,15 +82,6 @@ Failure failure_of(Action action) {
   }
   return {0, "no refusal"};
 }
-
-/// A log in force for a scope.
-class AttachedLog {
- public:
-  AttachedLog() { utilities::ClLoggingFacilityClient::Create(); }
-  ~AttachedLog() { utilities::ClLoggingFacilityClient::Destroy(); }
-  AttachedLog(const AttachedLog&) = delete;
-  AttachedLog& operator=(const AttachedLog&) = delete;
-};
 
 /// Waits that take no time, for a scope. They still give others a turn: a worker that never pauses
 /// would hardly let a client have the driver's lock.
@@ -143,7 +136,7 @@ class LoggedFixture : public simulator::SimulatorFixture {
   }
 
   simulator::ClosedLibraries libraries;
-  AttachedLog log;
+  testing_support::LogOn log;
   NoWaits waits;
 
  private:

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <thread>
 
 #include "driver/driver_fixture.h"
@@ -44,6 +45,16 @@ struct EventSink {
     sink.locked = testing_support::is_held(sink.driver->m_cLock);
   }
 };
+
+/// Takes an image of its own from inside the first event, and switches detection off.
+void snap_and_switch_off(int, unsigned int channel, eFGs, unsigned int, void* user) {
+  auto& driver = *static_cast<Driver*>(user);
+  driver.EnableEvents(0, 0, nullptr, nullptr);
+  unsigned char* image = nullptr;
+  driver.Snap(channel, &image);
+  delete[] image;
+  driver.SetProperty(ePropLiveliness, 0);
+}
 
 /// A prepared channel with fake finger detection on and the threshold at 50.
 class FakeFingerFrame : public DriverFixture {
@@ -152,6 +163,13 @@ TEST_F(FakeFingerFrame, AScoreBelowTheThresholdFiresTheEvent) {
   EXPECT_EQ(sink.count, 1);
 }
 
+TEST_F(FakeFingerFrame, AScoreThatIsNoNumberFiresTheEvent) {
+  score("nan");
+  fetch();
+  EXPECT_TRUE(std::isnan(driver.m_dLifeness));
+  EXPECT_EQ(sink.count, 1);
+}
+
 TEST_F(FakeFingerFrame, TheEventHasTheClientsHandleChannel1Number19AndType0) {
   score("0");
   fetch();
@@ -173,6 +191,15 @@ TEST_F(FakeFingerFrame, AFakeFingerIsDeliveredAllTheSame) {
   fetch();
   EXPECT_FALSE(is_white(bitmap));
   EXPECT_EQ(bitmap.Width(), 498UL);
+}
+
+TEST_F(FakeFingerFrame, AnImageTakenInsideTheEventHasRawFramesOfItsOwn) {
+  score("0");
+  driver.EnableEvents(0, 0, &snap_and_switch_off, &driver);
+  fetch();
+  EXPECT_FALSE(is_white(bitmap));
+  EXPECT_EQ(bench.count("ftrScanGetDarkImage"), 2U);
+  EXPECT_FALSE(driver.m_pLiveDetection->IsInit());
 }
 
 TEST_F(FakeFingerFrame, TheThresholdIsAskedForBehindTheReset) {

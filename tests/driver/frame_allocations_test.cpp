@@ -33,6 +33,11 @@ class FrameAllocations : public DriverFixture {
 
 TEST_F(FrameAllocations, APlainFrameAllocatesNothing) { EXPECT_EQ(allocations_of_frames(), 0); }
 
+TEST_F(FrameAllocations, AFrameWithFakeFingerDetectionAllocatesNothing) {
+  driver.SetProperty(ePropLiveliness, 1);
+  EXPECT_EQ(allocations_of_frames(), 0);
+}
+
 TEST_F(FrameAllocations, TheDirtyFlagAndTheSwitchOfDetectionAllocateNothing) {
   allocations_of_frames();
   const long before = test::allocations_so_far();

@@ -6,8 +6,11 @@
 
 #include <array>
 #include <cstddef>
+#include <mutex>
+#include <thread>
 
 #include "driver/driver_fixture.h"
+#include "driver/support/mutex_watch.h"
 
 namespace Osv::lx {
 namespace {
@@ -15,6 +18,7 @@ namespace {
 using ::testing::Each;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
+using testing_support::is_held;
 
 constexpr auto kUnknownEvent = static_cast<OsvLFCBEventstag>(2);
 
@@ -139,6 +143,24 @@ TEST_F(LoggingCallback, ALevelWithoutDataDoesNothing) {
 TEST_F(LoggingCallback, ALevelDoesNothingWhileTheLogIsOff) {
   EXPECT_EQ(CBLoggingFacility(OsvLFCBLevel, data.data()), 0UL);
   EXPECT_THAT(story(), IsEmpty());
+}
+
+TEST_F(LoggingCallback, HoldsItsOwnMutexOverTheDevicesCallAndNeverTheDriversLock) {
+  bench.set_faults("OsvLFLog call 1 blocks until told");
+  std::thread caller([this] { CBLoggingFacility(OsvLFCBStart, data.data()); });
+  bench.wait_until_blocked("OsvLFLog");
+  EXPECT_TRUE(is_held(Driver::m_cCBMutex));
+  EXPECT_FALSE(is_held(driver.m_cLock));
+  bench.release();
+  caller.join();
+  EXPECT_FALSE(is_held(Driver::m_cCBMutex));
+}
+
+TEST_F(LoggingCallback, NeverWaitsForTheDriversLock) {
+  const std::lock_guard<CXMutex> held(driver.m_cLock);
+  std::thread caller([this] { CBLoggingFacility(OsvLFCBStart, data.data()); });
+  caller.join();
+  expect_one_warning();
 }
 
 TEST_F(LoggingCallback, AnyOtherEventDoesNothing) {

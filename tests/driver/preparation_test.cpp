@@ -237,6 +237,14 @@ TEST_F(Preparation, AFrameIntoAnEmptyBitmapWithoutAScannerIsADisconnection) {
             (Failure{2, "KR9 scanner is disconnected from the host, error: 2"}));
 }
 
+TEST_F(Preparation, AFrameWhoseOpeningFailsWithANumberThatAFetchPassesOverIsRefusedAllTheSame) {
+  open();
+  driver.UninitializeScanner();
+  bench.set_faults("ftrScanOpenDeviceOnInterface call 2 fails with 4306");  // call 1 lists
+  EXPECT_EQ(failure_of([&] { driver.GetLiveBitmap(driver.channel(), bitmap); }),
+            (Failure{4306, "Failed to initialize KR9-scanner."}));
+}
+
 TEST_F(Preparation, AFrameIntoTheBitmapOfThePresentOpeningIsNotPrepared) {
   prepare(bitmap);
   driver.GetLiveBitmap(driver.channel(), bitmap);

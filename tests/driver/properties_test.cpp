@@ -28,6 +28,14 @@ class Properties : public DriverFixture {
   void set(unsigned int id, unsigned int value) {
     EXPECT_EQ(driver.SetProperty(static_cast<ePropertyIDs>(id), value), 0UL);
   }
+
+  /// Turning the detector on says that it can't be loaded.
+  void expect_number_59() {
+    const Failure expected = {59, "Failed to load live detection module"};
+    EXPECT_EQ(failure_of([&] { driver.SetProperty(ePropLiveliness, 1); }), expected);
+    EXPECT_EQ(driver.LastErrorText(), expected.text);
+    EXPECT_EQ(driver.m_nLastError, 59U);
+  }
 };
 
 TEST_F(Properties, ReadingIsLoggedWithWhatTheCallersVariableHolds) {
@@ -178,12 +186,15 @@ TEST_F(Properties, AStartUpThatFailsAsALibraryIsNumber59) {
   // Held, since the exception's code lies in it.
   void* const held = ::dlopen(HVK3_THROWING_DETECTOR, RTLD_NOW);
   libraries.use_file(kDetector, HVK3_THROWING_DETECTOR);
-  const Failure expected = {59, "Failed to load live detection module"};
-  EXPECT_EQ(failure_of([&] { driver.SetProperty(ePropLiveliness, 1); }), expected);
-  EXPECT_EQ(driver.LastErrorText(), expected.text);
-  EXPECT_EQ(driver.m_nLastError, 59U);
+  expect_number_59();
   EXPECT_EQ(get(6), 0U);
   ::dlclose(held);
+}
+
+TEST_F(Properties, ASecurityLevelThatFailsAsALibraryIsNumber59WithTheDetectorOn) {
+  libraries.use_file(kDetector, HVK3_LEVEL_THROWING_DETECTOR);
+  expect_number_59();
+  EXPECT_EQ(get(6), 100U);
 }
 
 TEST_F(Properties, ASecurityLevelThatIsRefusedLeavesTheDetectorOn) {

@@ -94,6 +94,10 @@ TEST(ConfigFile, TakesABracketPairInAValueAsSection) {
 
 TEST(ConfigFile, TrimsTheSectionName) { EXPECT_EQ(round_trip("[name ]\n"), "[name]\n"); }
 
+TEST(ConfigFile, LeavesATrailingBlankForEachLeadingOneOfTheSectionName) {
+  EXPECT_EQ(round_trip("[ name ]\n"), "[name ]\n");
+}
+
 TEST(ConfigFile, AcceptsAnEmptySectionName) { EXPECT_EQ(round_trip("[]\na=1\n"), "[]\na\t=\t1\n"); }
 
 TEST(ConfigFile, KeepsNamesThatDifferInCaseApart) {

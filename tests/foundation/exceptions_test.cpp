@@ -16,7 +16,7 @@ namespace {
 template <typename Thrown>
 std::string what_of(const Thrown& thrown) {
   try {
-    throw thrown;  // NOLINT(misc-throw-by-value-catch-by-reference)
+    throw thrown;
   } catch (const std::exception& failure) {
     return failure.what();
   }

@@ -154,13 +154,17 @@ TEST(FillImageData, TakesWidthBytesBelow8BitsWhereTheyFit) {
   EXPECT_EQ(to, (std::vector<unsigned char>{4, 5, 6, 99, 1, 2, 3, 99}));
 }
 
-TEST(SwapRows, ExchangesAndComplementsInOnePass) {
-  std::vector<unsigned char> first{1, 2, 3};
-  std::vector<unsigned char> second{4, 5, 6};
-  swap_and_invert_rows(first.data(), second.data(), 2);
-  EXPECT_EQ(first, (std::vector<unsigned char>{251, 250, 3}));
-  EXPECT_EQ(second, (std::vector<unsigned char>{254, 253, 6}));
+TEST(AllZero, LooksAtEveryByteAndAtNoOther) {
+  std::vector<unsigned char> bytes(99, 0);
+  bytes.push_back(1);
+  EXPECT_TRUE(all_zero(bytes.data(), 99));
+  for (std::size_t i = 0; i < 99; ++i) {
+    EXPECT_FALSE(all_zero(bytes.data() + i, 100 - i)) << i;
+  }
+  EXPECT_FALSE(all_zero(bytes.data() + 99, 1));
 }
+
+TEST(AllZero, HoldsForNoBytes) { EXPECT_TRUE(all_zero(nullptr, 0)); }
 
 /// Both ways to allocate a block.
 class BlockFromEitherAllocator : public testing::TestWithParam<bool> {

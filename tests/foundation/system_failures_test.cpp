@@ -115,6 +115,15 @@ TEST(MultiStringWithoutMemory, KeepsItsStrings) {
   EXPECT_EQ(list.Next(), nullptr);
 }
 
+TEST(MultiStringWithoutMemory, BeginsAgainAllTheSame) {
+  ClMultiString list;
+  list.Add("ab");
+  list.Next();
+  const FailingSystem failing(eFailing::ArrayNew);
+  EXPECT_THROW(list.Add("c"), CXMemoryAllocException);
+  EXPECT_STREQ(list.Next(), "ab");
+}
+
 class MutexThatCannotBeSetUp : public testing::TestWithParam<eFailing> {};
 
 INSTANTIATE_TEST_SUITE_P(Steps, MutexThatCannotBeSetUp,

@@ -23,7 +23,7 @@ TEST(ValueOwner, DeletesThroughTheVirtualDestructor) {
 
 TEST(ValueOwner, MayOwnNothing) {
   const TXValuePtr<Base> owner;
-  EXPECT_EQ(owner.get(), nullptr);
+  EXPECT_EQ(owner.operator->(), nullptr);
 }
 
 }  // namespace

@@ -32,6 +32,9 @@ class Faults : public SimulatorFixture {
   Bytes m_vFrame = Bytes(std::size_t{kRawWidth} * kRawHeight);
 };
 
+/// The refusal of a plan because of a word.
+std::string at(const std::string& word) { return "fault not understood at '" + word + "'"; }
+
 /// A started detector with one handle.
 class DetectorFaults : public Faults {
  protected:
@@ -248,7 +251,6 @@ TEST_F(DetectorFaults, ItFailsToStart) {
 }
 
 TEST_F(Faults, AFaultThatIsNotUnderstoodIsRefusedWithTheWord) {
-  const auto at = [](const std::string& word) { return "fault not understood at '" + word + "'"; };
   EXPECT_EQ(refusal("ftrScanGetImage3 fails with 1"), at("ftrScanGetImage3"));
   EXPECT_EQ(refusal("Calibrate fails on 1"), at("on"));
   EXPECT_EQ(refusal("Calibrate fails with x"), at("x"));
@@ -268,6 +270,69 @@ TEST_F(Faults, AnEffectThatAFunctionCanNotHaveIsRefused) {
   EXPECT_NE(refusal("Calibrate answers 0 with error 5"), "none");
   EXPECT_NE(refusal("ftrScanSetOptions gives 640 x 480"), "none");
   EXPECT_NE(refusal("ftrScanSetOptions answers text 'x'"), "none");
+}
+
+TEST_F(Faults, AFunctionThatCanNotFailIsNotToldTo) {
+  for (const char* const function :
+       {"ftrScanGetLastError", "ftrScanSetLastError", "ftrGetBaseInterfaceNumber",
+        "CalibrateDelete", "CalibrateGetErrorDescription",
+        "FakeFingerDetectionGetErrorDescriptionA", "OsvLFLog", "OsvLFFlush"}) {
+    EXPECT_EQ(refusal(std::string(function) + " fails with 5"), at("fails")) << function;
+  }
+}
+
+TEST_F(Faults, AFunctionThatAnswersWithNoNumberIsGivenNone) {
+  for (const char* const function :
+       {"ftrScanOpenDeviceOnInterface", "ftrScanCloseDevice", "ftrScanSetLastError",
+        "CalibrateCreate", "CalibrateDelete", "CalibrateGetErrorDescription",
+        "FakeFingerDetectionGetErrorDescriptionA", "OsvLFLog", "OsvLFFlush"}) {
+    EXPECT_EQ(refusal(std::string(function) + " answers 5"), at("answers")) << function;
+    EXPECT_EQ(refusal(std::string(function) + " answers 5 with error 6"), at("answers"))
+        << function;
+  }
+}
+
+TEST_F(Faults, AFunctionThatLeavesTheLastErrorAloneIsGivenNone) {
+  for (const char* const function : {"ftrScanGetLastError", "ftrGetBaseInterfaceNumber"}) {
+    EXPECT_EQ(refusal(std::string(function) + " answers 5 with error 6"), at("error")) << function;
+    EXPECT_EQ(refusal(std::string(function) + " answers 5"), "none") << function;
+  }
+}
+
+TEST_F(Faults, OnlyOptionsAndPropertiesHaveNames) {
+  EXPECT_EQ(refusal("Calibrate of 'SensitiveMode' fails with 1"), at("of"));
+  EXPECT_EQ(refusal("CalibrateSetOption of 'SensitiveMode = true' fails with 1"), "none");
+  EXPECT_EQ(refusal("FakeFingerDetectionSetPropertyA of 'nSecurityLevel' fails with 1"), "none");
+}
+
+TEST_F(Faults, ANumberThatDoesNotFitIsRefused) {
+  for (const std::string number : {"9223372036854775808", "-9223372036854775809"}) {
+    EXPECT_EQ(refusal("Calibrate fails with " + number), at(number));
+  }
+  for (const std::string number : {"4294967296", "-2147483649"}) {
+    EXPECT_EQ(refusal("ftrScanSetOptions fails with " + number), at(number));
+    EXPECT_EQ(refusal("ftrScanSetOptions answers " + number), at(number));
+    EXPECT_EQ(refusal("ftrScanSetOptions answers 0 with error " + number), at(number));
+  }
+  for (const std::string number : {"2147483648", "-2147483649"}) {
+    EXPECT_EQ(refusal("ftrScanGetImageSize gives " + number + " x 480"), at(number));
+    EXPECT_EQ(refusal("ftrScanGetImageSize gives 640 x " + number), at(number));
+    EXPECT_EQ(refusal("ftrScanGetExtMemorySize gives " + number), at(number));
+  }
+  EXPECT_EQ(refusal("Calibrate answers 0 with size -1"), at("-1"));
+  EXPECT_EQ(refusal("CalibrateGetOption answers 0 with length -1"), at("-1"));
+}
+
+TEST_F(Faults, ASizeOfMemoryIsAWholeNumber) {
+  EXPECT_EQ(refusal("ftrScanGetExtMemorySize gives 42.5"), at("42.5"));
+}
+
+TEST_F(Faults, AScoreIsAFiniteNumberOrNone) {
+  bench.set_faults("FakeFingerDetectionEvaluateLiveliness gives nan");
+  for (const std::string number : {"1e999", "inf", "-inf", "nano"}) {
+    EXPECT_EQ(refusal("ContaminationDetection gives " + number), at(number));
+    EXPECT_EQ(refusal("FakeFingerDetectionEvaluateLiveliness gives " + number), at(number));
+  }
 }
 
 TEST_F(Faults, ARefusedPlanLeavesTheOldOne) {

@@ -1,3 +1,5 @@
+#include <gmock/gmock.h>
+
 #include <algorithm>
 #include <chrono>
 #include <numeric>
@@ -5,10 +7,15 @@
 
 #include "libraries/scanner_api.h"
 #include "simulator/images.h"
+#include "simulator/pace_watch.h"
 #include "support/simulator_fixture.h"
 
 namespace Osv::simulator {
 namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using namespace std::chrono_literals;
 
 class Frames : public SimulatorFixture {
  protected:
@@ -175,14 +182,38 @@ TEST_F(Frames, ANewFingerIsSeenAtOnce) {
 }
 
 TEST_F(Frames, APacedSceneGivesThemNoFasterThanAsked) {
-  using Clock = std::chrono::steady_clock;
+  const PaceWatch watch;
   bench.set_pace(200);
   dose_frame(60);
-  const Clock::time_point start = Clock::now();
   dose_frame(60);
   dose_frame(60);
+  EXPECT_THAT(watch.waits(), ElementsAre(0ms, 5ms, 5ms));
+}
+
+TEST_F(Frames, APacedSceneDoesNotMakeUpForFramesThatNobodyTook) {
+  PaceWatch watch;
+  bench.set_pace(200);
   dose_frame(60);
-  EXPECT_GE(Clock::now() - start, std::chrono::milliseconds(10));
+  watch.pass(20ms);
+  dose_frame(60);
+  dose_frame(60);
+  EXPECT_THAT(watch.waits(), ElementsAre(0ms, 0ms, 5ms));
+}
+
+TEST_F(Frames, DarkAndBacklightImagesDoNotWaitForTheirTime) {
+  const PaceWatch watch;
+  Bytes buffer(std::size_t{kRawWidth} * kRawHeight);
+  bench.set_pace(200);
+  ftrScanGetDarkImage(m_hScanner, buffer.data());
+  ftrScanGetBacklightImage(m_hScanner, buffer.data());
+  EXPECT_THAT(watch.waits(), IsEmpty());
+}
+
+TEST_F(Frames, ASceneOfNoPaceDoesNotWait) {
+  const PaceWatch watch;
+  dose_frame(60);
+  dose_frame(60);
+  EXPECT_THAT(watch.waits(), IsEmpty());
 }
 
 TEST_F(Frames, SeveralThreadsMayTakeThem) {

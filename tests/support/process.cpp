@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <pty.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -25,6 +26,17 @@ Pipe make_pipe() {
     throw std::runtime_error("no pipe");
   }
   return {ends[0], ends[1]};
+}
+
+Pipe make_terminal() {
+  const winsize size = {.ws_row = 25, .ws_col = 80, .ws_xpixel = 0, .ws_ypixel = 0};
+  Pipe ends;
+  if (::openpty(&ends.read_end, &ends.write_end, nullptr, nullptr, &size) != 0) {
+    throw std::runtime_error("no terminal");
+  }
+  ::fcntl(ends.read_end, F_SETFD, FD_CLOEXEC);
+  ::fcntl(ends.write_end, F_SETFD, FD_CLOEXEC);
+  return ends;
 }
 
 void close_end(int& file) {
@@ -62,9 +74,9 @@ int status_of(int wait_status) {
 
 }  // namespace
 
-Process::Process(const std::vector<std::string>& command) {
-  Pipe out = make_pipe();
-  Pipe error = make_pipe();
+Process::Process(const std::vector<std::string>& command, Terminals terminals) {
+  Pipe out = terminals.out ? make_terminal() : make_pipe();
+  Pipe error = terminals.error ? make_terminal() : make_pipe();
   m_nProcess = spawn(command, out, error);
   close_end(out.write_end);
   close_end(error.write_end);
@@ -118,6 +130,8 @@ Outcome Process::wait() {
   return m_cOutcome;
 }
 
-Outcome run(const std::vector<std::string>& command) { return Process(command).wait(); }
+Outcome run(const std::vector<std::string>& command, Terminals terminals) {
+  return Process(command, terminals).wait();
+}
 
 }  // namespace hvk3::test

@@ -17,11 +17,17 @@ struct Outcome {
   std::string error;
 };
 
+/// Which of a program's streams are a terminal, of 80 columns and 25 rows. The others are pipes.
+struct Terminals {
+  bool out = false;
+  bool error = false;
+};
+
 /// A running program. Its standard input is empty.
 class Process {
  public:
   /// @param command path of the program and its arguments
-  explicit Process(const std::vector<std::string>& command);
+  explicit Process(const std::vector<std::string>& command, Terminals terminals = {});
 
   /// Ends the program if nobody waited for it.
   ~Process();
@@ -46,6 +52,6 @@ class Process {
 };
 
 /// Runs a program to its end.
-Outcome run(const std::vector<std::string>& command);
+Outcome run(const std::vector<std::string>& command, Terminals terminals = {});
 
 }  // namespace hvk3::test

@@ -28,9 +28,17 @@ TEST_F(Capture, WritesTheSettledFingerImage) {
   const Outcome outcome = simulate("capture", {"--out", path});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_THAT(outcome.out, StartsWith(path + ": 498 x 438 pixels, 500 DPI, mean gray "));
+  EXPECT_THAT(outcome.error, IsEmpty());  // progress goes to terminals only
   EXPECT_THAT(read_file(path), HasSubstr(chunk_of_500_dpi()));
   EXPECT_EQ(mode_of(path), 0600U);
   EXPECT_EQ(m_cFolder.count(), 1);
+}
+
+TEST_F(Capture, ShowsItsProgressOnATerminalAndRemovesItInTheEnd) {
+  const Outcome outcome = run(command("capture", {}), {.error = true});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(outcome.error, HasSubstr(" frames, "));
+  EXPECT_THAT(outcome.error, EndsWith(" finger images\r\x1b[K"));
 }
 
 TEST_F(Capture, KeepsTheDarkestOfTheImagesThatSettle) {
@@ -96,6 +104,19 @@ TEST_F(Capture, EndsWith130OnCtrlC) {
   const Outcome outcome = end_by(SIGINT);
   EXPECT_EQ(outcome.status, 130);
   EXPECT_THAT(outcome.error, HasSubstr("interrupted"));
+}
+
+TEST_F(Capture, EndsAtOnceOnASecondCtrlC) {
+  // The first one waits in vain for the worker, which is in a call that never returns.
+  Process process(command("capture", {"--verbose", "--timeout", "0", "--faults",
+                                      "ftrScanGetImageByVariableDose call 1 blocks until told"}));
+  EXPECT_TRUE(process.wait_for_error_text("Preparation of calibration"));
+  process.send(SIGINT);
+  EXPECT_TRUE(process.wait_for_error_text("Calling StopCapture function"));
+  process.send(SIGINT);
+  const Outcome outcome = process.wait();
+  EXPECT_EQ(outcome.status, 130);
+  EXPECT_THAT(outcome.error, Not(HasSubstr("interrupted")));
 }
 
 TEST_F(Capture, EndsWith143OnTermination) { EXPECT_EQ(end_by(SIGTERM).status, 143); }

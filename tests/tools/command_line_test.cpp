@@ -62,7 +62,7 @@ TEST_F(CommandLine, ALostStandardOutputEndsWith6) {
 }
 
 TEST_F(CommandLine, AFailureThatNobodyForesawEndsWith1) {
-  Words words = {"/usr/bin/env", "LD_PRELOAD=" HVK3_NO_EVENTFD};
+  Words words = {"/usr/bin/env", "LD_PRELOAD=" HVK3_NO_EVENTFD ":" HVK3_NO_CONFIGURATION_FILE};
   const Words capture = command("capture", {"--json"});
   words.insert(words.end(), capture.begin(), capture.end());
   const Outcome outcome = run(words);

@@ -24,9 +24,9 @@ TEST_F(Contamination, IsLowOnACleanPlaten) {
 
 TEST_F(Contamination, EndsWith4AndTheNumberWhenTheFrameFails) {
   const Json object =
-      simulate_json("contamination", {"--faults", "ftrScanGetImageByVariableDose fails with 31"});
+      simulate_json("contamination", {"--faults", "ftrScanGetImageByVariableDose fails with 87"});
   EXPECT_EQ(object["exit"], 4);
-  EXPECT_EQ(object["error"]["number"], 31);
+  EXPECT_EQ(object["error"]["number"], 87);
   EXPECT_EQ(object["error"]["text"], "Capture image failed.");
 }
 

@@ -4,7 +4,18 @@
 namespace hvk3::test {
 namespace {
 
-using Snap = Tool;
+class Snap : public Tool {
+ protected:
+  /// What `--show` draws on a terminal with this environment.
+  static std::string drawn_with(const Words& environment) {
+    Words words = {"/usr/bin/env", "--unset=NO_COLOR", "COLORTERM=", "TERM=xterm",
+                   "LC_ALL=C.UTF-8"};
+    words.insert(words.end(), environment.begin(), environment.end());
+    const Words snap = command("snap", {"--show"});
+    words.insert(words.end(), snap.begin(), snap.end());
+    return run(words, {.out = true}).out;
+  }
+};
 
 TEST_F(Snap, TellsSizeResolutionAndBrightness) {
   const Outcome outcome = simulate("snap", {"--empty"});
@@ -60,6 +71,29 @@ TEST_F(Snap, DrawsPlainSignsWhereNoTerminalIs) {
   EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 1 + 35);
 }
 
+TEST_F(Snap, DrawsHalfBlocksIn24BitColoursOnATerminalThatHasThem) {
+  for (const std::string colours : {"truecolor", "24bit"}) {
+    const std::string drawn = drawn_with({"COLORTERM=" + colours});
+    EXPECT_THAT(drawn, HasSubstr("\u2580")) << colours;
+    EXPECT_THAT(drawn, HasSubstr("\x1b[38;2;")) << colours;
+  }
+}
+
+TEST_F(Snap, DrawsHalfBlocksInGraysOfThePaletteOnATerminalOf256Colours) {
+  const std::string drawn = drawn_with({"TERM=xterm-256color"});
+  EXPECT_THAT(drawn, HasSubstr("\u2580"));
+  EXPECT_THAT(drawn, HasSubstr("\x1b[38;5;"));
+}
+
+TEST_F(Snap, DrawsPlainSignsOnATerminalThatCanNotDoBetterOrIsNotTo) {
+  for (const Words& environment : {Words{}, Words{"COLORTERM=truecolor", "NO_COLOR=1"},
+                                   Words{"COLORTERM=truecolor", "LC_ALL=C"}}) {
+    const std::string drawn = drawn_with(environment);
+    EXPECT_THAT(drawn, StartsWith("image: "));
+    EXPECT_THAT(drawn, Not(HasSubstr("\x1b")));
+  }
+}
+
 TEST_F(Snap, DrawsHalfBlocksWhenTold) {
   const Outcome outcome = simulate("snap", {"--show", "--shades", "24bit"});
   EXPECT_THAT(outcome.out, HasSubstr("\u2580"));
@@ -67,9 +101,18 @@ TEST_F(Snap, DrawsHalfBlocksWhenTold) {
 
 TEST_F(Snap, EndsWith4AndTheNumberOfAScannerThatFails) {
   const Outcome outcome =
-      simulate("snap", {"--faults", "ftrScanGetImageByVariableDose fails with 31"});
+      simulate("snap", {"--faults", "ftrScanGetImageByVariableDose fails with 87"});
   EXPECT_EQ(outcome.status, 4);
-  EXPECT_THAT(outcome.error, HasSubstr("error 31: "));
+  EXPECT_THAT(outcome.error, HasSubstr("error 87: "));
+}
+
+TEST_F(Snap, EndsWith3AndTheNumberWhenTheScannerIsUnpluggedMeanwhile) {
+  for (const std::string number : {"31", "259"}) {
+    const Outcome outcome =
+        simulate("snap", {"--faults", "ftrScanGetImageByVariableDose fails with " + number});
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_THAT(outcome.error, HasSubstr(number == "31" ? "error 31: " : "error 2: "));
+  }
 }
 
 TEST_F(Snap, EndsWith4WhenALibraryFailsWithoutAReason) {

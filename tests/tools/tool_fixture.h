@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <iterator>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -15,12 +16,13 @@
 
 /// @file
 /// The ground for tests that run the built tool. All of them simulate, so that no library of the
-/// machine is ever loaded.
+/// machine is ever loaded, and none of them sees its configuration file.
 
 namespace hvk3::test {
 
 using Words = std::vector<std::string>;
 using Json = nlohmann::json;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
@@ -28,6 +30,8 @@ using testing::StartsWith;
 
 class Tool : public testing::Test {
  protected:
+  Tool() { ::setenv("LD_PRELOAD", HVK3_NO_CONFIGURATION_FILE, 1); }
+
   /// @param name of the command, with a blank behind its group
   static Words command(const std::string& name, const Words& more) {
     Words words = {HVK3_TOOL};

@@ -1,5 +1,8 @@
 #include "hvk3/failure.h"
 
+#include <algorithm>
+#include <array>
+
 #include "ostrevanhvk3/errors.h"
 
 namespace hvk3 {
@@ -7,7 +10,12 @@ namespace {
 
 ExitStatus status_of(long number) {
   namespace error_number = Osv::lx::error_number;
-  return number == error_number::NotConnected || number == error_number::DeviceIndex
+  // The scanner library's number of a device that was unplugged; in some places the plug-in passes
+  // it on as it is.
+  constexpr long kDeviceGone = 31;
+  constexpr std::array kNoScanner = {long{error_number::NotConnected},
+                                     long{error_number::DeviceIndex}, kDeviceGone};
+  return std::find(kNoScanner.begin(), kNoScanner.end(), number) != kNoScanner.end()
              ? ExitStatus::NoScanner
              : ExitStatus::ScannerFailed;
 }

@@ -123,7 +123,7 @@ std::vector<FeatureDescription> list_features(Plugin& plugin) {
     osvlx3_feature_schema schema = {};
     get_schema(number, schema, true);
     const PluginMemory values(schema.values, releaser);
-    if (schema.id == number) {  // an unknown number leaves the record alone
+    if (schema.id == number) {  // the schema of an unknown number keeps its 0
       features.push_back(describe(schema));
     }
   }

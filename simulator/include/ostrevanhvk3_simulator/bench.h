@@ -164,7 +164,7 @@ struct Word {
 struct Call {
   std::string function;
   std::string arguments;         ///< in words, as in "handle 1, dose 60"
-  std::string result;            ///< as in "1", "-21, size 219188", "handle 2"
+  std::string result;            ///< as in "1", "-21, size 220064", "handle 2"
   std::uint32_t last_error = 0;  ///< of the scanner library, behind the call
 
   /// As in "ftrScanSetOptions(handle 1, mask 4, flags 4) = 1".
@@ -180,7 +180,8 @@ class Bench {
   virtual ~Bench() = default;
 
   /// Brings back the default scene, an empty journal that does not record, no faults and a log that
-  /// goes nowhere. Blocked calls are released, and all scanner handles are gone.
+  /// goes nowhere. Blocked calls are released, and all scanner handles are gone. Their numbers
+  /// start at 1 again, so one that is kept across a reset may come to life.
   virtual void reset() = 0;
 
   /// @name Scanners
@@ -189,7 +190,8 @@ class Bench {
   /// Plugs a scanner in; one that was there is unplugged first. All its handles stay dead.
   virtual void plug_in(unsigned int interface, const Device& device) = 0;
 
-  /// Takes a scanner off. Its handles are dead from now on: every call with them fails with 259.
+  /// Takes a scanner off. Its handles are dead from now on: every call with them but the closing,
+  /// with a buffer that is not null, fails with 259.
   virtual void unplug(unsigned int interface) = 0;
 
   /// Brings back what was last unplugged here, with its memory and settings; LEDs are off.

@@ -58,7 +58,7 @@ void ClKR9CalibrationHeader::PutCalibrationData(const unsigned char* data, unsig
                                                 const unsigned char* revision,
                                                 const char* description) {
   const unsigned int size = CalculateSize(dataSize, description);
-  if (size < dataSize) {
+  if (size < dataSize || size < kFixedSize) {
     throw CXMemoryAllocException();  // the block would be longer than its 32-bit size can tell
   }
   m_vBlock.resize(size);

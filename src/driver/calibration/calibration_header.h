@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "driver/calibration/stream.h"
+#include "foundation/stream.h"
 
 /// @file
 /// The calibration block in a scanner's extended memory.
@@ -20,8 +20,7 @@
 
 namespace Osv {
 
-/// Byte order of this machine. The block is copied in native
-/// order whatever it says.
+/// Byte order of this machine. The block is copied in native order whatever it says.
 struct SXEndian {
   static const bool m_fIsLittleEndianMachine;
 };
@@ -35,7 +34,8 @@ class ClKR9CalibrationHeader {
   /// changes nothing. `data` then points to the payload inside this object until its next read or
   /// write, or is null for an empty one.
   /// @throws ClHeaderFormatException -1 "The calibration data are corrupt." for another version,
-  ///   "The calibration data is corrupt." for a block that does not fit the memory
+  ///   "The calibration data is corrupt." for a block that does not fit the memory; what the
+  ///   stream throws when it can't be read passes through
   void ReadFromStream(CXStream* stream, unsigned long size, unsigned char** data,
                       unsigned int& dataSize);
 

@@ -27,9 +27,10 @@ class BlockStart {
   int description_length() const {
     return static_cast<std::int8_t>(m_aMemory[kSignature.size() + kLengthPosition]);
   }
-  bool has_signature() {
-    return std::equal(kSignature.begin(), kSignature.end(),
-                      block() + description_length() + kSignaturePosition);
+  /// @param length of the description, as the first read gave it: a scanner that answers the second
+  ///   one differently must not move the comparison out of the buffer
+  bool has_signature(int length) {
+    return std::equal(kSignature.begin(), kSignature.end(), block() + length + kSignaturePosition);
   }
 
  private:
@@ -72,7 +73,7 @@ eFamily test_block(ClKR9APILib& api, ScannerHandle handle, FamilyFindings& findi
     return eFamily::OtherBlockVersion;
   }
   findings.descriptionLength = start.description_length();
-  const auto end = static_cast<std::uint64_t>(start.description_length() + kSignaturePosition +
+  const auto end = static_cast<std::uint64_t>(*findings.descriptionLength + kSignaturePosition +
                                               std::int64_t{kSignature.size()});
   if (end >= static_cast<std::uint64_t>(*findings.memorySize)) {
     return eFamily::BlockTooLong;
@@ -80,7 +81,7 @@ eFamily test_block(ClKR9APILib& api, ScannerHandle handle, FamilyFindings& findi
   if (end > kFirstRead && !start.read(api, handle, static_cast<std::uint32_t>(end))) {
     return eFamily::BlockUnreadable;
   }
-  return start.has_signature() ? eFamily::Member : eFamily::NoSignature;
+  return start.has_signature(*findings.descriptionLength) ? eFamily::Member : eFamily::NoSignature;
 }
 
 }  // namespace

@@ -21,7 +21,8 @@ enum class eFamily {
   NoMemory,           ///< there is no extended memory
   MemoryUnreadable,   ///< the beginning of the memory can't be read
   OtherBlockVersion,  ///< the memory does not begin with a calibration block
-  BlockTooLong,       ///< the memory ends before the block's signature does
+  BlockTooLong,       ///< the memory does not go on behind the block's signature, or the length
+                      ///< byte is 128 to 222
   BlockUnreadable,    ///< the signature can't be read
   NoSignature,        ///< the block's payload is none of a calibration
   Member              ///< a scanner of this family with a calibration block

@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "driver/calibration/stream.h"
 #include "driver/device/family.h"
 #include "driver/device/kr9_api_lib.h"
 #include "foundation/mutex.h"
 #include "foundation/relaxed.h"
 #include "foundation/shared_slot.h"
+#include "foundation/stream.h"
 #include "ostrevanhvk3/device_info.h"
 
 /// @file

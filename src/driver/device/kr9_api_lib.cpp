@@ -1,7 +1,6 @@
 #include "driver/device/kr9_api_lib.h"
 
 #include <cstring>
-#include <iterator>
 
 #include "foundation/exceptions.h"
 
@@ -22,14 +21,16 @@ void forget(const std::array<SymbolSlot, count>& symbols) {
 ClKR9APILib::ClKR9APILib() { Initialize(); }
 
 void ClKR9APILib::Initialize() {
+  const auto mandatory = MandatorySymbols();
   const auto extended = ExtendedSymbols();
   const auto optional = OptionalSymbols();
   // What an earlier run found belongs to the library that is closed now.
   m_nApiLevel = 0;
+  forget(mandatory);
   forget(extended);
   forget(optional);
   Open(kLibrary);
-  ResolveMandatory();
+  Resolve(mandatory.data(), mandatory.size());
   try {
     Resolve(extended.data(), extended.size());
     m_nApiLevel = 1;
@@ -39,8 +40,8 @@ void ClKR9APILib::Initialize() {
   }
 }
 
-void ClKR9APILib::ResolveMandatory() {
-  const SymbolSlot symbols[] = {
+std::array<SymbolSlot, 23> ClKR9APILib::MandatorySymbols() {
+  return {{
       {"ftrScanOpenDeviceOnInterface", &ftrScanOpenDeviceOnInterface},
       {"ftrScanCloseDevice", &ftrScanCloseDevice},
       {"ftrScanSetOptions", &ftrScanSetOptions},
@@ -64,8 +65,7 @@ void ClKR9APILib::ResolveMandatory() {
       {"ftrScanGetImage2", &ftrScanGetImage2},
       {"ftrScanGetLastError", &ftrScanGetLastError},
       {"ftrScanSetLastError", &ftrScanSetLastError},
-  };
-  Resolve(symbols, std::size(symbols));
+  }};
 }
 
 std::array<SymbolSlot, 5> ClKR9APILib::ExtendedSymbols() {

@@ -76,7 +76,7 @@ class ClKR9APILib : public CXDynamicLibrary {
   Uncalled ftrScanGlobalSetOptions = nullptr;
 
  private:
-  void ResolveMandatory();
+  std::array<SymbolSlot, 23> MandatorySymbols();
   std::array<SymbolSlot, 5> ExtendedSymbols();
   std::array<SymbolSlot, 4> OptionalSymbols();
 };

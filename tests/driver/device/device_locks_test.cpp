@@ -213,5 +213,14 @@ TEST_F(QuietOperations, AFailedReadAsksForTheErrorWithTheMutexHeld) {
   reader.join();
 }
 
+TEST_F(QuietOperations, AFailedWriteAsksForTheErrorWithTheMutexHeld) {
+  bench.set_faults("ftrScanSaveExtMemory fails with 87; ftrScanGetLastError blocks until told");
+  std::thread writer([&] { EXPECT_ANY_THROW(m_device.WriteRaw(m_frame.data(), 4)); });
+  bench.wait_until_blocked("ftrScanGetLastError");
+  EXPECT_TRUE(is_held(m_device.m_cScannerLock));
+  bench.release();
+  writer.join();
+}
+
 }  // namespace
 }  // namespace Osv::testing_support

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -50,6 +51,21 @@ class FamilyTest : public OpenDeviceTest {
   bool is_one_with_description_of(std::size_t length) {
     return is_one_with(memory_with(std::string(length, 'd')));
   }
+
+  /// From now on the memory's first read gives one answer, and each later one the other.
+  void answer_differently(const Bytes& first, const Bytes& later) {
+    s_answers = {first, later};
+    m_device.table().ftrScanRestoreExtMemory = [](ScannerHandle, void* data, unsigned long offset,
+                                                  std::uint32_t size) {
+      const auto begin = s_answers.front().begin() + static_cast<std::ptrdiff_t>(offset);
+      std::copy_n(begin, size, static_cast<unsigned char*>(data));
+      s_answers.front() = s_answers.back();
+      return 1;
+    };
+  }
+
+ private:
+  inline static std::array<Bytes, 2> s_answers;
 };
 
 TEST_F(FamilyTest, AsksForModelMemorySizeAndTheFirst46Bytes) {
@@ -185,6 +201,16 @@ TEST_F(FamilyTest, FailsWhenTheSecondReadFails) {
   EXPECT_FALSE(is_one());
 }
 
+TEST_F(FamilyTest, GoesByTheLengthOfTheFirstReadWhateverTheSecondOneGives) {
+  for (const int other : {0x80, 0x7F, 0x00}) {
+    const Bytes first = memory_with(std::string(14, 'd'));
+    Bytes later = first;
+    later[kLengthPosition] = static_cast<unsigned char>(other);
+    answer_differently(first, later);
+    EXPECT_TRUE(is_one()) << other;
+  }
+}
+
 TEST_F(FamilyTest, FailsForAMemoryThatEndsRightBehindTheSignature) {
   bench.set_memory(0, memory_with("simulator"));
   bench.set_faults("ftrScanGetExtMemorySize gives 42");  // 9 + 33
@@ -302,6 +328,14 @@ TEST_F(FamilyTest, OfAnInterfaceUsesAHandleOfItsOwn) {
                           "ftrScanGetDeviceInfo(handle 3, buffer) = 1",
                           "ftrScanGetExtMemorySize(handle 3, buffer) = 1",
                           "ftrScanRestoreExtMemory(handle 3, buffer, offset 0, size 46) = 1",
+                          "ftrScanCloseDevice(handle 3) = 1"));
+}
+
+TEST_F(FamilyTest, OfAnInterfaceClosesItsHandleOfADeviceThatIsNone) {
+  bench.plug_in(1, {.model = 2});
+  EXPECT_THAT(calls_of([&] { EXPECT_FALSE(m_device.IsKR9Scanner(1)); }),
+              ElementsAre("ftrScanOpenDeviceOnInterface(interface 1) = handle 3",
+                          "ftrScanGetDeviceInfo(handle 3, buffer) = 1",
                           "ftrScanCloseDevice(handle 3) = 1"));
 }
 

@@ -17,10 +17,12 @@
 namespace Osv {
 namespace {
 
+using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::IsNull;
 using ::testing::TestWithParam;
 using ::testing::ValuesIn;
 using testing_support::failure_of;
@@ -246,6 +248,24 @@ TEST_F(ScannerBinding, ForgetsWhatAnOlderLibraryLacksInASecondRun) {
   EXPECT_EQ(api.m_nApiLevel, 0);
   EXPECT_THAT(extended_slots(api), ElementsAre(false, false, false, false, false));
   EXPECT_THAT(optional_slots(api), ElementsAre(false, false, false, false));
+}
+
+TEST_F(ScannerBinding, ForgetsEveryFunctionOfTheClosedLibraryWhenASecondRunFails) {
+  ClKR9APILib api;
+  m_libraries.make_absent(kLibrary);
+  EXPECT_THROW(api.Initialize(), CXOtherException);
+  EXPECT_EQ(api.m_nApiLevel, 0);
+  EXPECT_THAT(all_slots(api), Each(IsNull()));
+}
+
+TEST_F(ScannerBinding, KeepsOfASecondRunTheFunctionsInFrontOfAMissingOne) {
+  ClKR9APILib api;
+  leave_out("ftrScanCloseDevice");
+  EXPECT_THROW(api.Initialize(), CXOtherException);
+  std::vector<const void*> slots = all_slots(api);
+  EXPECT_NE(slots.front(), nullptr);
+  slots.erase(slots.begin());
+  EXPECT_THAT(slots, Each(IsNull()));
 }
 
 using MandatoryFunction = ScannerBinding;

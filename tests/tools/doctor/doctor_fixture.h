@@ -17,6 +17,7 @@ namespace hvk3::test {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::StartsWith;
 
 constexpr char kScannerLibrary[] = "libKR9ScanAPI.so";
 constexpr char kEngineLibrary[] = "libostrevancalibratesdk.so";

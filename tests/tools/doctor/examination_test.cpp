@@ -52,6 +52,11 @@ TEST_F(ExaminationTest, TellsAMissingSignatureInJson) {
   EXPECT_EQ(device_in_json()["signature"], false);
 }
 
+TEST_F(ExaminationTest, TellsTheWholeLengthOfALongDescriptionInJson) {
+  bench.plug_in(0, {.description = std::string(255, 'd')});
+  EXPECT_EQ(device_in_json()["description_length"], 255);
+}
+
 TEST_F(ExaminationTest, HasNoApiLevelInJsonWithoutTheScannerLibrary) {
   m_libraries.make_absent(kScannerLibrary);
   Report report("doctor", true);

@@ -74,6 +74,27 @@ TEST_F(ScannersTest, WithoutTheSignatureAreTold) {
               HasSubstr("without the signature of its payload: model 1, memory of "));
 }
 
+TEST_F(ScannersTest, WithADescriptionOfMoreThan127BytesAreToldItsLengthAndThatItIsTooLong) {
+  for (const unsigned int length : {128U, 222U, 223U, 255U}) {
+    bench.plug_in(0, {.description = std::string(length, 'd')});
+    const Finding found = finding("interface 0");
+    EXPECT_THAT(found.text, StartsWith("has a description longer than 127 bytes"));
+    EXPECT_THAT(found.text, HasSubstr("description of " + std::to_string(length) + " bytes"));
+    EXPECT_THAT(found.remedy, HasSubstr("calibrated anew"));
+  }
+}
+
+TEST_F(ScannersTest, WithADescriptionOf127BytesAreGood) {
+  bench.plug_in(0, {.description = std::string(127, 'd')});
+  EXPECT_EQ(finding("interface 0").kind, eFinding::Good);
+}
+
+TEST_F(ScannersTest, WithABlockThatDoesNotFitTheirMemoryAreTold) {
+  bench.set_faults("ftrScanGetExtMemorySize gives 42");  // the description has 9 bytes
+  EXPECT_THAT(finding("interface 0").text,
+              StartsWith("has a calibration block that does not fit its memory: model 1"));
+}
+
 TEST_F(ScannersTest, WithoutASerialNumberAreTold) {
   bench.set_faults("ftrScanGetSerialNumber fails with 5");
   const Finding found = finding("interface 0");

@@ -49,7 +49,7 @@ Json to_json(const InterfaceFindings& findings) {
           {"model", or_null(family.model)},
           {"memory_size", or_null(family.memorySize)},
           {"block_version", or_null(family.blockVersion)},
-          {"description_length", or_null(family.descriptionLength)},
+          {"description_length", or_null(description_length(family))},
           {"signature", signature(family.result)},
           {"serial", or_null(findings.serial)},
           {"payload", payload(findings)},

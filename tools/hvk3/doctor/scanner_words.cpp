@@ -18,7 +18,20 @@ struct Reason {
   const char* remedy;
 };
 
-const Reason& reason_of(eFamily result) {
+/// Such a length, taken as signed, spoils the last two steps of the family test, whose results
+/// would hide the cause.
+bool is_description_too_long(const Osv::FamilyFindings& family) {
+  constexpr int kLongest = 127;
+  return description_length(family) > kLongest &&
+         (family.result == eFamily::BlockTooLong || family.result == eFamily::NoSignature);
+}
+
+const Reason& reason_of(const Osv::FamilyFindings& family) {
+  static constexpr Reason kDescriptionTooLong = {
+      eFamily::BlockTooLong,
+      "has a description longer than 127 bytes in its calibration block, which the list of "
+      "scanners does not accept",
+      kCalibrate};
   static constexpr std::array kReasons = {
       Reason{eFamily::NotOpened, "can't be opened",
              "Close other programs that use the device, give your user the right to open it, and "
@@ -41,8 +54,11 @@ const Reason& reason_of(eFamily result) {
       Reason{eFamily::NoSignature, "has a calibration block without the signature of its payload",
              kCalibrate},
       Reason{eFamily::Member, "gives no serial number", kReplug}};
+  if (is_description_too_long(family)) {
+    return kDescriptionTooLong;
+  }
   return *std::find_if(kReasons.begin(), kReasons.end(),
-                       [=](const Reason& reason) { return reason.result == result; });
+                       [&](const Reason& reason) { return reason.result == family.result; });
 }
 
 std::string with_number(const std::string& text, long number) {
@@ -63,8 +79,8 @@ std::string data_of(const InterfaceFindings& findings) {
   if (family.blockVersion) {
     add("block version " + std::to_string(*family.blockVersion));
   }
-  if (family.descriptionLength) {
-    add("description of " + std::to_string(*family.descriptionLength) + " bytes");
+  if (const std::optional<int> length = description_length(family)) {
+    add("description of " + std::to_string(*length) + " bytes");
   }
   if (family.result == eFamily::Member) {
     add("signature present");
@@ -97,7 +113,7 @@ Finding judge_interface(const InterfaceFindings& findings) {
   if (findings.serial) {
     return judge_opening(findings);
   }
-  const Reason& reason = reason_of(findings.family.result);
+  const Reason& reason = reason_of(findings.family);
   const std::string data = data_of(findings);
   return {eFinding::Bad, subject_of(findings),
           with_number(reason.text, static_cast<long>(findings.error)) +
@@ -116,6 +132,11 @@ Finding judge_api_level(const ScannersFindings& findings) {
 }
 
 }  // namespace
+
+std::optional<int> description_length(const Osv::FamilyFindings& family) {
+  constexpr int kByte = 0xFF;
+  return family.descriptionLength ? std::optional(*family.descriptionLength & kByte) : std::nullopt;
+}
 
 Findings judge(const ScannersFindings& findings) {
   if (!findings.library_failure.empty()) {

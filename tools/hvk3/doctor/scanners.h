@@ -41,6 +41,10 @@ struct ScannersFindings {
 /// payload. Switches that one's LEDs off.
 ScannersFindings examine_scanners();
 
+/// Bytes of a block's description, as its writer counts them: the family test takes the same byte
+/// as signed.
+std::optional<int> description_length(const Osv::FamilyFindings& family);
+
 /// What the findings mean.
 Findings judge(const ScannersFindings& findings);
 
