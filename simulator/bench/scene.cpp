@@ -175,7 +175,7 @@ std::uint32_t Scene::take_frame(std::uint32_t handle, eLight light, int dose,
   }
   return with_unit(handle, [&](Unit& unit) {
     const Exposure exposure = {light, dose, touch(), m_eKind};
-    unit.frames().fill(exposure, laid_out_platen(), buffer);
+    unit.take_frame(exposure, laid_out_platen(), buffer);
     if (light == eLight::Dose) {
       m_sLastTouch = m_cMotion.at(m_nFrames);
       ++m_nFrames;

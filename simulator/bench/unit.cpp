@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <mutex>
+#include <utility>
 
 #include "driver/calibration/calibration_header.h"
 
@@ -13,15 +14,15 @@ constexpr std::size_t kSerialSize = 8;
 constexpr std::size_t kBlankMemorySize = 4096;
 constexpr std::size_t kRoomBehindBlock = 256;
 
-/// The payload of the optics of a seed. It takes some milliseconds and is kept: tests plug scanners
-/// in by the thousand.
-const std::vector<unsigned char>& payload_of_seed(unsigned int seed, const Optics& optics) {
+/// The payload of a unit. It takes some milliseconds and is kept: tests plug scanners in by the
+/// thousand.
+const std::vector<unsigned char>& kept_payload_of(const Device& device, const Optics& optics) {
   static std::mutex lock;
-  static auto* const all = new std::map<unsigned int, std::vector<unsigned char>>;
+  static auto* const all = new std::map<std::pair<unsigned int, bool>, std::vector<unsigned char>>;
   const std::lock_guard<std::mutex> guard(lock);
-  std::vector<unsigned char>& payload = (*all)[seed];
+  std::vector<unsigned char>& payload = (*all)[{device.seed, device.small}];
   if (payload.empty()) {
-    payload = payload_of(optics);
+    payload = payload_of(optics, view_of(device.small));
   }
   return payload;
 }
@@ -44,13 +45,28 @@ FrameMaker& Unit::frames() {
   return *m_pFrames;
 }
 
+View Unit::view() const { return view_of(m_sDevice.small); }
+
+void Unit::take_frame(const Exposure& exposure, const Platen& platen, unsigned char* buffer) {
+  const View seen = view();
+  if (seen.is_full()) {
+    frames().fill(exposure, platen, buffer);
+    return;
+  }
+  std::vector<unsigned char> full(std::size_t{kRawWidth} * kRawHeight);
+  frames().fill(exposure, platen, full.data());
+  for (int y = seen.top; y < seen.top + seen.height; ++y, buffer += seen.width) {
+    std::copy_n(full.data() + y * kRawWidth + seen.left, seen.width, buffer);
+  }
+}
+
 std::vector<unsigned char> Unit::build_memory() {
   if (m_sDevice.memory == eMemory::None) {
     return {};
   }
   std::vector<unsigned char> memory;
   if (m_sDevice.memory == eMemory::Calibrated) {
-    const std::vector<unsigned char>& payload = payload_of_seed(m_sDevice.seed, frames().optics());
+    const std::vector<unsigned char>& payload = kept_payload_of(m_sDevice, frames().optics());
     std::string revision = m_sDevice.revision;
     revision.resize(ClKR9CalibrationHeader::kRevisionSize);
     ClKR9CalibrationHeader header;

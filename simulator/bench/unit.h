@@ -32,7 +32,11 @@ class OSV_SIMULATOR_API Unit {
 
   /// The extended memory, with its block from the first use on.
   std::vector<unsigned char>& memory();
-  FrameMaker& frames();
+
+  /// Fills `buffer` with what the unit sees.
+  void take_frame(const Exposure& exposure, const Platen& platen, unsigned char* buffer);
+
+  View view() const;
 
   std::uint32_t options = 0;
   unsigned char green = 0;
@@ -48,6 +52,7 @@ class OSV_SIMULATOR_API Unit {
   DeviceState state() const;
 
  private:
+  FrameMaker& frames();
   std::vector<unsigned char> build_memory();
 
   Device m_sDevice;

@@ -32,11 +32,17 @@
 
 namespace Osv::simulator {
 
-/// Size of the frames that every simulated scanner delivers, in pixels.
+/// Size of the frames that a simulated scanner delivers unless its `Device` says otherwise, in
+/// pixels.
 inline constexpr int kRawWidth = 640;
 inline constexpr int kRawHeight = 480;
 
-/// Size of the images that the calibration engine makes of them. They have 500 dots per inch.
+/// Size of the frames of a small scanner.
+inline constexpr int kSmallWidth = 480;
+inline constexpr int kSmallHeight = 360;
+
+/// Size of the images that the calibration engine makes of frames of the usual size. They have 500
+/// dots per inch.
 inline constexpr int kFinalWidth = 498;
 inline constexpr int kFinalHeight = 438;
 inline constexpr int kPixelsPerMetre = 19685;
@@ -102,6 +108,7 @@ struct Device {
   std::string serial = "HVK30001";  ///< its first 8 bytes count; a shorter one is filled with zeros
   unsigned char model = 1;          ///< 1 and 4 are scanners of the family
   unsigned int seed = 1;            ///< makes light, fixed pattern and noise of this unit
+  bool small = false;               ///< sees the middle of the platen alone
   eMemory memory = eMemory::Calibrated;
   std::size_t memory_size = 0;  ///< bytes; 0: block and some room (Calibrated), 4096 (Blank)
   std::string revision = "simulated unit 1";  ///< of the block; its first 16 bytes count
