@@ -20,6 +20,7 @@ void merge(Effect& effect, const Effect& other) {
   take(effect.frame_size, other.frame_size);
   take(effect.text, other.text);
   take(effect.null_handle, other.null_handle);
+  take(effect.not_a_number, other.not_a_number);
   take(effect.description, other.description);
 }
 
@@ -39,6 +40,9 @@ void Answers::plan(const Faults& faults) {
 void Answers::plan(const Incident& incident) {
   m_sIncident = incident;
   m_aPlanCounts = {};
+  if (incident.call == 0) {
+    unplug(incident.comes_back);
+  }
 }
 
 /// What a call answers is settled by who makes it before the call is counted here, so that an
@@ -49,7 +53,7 @@ Effect Answers::call(eFunction function) {
   m_vCalls.push_back(function);
   const unsigned int number = ++m_aPlanCounts[index];
   if (m_sIncident.has_value() && m_sIncident->function == function && m_sIncident->call == number) {
-    happen(*m_sIncident);
+    unplug(m_sIncident->comes_back);
   }
   Effect effect;
   for (const Fault& fault : m_vFaults) {
@@ -58,15 +62,6 @@ Effect Answers::call(eFunction function) {
     }
   }
   return effect;
-}
-
-void Answers::happen(const Incident& incident) {
-  unplug(0);
-  if (incident.comes_back == eReturn::Here) {
-    plug_in_again(0);
-  } else if (incident.comes_back == eReturn::Elsewhere) {
-    plug_in(Incident::kElsewhere);
-  }
 }
 
 int Answers::status(eFunction function, long own_error, Effect& effect) {
@@ -162,11 +157,26 @@ void Answers::unplug(unsigned int interface) {
   }
 }
 
-void Answers::plug_in(unsigned int interface) {
-  if (!device_at(interface).has_value()) {
-    m_vUnits.push_back({.device = {interface}});
+void Answers::unplug(eReturn comes_back) {
+  unplug(0);
+  if (comes_back == eReturn::Here) {
+    plug_in_again(0);
+  } else if (comes_back == eReturn::Elsewhere) {
+    plug_in({.interface = kElsewhere});
+  } else if (comes_back == eReturn::Another) {
+    plug_in({.small = true});
+  }
+}
+
+/// In place of what is there.
+void Answers::plug_in(const Attached& device) {
+  const auto unit = std::find_if(m_vUnits.begin(), m_vUnits.end(), [&](const Unit& candidate) {
+    return candidate.device.interface == device.interface;
+  });
+  if (unit == m_vUnits.end()) {
+    m_vUnits.push_back({.device = device});
   } else {
-    plug_in_again(interface);
+    *unit = {.device = device, .plugged_in = true, .plugged = unit->plugged + 1};
   }
 }
 

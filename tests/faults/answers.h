@@ -57,8 +57,10 @@ class Answers {
   std::optional<Attached> device_at(unsigned int interface) const;
 
   void unplug(unsigned int interface);
-  void plug_in(unsigned int interface);
   void plug_in_again(unsigned int interface);
+
+  /// The scanner at interface 0 goes, and comes back or not.
+  void unplug(eReturn comes_back);
 
   const Counts& counts() const { return m_aCounts; }
 
@@ -74,9 +76,9 @@ class Answers {
     unsigned int plugged = 0;
   };
 
-  std::vector<Unit> m_vUnits;
-  void happen(const Incident& incident);
+  void plug_in(const Attached& device);
 
+  std::vector<Unit> m_vUnits;
   Faults m_vFaults;
   std::optional<Incident> m_sIncident;
   Counts m_aPlanCounts = {};

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <future>
+#include <sstream>
 #include <utility>
 
 #include "client/joining.h"
@@ -71,11 +73,13 @@ void Client::on_live(int /*handle*/, unsigned int /*channel*/, unsigned char* im
 void Client::on_finger(int /*handle*/, unsigned int /*channel*/, int /*type*/,
                        unsigned char* /*image*/, void* user) {
   self(user).note("finger ");
+  self(user).unplug_inside(kFingerCallback);
   self(user).await_stop();
 }
 
 void Client::on_error(int /*handle*/, unsigned int /*channel*/, const char* text, void* user) {
   self(user).note("error(" + std::string(text) + ") ");
+  self(user).unplug_inside(kErrorCallback);
 }
 
 void Client::on_warning(int /*handle*/, unsigned int /*channel*/, const char* text, void* user) {
@@ -85,6 +89,7 @@ void Client::on_warning(int /*handle*/, unsigned int /*channel*/, const char* te
 void Client::on_event(int /*handle*/, unsigned int /*channel*/, eFGs /*grabber*/,
                       unsigned int /*type*/, void* user) {
   self(user).note(" fake ");
+  self(user).unplug_inside(kEventCallback);
 }
 
 void Client::note(const std::string& word, bool ends) {
@@ -103,15 +108,20 @@ void Client::note_image(const unsigned char* image) {
   note(is_white(image) ? "white " : same ? "same " : "live ");
 }
 
+void Client::unplug_inside(unsigned int callback) {
+  const std::optional<Unplugging>& unplugs = m_sStep.unplugs;
+  if (!unplugs.has_value() || unplugs->callback != callback || std::exchange(m_bUnplugged, true)) {
+    return;
+  }
+  std::istringstream lines(unplugging_in_words(unplugs->comes_back));
+  for (std::string line; std::getline(lines, line);) {
+    m_cBench.run(line);
+  }
+}
+
 void Client::act_inside(unsigned int callback) {
   using enum eStep;
-  const bool replugs = m_sStep.what == LiveReplugged;
-  if ((m_sStep.what == LiveUnplugged || replugs) && callback == m_sStep.value) {
-    m_cBench.unplug(0);
-    if (replugs) {
-      m_cBench.plug_in_again(0);
-    }
-  }
+  unplug_inside(callback);
   if (m_sStep.what == LiveFrozen && callback == 1) {
     m_pGrabber->Freeze(kChannel, true);
     const std::lock_guard<std::mutex> lock(m_cLock);
@@ -149,6 +159,7 @@ std::string Client::events() {
 
 std::string Client::run(const Step& step) {
   using enum eStep;
+  m_sStep = step;
   std::string value;
   unsigned long result = 0;
   switch (step.what) {
@@ -209,6 +220,15 @@ std::string Client::run(const Step& step) {
       break;
   }
   return in_words(step, result, value, client::last_error(*m_pGrabber));
+}
+
+std::string Client::run_elsewhere(const Step& step) {
+  return std::async(std::launch::async,
+                    [&] {
+                      m_pGrabber->SetCallbacks(kChannel, &Client::on_start, &Client::on_stop);
+                      return run(step);
+                    })
+      .get();
 }
 
 unsigned long Client::list(std::string& value) {
@@ -281,8 +301,7 @@ unsigned long Client::feature(const Step& step, std::string& value) {
 unsigned long Client::contamination(std::string& value) {
   double level = 0;
   const unsigned long result = m_pGrabber->ContaminationDetection(kChannel, &level);
-  const bool own = level >= 0 && level <= 100;
-  value = result != 0 ? "" : own ? "some" : std::to_string(static_cast<long>(level));
+  value = result == 0 ? value_in_words(level) : "";
   return result;
 }
 
@@ -304,9 +323,9 @@ unsigned long Client::frame_info(std::string& value) {
 }
 
 unsigned long Client::capture(const Step& step, std::string& value) {
-  m_sStep = step;
   m_nImages = 0;
   m_bStopping = false;
+  m_bUnplugged = false;
   m_vImage.clear();
   {
     const std::lock_guard<std::mutex> lock(m_cLock);

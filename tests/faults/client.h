@@ -29,6 +29,9 @@ class Client {
   /// What the client has of the step, in words.
   std::string run(const Step& step);
 
+  /// The same on a thread of its own, which takes every lock that a client's call takes.
+  std::string run_elsewhere(const Step& step);
+
   /// Gives the frame grabber back.
   void destroy();
 
@@ -53,6 +56,7 @@ class Client {
   void connect();
   void note(const std::string& word, bool ends = false);
   void note_image(const unsigned char* image);
+  void unplug_inside(unsigned int callback);
   void act_inside(unsigned int callback);
   void await_stop();
   std::string events();
@@ -76,6 +80,7 @@ class Client {
   std::vector<unsigned char> m_vImage;  // the one before
   unsigned int m_nImages = 0;
   bool m_bStopping = false;
+  bool m_bUnplugged = false;
 
   std::mutex m_cLock;  // guards the rest
   std::condition_variable m_cChanged;

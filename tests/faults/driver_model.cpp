@@ -223,12 +223,18 @@ bool DriverModel::fetch_lit_frame(eFunction function) {
   return fetched;
 }
 
+std::pair<int, int> DriverModel::frames_of(const Handle& handle) const {
+  const std::optional<Attached> device = m_cAnswers.device_at(handle.interface);
+  return device.has_value() && device->small
+             ? std::pair(simulator::kSmallWidth, simulator::kSmallHeight)
+             : std::pair(simulator::kRawWidth, simulator::kRawHeight);
+}
+
 bool DriverModel::read_size(std::pair<int, int>& size) {
   Effect effect;
   const bool known =
       m_cAnswers.status(ftrScanGetImageSize, m_cAnswers.error_of(m_s.handle), effect) != 0;
-  const std::pair<int, int> own(simulator::kRawWidth, simulator::kRawHeight);
-  size = known ? effect.frame_size.value_or(own) : std::pair(0, 0);
+  size = known ? effect.frame_size.value_or(frames_of(m_s.handle)) : std::pair(0, 0);
   return known;
 }
 
@@ -287,7 +293,11 @@ void DriverModel::read_calibration() {
   if (m_s.engine.has_value()) {
     m_cAnswers.call(CalibrateDelete);
   }
-  m_s.engine = Engine();
+  constexpr unsigned long kFull = 220064;
+  constexpr unsigned long kSmall = 124768;
+  const std::pair<int, int> frames = frames_of(m_s.handle);
+  m_s.engine =
+      Engine{.raw = frames, .final_size = frames.first == simulator::kSmallWidth ? kSmall : kFull};
 }
 
 void DriverModel::fill_engine() {

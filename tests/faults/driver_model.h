@@ -47,6 +47,8 @@ class DriverModel {
   };
   struct Engine {
     bool sensitive = false;
+    std::pair<int, int> raw;  ///< size of the frames that it corrects
+    unsigned long final_size = 0;
   };
 
   /// What belongs to one frame grabber.
@@ -94,6 +96,7 @@ class DriverModel {
   void restore_leds();
   bool fetch_frame();
   bool fetch_lit_frame(eFunction function);
+  std::pair<int, int> frames_of(const Handle& handle) const;
   bool read_size(std::pair<int, int>& size);
 
   // opening
@@ -110,6 +113,7 @@ class DriverModel {
   long shape();
   void shape_for_frames();
   void require_engine() const;
+  bool fits_engine(const std::pair<int, int>& size) const;
   void calibrate(unsigned long& size, bool is_raw_frame);
   void frame();
   void plain_frame();
@@ -144,12 +148,13 @@ class DriverModel {
   unsigned long run_capture(const Step& step, std::string& value);
   void worker(const Step& step, std::string& value);
   void act_inside(const Step& step, unsigned int callback);
-  void take_events(std::string& value);
+  void take_events(const Step& step, std::string& value);
 
   Answers m_cAnswers;
   State m_s;
   double m_dOwnScore;
   bool m_bCodeIsSet = false;
+  bool m_bUnplugged = false;  // inside a callback of this capture
   unsigned int m_nFrames = 0;
   unsigned int m_nLostDetectors = 0;
 };

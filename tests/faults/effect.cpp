@@ -114,12 +114,13 @@ std::vector<std::vector<Effect>> all_kinds() {
     of(function) = engine_failures();
   }
   of(Calibrate) = with(of(Calibrate), engine_sizes());
-  of(ContaminationDetection) = with(of(ContaminationDetection), {{.number = -1}, {.number = 1000}});
   of(CalibrateGetOption) = with(of(CalibrateGetOption), {{.text = ""},
                                                          {.text = "Enabled"},
                                                          {.text = "EnabledX"},
                                                          {.text = "enabled"},
+                                                         {.text = std::string(1023, 'x')},
                                                          {.text = std::string(1024, 'x')},
+                                                         {.text = std::string(5000, 'x')},
                                                          {.answer = 0, .number = 5000},
                                                          {.answer = -21, .number = 0}});
   for (const eFunction function :
@@ -131,8 +132,10 @@ std::vector<std::vector<Effect>> all_kinds() {
   of(FakeFingerDetectionCreateHandle).push_back({.null_handle = true});
   of(FakeFingerDetectionDestroyHandle) = failures(std::array{-1L});
   of(FakeFingerDetectionUninitialize) = failures(std::array{-1L});
-  of(FakeFingerDetectionEvaluateLiveliness) = with(
-      of(FakeFingerDetectionEvaluateLiveliness), {{.number = 0}, {.number = -1}, {.number = 1000}});
+  for (const eFunction function : {ContaminationDetection, FakeFingerDetectionEvaluateLiveliness}) {
+    of(function) = with(of(function),
+                        {{.number = 0}, {.number = -1}, {.number = 1000}, {.not_a_number = true}});
+  }
   of(FakeFingerDetectionGetPropertyA) =
       with(of(FakeFingerDetectionGetPropertyA), property_answers());
   return all;
@@ -172,6 +175,9 @@ std::string Effect::in_words(eFunction function) const {
   if (number.has_value()) {
     return "gives " + std::to_string(*number);
   }
+  if (not_a_number) {
+    return "gives nan";
+  }
   if (frame_size.has_value()) {
     return "gives " + std::to_string(frame_size->first) + " x " +
            std::to_string(frame_size->second);
@@ -191,12 +197,9 @@ std::string Fault::in_words() const {
 }
 
 std::string Incident::in_words() const {
-  std::string words = "wait " + std::to_string(call) + (call == 1 ? " call" : " calls") + " of " +
-                      simulator::name_of(function) + "\nunplug 0\n";
-  if (comes_back != eReturn::Never) {
-    words += "plug " + std::to_string(comes_back == eReturn::Here ? 0 : kElsewhere) + "\n";
-  }
-  return words;
+  const std::string wait = "wait " + std::to_string(call) + (call == 1 ? " call" : " calls") +
+                           " of " + simulator::name_of(function) + "\n";
+  return (call == 0 ? "" : wait) + unplugging_in_words(comes_back);
 }
 
 std::string in_words(const Faults& faults) {

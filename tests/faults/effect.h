@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "bench/functions.h"
+#include "faults/scenario.h"
 
 /// @file
 /// What a call into a closed library can do wrong.
@@ -24,6 +25,7 @@ struct Effect {
   std::optional<long> fails_with = {};  ///< nothing is done
   std::optional<long> answer = {};      ///< all is done, and this is answered
   std::optional<long> number = {};      ///< the size, length or value that is given out
+  bool not_a_number = false;            ///< is given out as the value
   std::optional<std::pair<int, int>> frame_size = {};
   std::optional<std::string> text = {};  ///< the value of a property or option
   bool null_handle = false;
@@ -50,16 +52,12 @@ struct Fault {
 
 using Faults = std::vector<Fault>;
 
-/// Where a scanner comes back that was unplugged.
-enum class eReturn { Never, Here, Elsewhere };
-
-/// The scanner at interface 0 is unplugged behind a call.
+/// The scanner at interface 0 is unplugged behind a call, or before all calls.
 struct Incident {
-  static constexpr unsigned int kElsewhere = 3;
-
   eFunction function = {};
-  unsigned int call = 1;
+  unsigned int call = 0;  ///< 0: before all calls
   eReturn comes_back = eReturn::Never;
+  bool opening = false;  ///< the scanner is not open yet
 
   /// As the simulator takes it.
   std::string in_words() const;

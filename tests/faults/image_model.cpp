@@ -16,17 +16,12 @@ namespace number = lx::error_number;
 
 namespace {
 
-constexpr unsigned long kFinalSize = 220064;
-constexpr unsigned long kRawSize = 308264;
+constexpr unsigned long kHead = 1064;  // of a bitmap: header and palette
 constexpr long kSmallBuffer = -21;
 constexpr long kWrongSize = -7;
 constexpr long kBadHandle = -2;
 constexpr char kNoMemory[] = "memory allocation failed";
 constexpr char kNoSize[] = "The Calibrate methode return the output bitmap size 0";
-
-bool is_raw(const std::pair<int, int>& size) {
-  return size.first == simulator::kRawWidth && size.second == simulator::kRawHeight;
-}
 
 }  // namespace
 
@@ -59,8 +54,9 @@ long DriverModel::shape() {
   }
   require_engine();
   Effect effect;
-  unsigned long needed = is_raw(size) ? kFinalSize : 0;
-  const long own_code = is_raw(size) ? kSmallBuffer : kWrongSize;
+  const bool fits = fits_engine(size);
+  unsigned long needed = fits ? m_s.engine->final_size : 0;
+  const long own_code = fits ? kSmallBuffer : kWrongSize;
   const long code = m_cAnswers.code(Calibrate, own_code, effect);
   needed = effect.fails_with.has_value() ? 0 : needed;
   needed = static_cast<unsigned long>(effect.number.value_or(static_cast<long>(needed)));
@@ -74,7 +70,7 @@ long DriverModel::shape() {
     throw unnumbered(kNoMemory, 1);
   }
   m_s.calibrated_size = needed;
-  calibrate(m_s.calibrated_size, is_raw(size));
+  calibrate(m_s.calibrated_size, fits);
   m_s.content = 0;
   return 0;
 }
@@ -85,14 +81,20 @@ void DriverModel::require_engine() const {
   }
 }
 
+bool DriverModel::fits_engine(const std::pair<int, int>& size) const {
+  return size == m_s.engine->raw;
+}
+
 /// @param size in and out as the engine has it
 void DriverModel::calibrate(unsigned long& size, bool is_raw_frame) {
   const unsigned long room = size;
-  const long own_code = !is_raw_frame ? kWrongSize : room < kFinalSize ? kSmallBuffer : 0;
+  const long own_code = !is_raw_frame                   ? kWrongSize
+                        : room < m_s.engine->final_size ? kSmallBuffer
+                                                        : 0;
   Effect effect;
   const long code = m_cAnswers.code(Calibrate, own_code, effect);
   if (!effect.fails_with.has_value() && is_raw_frame) {
-    size = kFinalSize;
+    size = m_s.engine->final_size;
   }
   size = static_cast<unsigned long>(effect.number.value_or(static_cast<long>(size)));
   size = std::min(size, room);
@@ -185,14 +187,16 @@ void DriverModel::fetch_and_score(const std::pair<int, int>& size) {
     reset_detection();
     return;
   }
-  unsigned long room = kRawSize;
+  const auto [width, height] = m_s.engine->raw;
+  unsigned long room =
+      kHead + static_cast<unsigned long>(width) * static_cast<unsigned long>(height);
   for (int image = 0; image < 3; ++image) {
-    calibrate(room, is_raw(size));
+    calibrate(room, fits_engine(size));
     detect(FakeFingerDetectionSetImage);
   }
   evaluate(complete);
   set_option();
-  calibrate(room, is_raw(size));
+  calibrate(room, fits_engine(size));
   m_s.content = complete ? ++m_nFrames : 0;
   detect(FakeFingerDetectionReset);
   if (!(m_s.score > threshold())) {
@@ -212,6 +216,7 @@ void DriverModel::evaluate(bool complete) {
   }
   const double own = effect.fails_with.has_value() ? 0 : m_dOwnScore;
   m_s.score = effect.number.has_value() ? static_cast<double>(*effect.number) : own;
+  m_s.score = effect.not_a_number ? std::nan("") : m_s.score;
   m_s.score_state = is_state ? code : 0;
 }
 

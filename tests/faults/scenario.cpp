@@ -1,5 +1,6 @@
 #include "faults/scenario.h"
 
+#include <cmath>
 #include <cstdio>
 
 #include "ostrevanhvk3/enumerations.h"
@@ -101,7 +102,7 @@ const std::vector<Scenario>& all_scenarios() {
       {"unplug and plug in again",
        one,
        live,
-       {{LiveUnplugged, 4, 2}, {Snap}, {List}, {PlugInAgain, 0}, {Live, 2}}},
+       {{Live, 4, 0, Unplugging{2}}, {Snap}, {List}, {PlugInAgain, 0}, {Live, 2}}},
       {"unplug while idle",
        one,
        live,
@@ -135,13 +136,25 @@ bool is_capture(const Step& step) {
     case Live:
     case Plain:
     case LiveFrozen:
-    case LiveUnplugged:
-    case LiveReplugged:
     case LiveTwice:
       return true;
     default:
       return false;
   }
+}
+
+std::string unplugging_in_words(eReturn comes_back) {
+  switch (comes_back) {
+    case eReturn::Never:
+      return "unplug 0\n";
+    case eReturn::Here:
+      return "unplug 0\nplug 0\n";
+    case eReturn::Elsewhere:
+      return "unplug 0\nplug " + std::to_string(kElsewhere) + "\n";
+    case eReturn::Another:
+      break;
+  }
+  return "unplug 0\nplug 0 small\n";
 }
 
 std::string serial_of(unsigned int interface) { return "HVK3" + std::to_string(1000 + interface); }
@@ -154,10 +167,13 @@ std::string in_words(const Step& step, unsigned long result, const std::string& 
   return head + value + " '" + text + "'";
 }
 
+std::string value_in_words(double value) {
+  const bool own = value > 0 && value < 100;
+  return std::isnan(value) ? "nan" : own ? "some" : std::to_string(static_cast<long>(value));
+}
+
 std::string score_in_words(double score, long state) {
-  const bool own = score > 0 && score < 100;
-  return (own ? "some" : std::to_string(static_cast<long>(score))) + ", state " +
-         std::to_string(state);
+  return value_in_words(score) + ", state " + std::to_string(state);
 }
 
 }  // namespace Osv::faults

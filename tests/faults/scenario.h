@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,8 +22,6 @@ enum class eStep {
   Live,           ///< captures live, and stops inside image `number`
   Plain,          ///< captures to the first finger image, at most `number` live images
   LiveFrozen,     ///< as Live, frozen for a while behind the first image
-  LiveUnplugged,  ///< as Live, with the scanner at interface 0 unplugged inside callback `value`
-  LiveReplugged,  ///< as LiveUnplugged, and plugged in again at once
   LiveTwice,      ///< as Live, with another start in the middle of it
   StopAgain,      ///< stops what isn't capturing
   SetProperty,    ///< property `number` to `value`
@@ -37,14 +36,39 @@ enum class eStep {
   LoadAgain       ///< the same with the plug-in closed and opened between
 };
 
-/// Callbacks of a capture: the start, image 1 and so on, the stop.
+/// Callbacks of a capture: the start, image 1 and so on, the others.
 constexpr unsigned int kStartCallback = 0;
 constexpr unsigned int kStopCallback = 1000;
+constexpr unsigned int kFingerCallback = 1001;
+constexpr unsigned int kErrorCallback = 1002;
+constexpr unsigned int kEventCallback = 1003;
+
+/// What comes back of a scanner that was unplugged at interface 0.
+enum class eReturn {
+  Never,
+  Here,       ///< it, where it was
+  Elsewhere,  ///< a new one, at interface `kElsewhere`
+  Another     ///< a new one where it was, with smaller frames
+};
+
+constexpr eReturn kReturns[] = {eReturn::Never, eReturn::Here, eReturn::Elsewhere,
+                                eReturn::Another};
+constexpr unsigned int kElsewhere = 3;
+
+/// The lines of a scenario for the bench that do it.
+std::string unplugging_in_words(eReturn comes_back);
+
+/// The scanner goes, and comes back at once or not, inside the first callback of a kind.
+struct Unplugging {
+  unsigned int callback = 0;
+  eReturn comes_back = eReturn::Never;
+};
 
 struct Step {
   eStep what = {};
   unsigned int number = 0;
   unsigned int value = 0;
+  std::optional<Unplugging> unplugs = {};  ///< of a capture
 };
 
 bool is_capture(const Step& step);
@@ -54,6 +78,7 @@ struct Attached {
   unsigned int interface = 0;
   unsigned char model = 1;
   simulator::eMemory memory = simulator::eMemory::Calibrated;
+  bool small = false;
 };
 
 struct Scenario {
@@ -75,6 +100,9 @@ std::string serial_of(unsigned int interface);
 /// What a client has of a step: the result, what was given out, and the text of the last failure.
 std::string in_words(const Step& step, unsigned long result, const std::string& value,
                      const std::string& text);
+
+/// A value that depends on the finger is `some`.
+std::string value_in_words(double value);
 
 std::string score_in_words(double score, long state);
 

@@ -68,7 +68,7 @@ std::string DriverModel::run(const Step& step) {
       result = translated([&] { return run_feature(step, value); });
       break;
     case Contamination:
-      value = "some";
+      value = "0";
       result = translated([&] { return contamination(value); });
       break;
     case FrameInfo:
@@ -133,7 +133,7 @@ unsigned long DriverModel::run_snap(std::string& value) {
   shape_for_frames();
   frame();
   value = m_s.content == 0 ? "white" : "image";
-  take_events(value);
+  take_events({}, value);
   return 0;
 }
 
@@ -153,12 +153,14 @@ unsigned long DriverModel::contamination(std::string& value) {
   require_engine();
   Effect effect;
   constexpr long kWrongSize = -7;
-  const bool fits = size == std::pair(simulator::kRawWidth, simulator::kRawHeight);
-  const long code = m_cAnswers.code(ContaminationDetection, fits ? 0 : kWrongSize, effect);
+  const long own_code = fits_engine(size) ? 0 : kWrongSize;
+  const long code = m_cAnswers.code(ContaminationDetection, own_code, effect);
   if (code != 0) {
     throw_engine(effect, code);
   }
-  value = effect.number.has_value() ? std::to_string(*effect.number) : value;
+  value = effect.not_a_number         ? "nan"
+          : effect.number.has_value() ? std::to_string(*effect.number)
+                                      : "some";
   return 0;
 }
 
@@ -276,11 +278,13 @@ unsigned long DriverModel::run_capture(const Step& step, std::string& value) {
     value = result == 0 ? "nothing " : "";
   } else {
     value = "start ";
+    m_bUnplugged = false;
     act_inside(step, kStartCallback);
     try {
       worker(step, value);
     } catch (const Failure& failure) {
       value += "error(" + failure.text + " error: " + std::to_string(failure.worker_number) + ") ";
+      act_inside(step, kErrorCallback);
     }
     act_inside(step, kStopCallback);
     value += "stop ";
@@ -297,7 +301,7 @@ void DriverModel::worker(const Step& step, std::string& value) {
   for (unsigned int image = 1; image <= step.number; ++image) {
     const unsigned int before = m_s.content;
     frame();
-    take_events(value);
+    take_events(step, value);
     value += m_s.content == 0 ? "white " : m_s.content == before ? "same " : "live ";
     act_inside(step, image);
     if (step.what == eStep::LiveTwice && image == step.number) {
@@ -305,24 +309,23 @@ void DriverModel::worker(const Step& step, std::string& value) {
     }
     if (step.what == eStep::Plain && !is_sensitive() && m_s.content != 0) {
       value += "finger ";
+      act_inside(step, kFingerCallback);
       return;
     }
   }
 }
 
 void DriverModel::act_inside(const Step& step, unsigned int callback) {
-  const bool replugs = step.what == eStep::LiveReplugged;
-  if ((step.what == eStep::LiveUnplugged || replugs) && callback == step.value) {
-    m_cAnswers.unplug(0);
-    if (replugs) {
-      m_cAnswers.plug_in_again(0);
-    }
+  if (step.unplugs.has_value() && step.unplugs->callback == callback && !m_bUnplugged) {
+    m_bUnplugged = true;
+    m_cAnswers.unplug(step.unplugs->comes_back);
   }
 }
 
-void DriverModel::take_events(std::string& value) {
+void DriverModel::take_events(const Step& step, std::string& value) {
   for (; m_s.events != 0; --m_s.events) {
     value += " fake ";
+    act_inside(step, kEventCallback);
   }
 }
 

@@ -9,9 +9,11 @@
 
 #include "faults/client.h"
 #include "faults/deadline.h"
+#include "faults/heap.h"
 #include "faults/leaks.h"
 #include "faults/threads.h"
 #include "ostrevanhvk3_simulator/bench.h"
+#include "support/closed_libraries.h"
 #include "support/sleeps.h"
 
 namespace Osv::faults {
@@ -20,6 +22,7 @@ namespace {
 /// What a process holds at a moment.
 struct Holdings {
   std::size_t descriptors = 0;
+  std::size_t blocks = 0;     ///< of memory, where they are counted
   std::size_t allocated = 0;  ///< bytes
   std::size_t resident = 0;   ///< pages
 };
@@ -31,6 +34,7 @@ Holdings holdings() {
   Holdings now;
   memory >> whole >> now.resident;
   now.descriptors = static_cast<std::size_t>(std::distance(begin(descriptors), end(descriptors)));
+  now.blocks = static_cast<std::size_t>(live_blocks().value_or(0));
   now.allocated = mallinfo2().uordblks;
   return now;
 }
@@ -39,7 +43,7 @@ Holdings holdings() {
 std::string cycle(Client& client) {
   using enum eStep;
   std::string seen;
-  for (const Step& step : {Step{LiveUnplugged, 4, 1},
+  for (const Step& step : {Step{Live, 4, 0, Unplugging{1}},
                            {PlugInAgain, 0},
                            {Live, 1},
                            {Unplug, 0},
@@ -50,10 +54,12 @@ std::string cycle(Client& client) {
     seen += client.run(step) + "\n";
   }
   test::Sleeps().forget();
+  simulator::ClosedLibraries::forget_openings();
   return seen;
 }
 
 std::string check_growth(const Holdings& before, const Holdings& after) {
+  constexpr std::size_t kBlocks = 8;             // of this program's own
   constexpr std::size_t kAllocated = 1U << 20U;  // bytes: what the heap keeps aside
   constexpr std::size_t kResident = 4096;        // pages
   std::string grown;
@@ -64,6 +70,7 @@ std::string check_growth(const Holdings& before, const Holdings& after) {
     }
   };
   check("descriptors", before.descriptors, after.descriptors, 0);
+  check("blocks of memory", before.blocks, after.blocks, kBlocks);
   check("allocated bytes", before.allocated, after.allocated, kAllocated);
   if (!is_watched()) {
     check("resident pages", before.resident, after.resident, kResident);

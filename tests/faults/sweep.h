@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "faults/client.h"
 #include "faults/deadline.h"
 #include "faults/driver_model.h"
 #include "faults/effect.h"
@@ -53,6 +54,11 @@ class Sweep {
   std::string findings_of(const Attempt& attempt);
 
  private:
+  struct Run {
+    std::string findings;
+    std::vector<std::string> lines;
+    long growth = 0;  ///< blocks of memory that are there behind it and were not before
+  };
   struct Site {
     eFunction function = {};
     unsigned int call = 0;
@@ -60,7 +66,10 @@ class Sweep {
   };
 
   double own_score();
+  Run run(const Attempt& attempt);
   std::string pass(const Attempt& attempt);
+  std::string do_steps(Client& client, DriverModel& model);
+  std::string check_locks(Client& client, DriverModel& model);
   void lay_out();
   void learn_sites(const Answers& answers, std::size_t first_calls);
 
