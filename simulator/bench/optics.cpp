@@ -3,6 +3,8 @@
 #include <cmath>
 #include <map>
 #include <mutex>
+#include <stdexcept>
+#include <string>
 
 #include "bench/random.h"
 #include "ostrevanhvk3_simulator/bench.h"
@@ -100,10 +102,15 @@ std::shared_ptr<const Optics> optics_of(unsigned int seed) {
   return optics;
 }
 
-View view_of(bool small) {
-  return small ? View{(kRawWidth - kSmallWidth) / 2, (kRawHeight - kSmallHeight) / 2, kSmallWidth,
-                      kSmallHeight}
-               : View{0, 0, kRawWidth, kRawHeight};
+View view_of(int width, int height) {
+  const auto is_middle = [](int length, int whole) {
+    return length > 1 && length <= whole && length % 2 == 0;
+  };
+  if (!is_middle(width, kRawWidth) || !is_middle(height, kRawHeight)) {
+    throw std::invalid_argument("no scanner has frames of " + std::to_string(width) + " x " +
+                                std::to_string(height) + " pixels");
+  }
+  return {(kRawWidth - width) / 2, (kRawHeight - height) / 2, width, height};
 }
 
 std::vector<unsigned char> payload_of(const Optics& optics, const View& view) {

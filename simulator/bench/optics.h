@@ -34,10 +34,11 @@ struct View {
   int width = 0;
   int height = 0;
 
-  bool is_full() const { return left == 0; }
+  bool is_full() const { return left == 0 && top == 0; }
 };
 
-View view_of(bool small);
+/// @throws std::invalid_argument when the full frame has no such middle
+View view_of(int width, int height);
 
 /// The payload that corrects frames of these optics, as far as they are in view.
 std::vector<unsigned char> payload_of(const Optics& optics, const View& view);

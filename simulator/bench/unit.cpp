@@ -1,9 +1,9 @@
 #include "bench/unit.h"
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <mutex>
-#include <utility>
 
 #include "driver/calibration/calibration_header.h"
 
@@ -16,20 +16,25 @@ constexpr std::size_t kRoomBehindBlock = 256;
 
 /// The payload of a unit. It takes some milliseconds and is kept: tests plug scanners in by the
 /// thousand.
-const std::vector<unsigned char>& kept_payload_of(const Device& device, const Optics& optics) {
+const std::vector<unsigned char>& kept_payload_of(unsigned int seed, const Optics& optics,
+                                                  const View& view) {
   static std::mutex lock;
-  static auto* const all = new std::map<std::pair<unsigned int, bool>, std::vector<unsigned char>>;
+  static auto* const all =
+      new std::map<std::array<int, 2>, std::map<unsigned int, std::vector<unsigned char>>>;
   const std::lock_guard<std::mutex> guard(lock);
-  std::vector<unsigned char>& payload = (*all)[{device.seed, device.small}];
+  std::vector<unsigned char>& payload = (*all)[{view.width, view.height}][seed];
   if (payload.empty()) {
-    payload = payload_of(optics, view_of(device.small));
+    payload = payload_of(optics, view);
   }
   return payload;
 }
 
 }  // namespace
 
-Unit::Unit(const Device& device) : m_sDevice(device) { m_sDevice.serial.resize(kSerialSize); }
+Unit::Unit(const Device& device)
+    : m_sDevice(device), m_sView(view_of(device.frame_width, device.frame_height)) {
+  m_sDevice.serial.resize(kSerialSize);
+}
 
 std::vector<unsigned char>& Unit::memory() {
   if (!m_vMemory.has_value()) {
@@ -45,10 +50,8 @@ FrameMaker& Unit::frames() {
   return *m_pFrames;
 }
 
-View Unit::view() const { return view_of(m_sDevice.small); }
-
 void Unit::take_frame(const Exposure& exposure, const Platen& platen, unsigned char* buffer) {
-  const View seen = view();
+  const View& seen = m_sView;
   if (seen.is_full()) {
     frames().fill(exposure, platen, buffer);
     return;
@@ -66,7 +69,8 @@ std::vector<unsigned char> Unit::build_memory() {
   }
   std::vector<unsigned char> memory;
   if (m_sDevice.memory == eMemory::Calibrated) {
-    const std::vector<unsigned char>& payload = kept_payload_of(m_sDevice, frames().optics());
+    const std::vector<unsigned char>& payload =
+        kept_payload_of(m_sDevice.seed, frames().optics(), m_sView);
     std::string revision = m_sDevice.revision;
     revision.resize(ClKR9CalibrationHeader::kRevisionSize);
     ClKR9CalibrationHeader header;

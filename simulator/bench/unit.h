@@ -18,6 +18,7 @@ namespace Osv::simulator {
 /// The hardware behind one interface, plugged in or not. The scene's lock guards it.
 class OSV_SIMULATOR_API Unit {
  public:
+  /// @throws std::invalid_argument for frames that no scanner has
   explicit Unit(const Device& device);
 
   /// @name What the scanner library reads and writes
@@ -36,7 +37,7 @@ class OSV_SIMULATOR_API Unit {
   /// Fills `buffer` with what the unit sees.
   void take_frame(const Exposure& exposure, const Platen& platen, unsigned char* buffer);
 
-  View view() const;
+  const View& view() const { return m_sView; }
 
   std::uint32_t options = 0;
   unsigned char green = 0;
@@ -56,6 +57,7 @@ class OSV_SIMULATOR_API Unit {
   std::vector<unsigned char> build_memory();
 
   Device m_sDevice;
+  View m_sView;
   std::optional<std::vector<unsigned char>> m_vMemory;
   std::unique_ptr<FrameMaker> m_pFrames;
 };

@@ -61,7 +61,10 @@ Device new_device(unsigned int interface, const std::string& word) {
                   : word == "bare" ? eMemory::None
                                    : eMemory::Calibrated;
   device.model = word == "foreign" ? kForeignModel : device.model;
-  device.small = word == "small";
+  if (word == "small") {
+    device.frame_width = kSmallWidth;
+    device.frame_height = kSmallHeight;
+  }
   return device;
 }
 

@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <cstdlib>
+#include <stdexcept>
+#include <utility>
 
 #include "libraries/scanner_api.h"
 #include "simulator/images.h"
@@ -50,6 +52,17 @@ TEST_F(SmallScanner, HasASmallerImageWithAnEmptyPlatenAsBright) {
   EXPECT_EQ(image.width(), 374);
   EXPECT_EQ(image.height(), 329);
   EXPECT_GT(darkest(image), 240);
+}
+
+TEST_F(SmallScanner, MayHaveAnyEvenSizeThatThePlatenHasRoomFor) {
+  Device device;
+  for (const auto& [width, height] : {std::pair(642, 480), {640, 482}, {0, 480}, {639, 480}}) {
+    device.frame_width = width;
+    device.frame_height = height;
+    EXPECT_THROW(bench.plug_in(1, device), std::invalid_argument) << width << " x " << height;
+  }
+  device.frame_width = 2;
+  EXPECT_NO_THROW(bench.plug_in(1, device));
 }
 
 TEST_F(SmallScanner, WritesNothingBehindItsFrame) {

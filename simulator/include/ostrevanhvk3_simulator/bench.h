@@ -37,7 +37,7 @@ namespace Osv::simulator {
 inline constexpr int kRawWidth = 640;
 inline constexpr int kRawHeight = 480;
 
-/// Size of the frames of a small scanner.
+/// Size of the frames of the scanner that the words call small.
 inline constexpr int kSmallWidth = 480;
 inline constexpr int kSmallHeight = 360;
 
@@ -108,7 +108,8 @@ struct Device {
   std::string serial = "HVK30001";  ///< its first 8 bytes count; a shorter one is filled with zeros
   unsigned char model = 1;          ///< 1 and 4 are scanners of the family
   unsigned int seed = 1;            ///< makes light, fixed pattern and noise of this unit
-  bool small = false;               ///< sees the middle of the platen alone
+  int frame_width = kRawWidth;      ///< even; less than usual: it sees the middle of the platen
+  int frame_height = kRawHeight;
   eMemory memory = eMemory::Calibrated;
   std::size_t memory_size = 0;  ///< bytes; 0: block and some room (Calibrated), 4096 (Blank)
   std::string revision = "simulated unit 1";  ///< of the block; its first 16 bytes count
