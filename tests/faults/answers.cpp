@@ -28,7 +28,7 @@ void merge(Effect& effect, const Effect& other) {
 
 Answers::Answers(const Scenario& scenario) {
   for (const Attached& device : scenario.attached) {
-    m_vUnits.push_back({.device = device});
+    m_vUnits.push_back({.device = device, .plugged_in = !device.away});
   }
 }
 
@@ -162,21 +162,17 @@ void Answers::unplug(eReturn comes_back) {
   if (comes_back == eReturn::Here) {
     plug_in_again(0);
   } else if (comes_back == eReturn::Elsewhere) {
-    plug_in({.interface = kElsewhere});
+    plug_in_again(kElsewhere);
   } else if (comes_back == eReturn::Another) {
-    plug_in({.small = true});
+    replace({.frames = kLargerFrames});
   }
 }
 
-/// In place of what is there.
-void Answers::plug_in(const Attached& device) {
-  const auto unit = std::find_if(m_vUnits.begin(), m_vUnits.end(), [&](const Unit& candidate) {
-    return candidate.device.interface == device.interface;
-  });
-  if (unit == m_vUnits.end()) {
-    m_vUnits.push_back({.device = device});
-  } else {
-    *unit = {.device = device, .plugged_in = true, .plugged = unit->plugged + 1};
+void Answers::replace(const Attached& device) {
+  for (Unit& unit : m_vUnits) {
+    if (unit.device.interface == device.interface) {
+      unit = {.device = device, .plugged_in = true, .plugged = unit.plugged + 1};
+    }
   }
 }
 

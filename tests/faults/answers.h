@@ -76,7 +76,7 @@ class Answers {
     unsigned int plugged = 0;
   };
 
-  void plug_in(const Attached& device);
+  void replace(const Attached& device);
 
   std::vector<Unit> m_vUnits;
   Faults m_vFaults;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 #include "ostrevanhvk3/errors.h"
 
@@ -45,6 +46,16 @@ const char* detector_text(long code) {
     default:
       return nullptr;
   }
+}
+
+/// Bytes of a corrected image: header, palette, rows that are filled up to a multiple of 4 bytes.
+unsigned long final_size_of(const std::pair<int, int>& frames) {
+  constexpr long kHead = 1064;
+  constexpr double kWide = double{simulator::kFinalWidth} / simulator::kRawWidth;
+  constexpr double kHigh = double{simulator::kFinalHeight} / simulator::kRawHeight;
+  const long width = std::lround(kWide * frames.first);
+  const long height = std::lround(kHigh * frames.second);
+  return static_cast<unsigned long>(kHead + (width + 3) / 4 * 4 * height);
 }
 
 }  // namespace
@@ -225,9 +236,7 @@ bool DriverModel::fetch_lit_frame(eFunction function) {
 
 std::pair<int, int> DriverModel::frames_of(const Handle& handle) const {
   const std::optional<Attached> device = m_cAnswers.device_at(handle.interface);
-  return device.has_value() && device->small
-             ? std::pair(simulator::kSmallWidth, simulator::kSmallHeight)
-             : std::pair(simulator::kRawWidth, simulator::kRawHeight);
+  return device.has_value() ? device->frames : kTinyFrames;
 }
 
 bool DriverModel::read_size(std::pair<int, int>& size) {
@@ -293,11 +302,8 @@ void DriverModel::read_calibration() {
   if (m_s.engine.has_value()) {
     m_cAnswers.call(CalibrateDelete);
   }
-  constexpr unsigned long kFull = 220064;
-  constexpr unsigned long kSmall = 124768;
   const std::pair<int, int> frames = frames_of(m_s.handle);
-  m_s.engine =
-      Engine{.raw = frames, .final_size = frames.first == simulator::kSmallWidth ? kSmall : kFull};
+  m_s.engine = Engine{.raw = frames, .final_size = final_size_of(frames)};
 }
 
 void DriverModel::fill_engine() {

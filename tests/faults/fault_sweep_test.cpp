@@ -63,6 +63,18 @@ std::string test_name(const testing::TestParamInfo<Scenario>& info) {
 
 INSTANTIATE_TEST_SUITE_P(Of, FaultSweep, testing::ValuesIn(all_scenarios()), test_name);
 
+TEST(FaultSweepRuns, AreFiveThousandAndMoreInSixteenScenariosAndMore) {
+  constexpr std::size_t kScenarios = 16;
+  constexpr std::size_t kRuns = 5000;
+  const simulator::ClosedLibraries libraries;
+  std::size_t runs = 0;
+  for (const Scenario& scenario : all_scenarios()) {
+    runs += Sweep(scenario).single_faults().size();
+  }
+  EXPECT_GE(all_scenarios().size(), kScenarios);
+  EXPECT_GE(runs, kRuns);
+}
+
 /// What the whole sweep has seen.
 struct Figures {
   std::size_t scenarios = 0;
@@ -121,6 +133,7 @@ void print(const Figures& figures) {
 
 void make_runs(Sweep& sweep, const std::vector<Attempt>& runs, const Share& share,
                Figures& figures) {
+  const std::size_t before = figures.runs;
   ++figures.scenarios;
   for (std::size_t i = share.part; i < runs.size(); i += share.parts) {
     std::string findings = sweep.findings_of(runs[i]);
@@ -133,6 +146,7 @@ void make_runs(Sweep& sweep, const std::vector<Attempt>& runs, const Share& shar
       ++figures.findings;
     }
   }
+  std::printf("runs: %zu in scenario %s\n", figures.runs - before, sweep.scenario().name.c_str());
   if (leaks()) {
     std::printf("%s: leaks\n", sweep.scenario().name.c_str());
     ++figures.findings;
@@ -143,6 +157,7 @@ void make_runs(Sweep& sweep, const std::vector<Attempt>& runs, const Share& shar
 int sweep_all(const std::string& only, const Share& share) {
   const simulator::ClosedLibraries libraries;
   const auto begin = std::chrono::steady_clock::now();
+  std::setvbuf(stdout, nullptr, _IOLBF, 0);  // who ends this early sees what was found
   Figures figures;
   for (const Scenario& scenario : all_scenarios()) {
     if (only.empty() || only == scenario.name) {

@@ -113,7 +113,7 @@ const std::vector<Scenario>& all_scenarios() {
 
 const std::vector<Scenario>& unplugging_scenarios() {
   using enum eStep;
-  const std::vector<Attached> one = {{0}};
+  const std::vector<Attached> one = {{0}, {.interface = kElsewhere, .away = true}};
   const auto live = eFingerKind::Live;
   const auto with = [&](const std::string& name, std::vector<Step> steps) {
     for (const Step& step :

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "ostrevanhvk3_simulator/bench.h"
@@ -47,8 +48,8 @@ constexpr unsigned int kEventCallback = 1003;
 enum class eReturn {
   Never,
   Here,       ///< it, where it was
-  Elsewhere,  ///< a new one, at interface `kElsewhere`
-  Another     ///< a new one where it was, with smaller frames
+  Elsewhere,  ///< one at interface `kElsewhere`, where one was before
+  Another     ///< a new one where it was, with larger frames
 };
 
 constexpr eReturn kReturns[] = {eReturn::Never, eReturn::Here, eReturn::Elsewhere,
@@ -73,12 +74,17 @@ struct Step {
 
 bool is_capture(const Step& step);
 
+/// Sizes of frames: a run takes as long as its pixels.
+constexpr std::pair kTinyFrames = {160, 120};
+constexpr std::pair kLargerFrames = {simulator::kSmallWidth, simulator::kSmallHeight};
+
 /// Another device than a scanner with calibration at an interface.
 struct Attached {
   unsigned int interface = 0;
   unsigned char model = 1;
   simulator::eMemory memory = simulator::eMemory::Calibrated;
-  bool small = false;
+  std::pair<int, int> frames = kTinyFrames;
+  bool away = false;  ///< it is known at the interface, and not plugged in
 };
 
 struct Scenario {

@@ -87,6 +87,7 @@ std::string unplug_again_and_again(unsigned int cycles) {
   bench.set_pace(0);
   bench.set_timeline(simulator::Timeline::settled_finger());
   bench.list_from_base(true);
+  bench.plug_in(0, {.frame_width = kTinyFrames.first, .frame_height = kTinyFrames.second});
   Deadline deadline;
   Client client;
   deadline.begin("the first cycles");

@@ -135,9 +135,14 @@ void Sweep::lay_out() {
   bench().set_finger_kind(m_sScenario.finger);
   bench().list_from_base(true);
   for (const Attached& device : m_sScenario.attached) {
-    bench().plug_in(
-        device.interface,
-        {.serial = serial_of(device.interface), .model = device.model, .memory = device.memory});
+    bench().plug_in(device.interface, {.serial = serial_of(device.interface),
+                                       .model = device.model,
+                                       .frame_width = device.frames.first,
+                                       .frame_height = device.frames.second,
+                                       .memory = device.memory});
+    if (device.away) {
+      bench().unplug(device.interface);
+    }
   }
   test::Sleeps().forget();
 }

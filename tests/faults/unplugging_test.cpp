@@ -45,7 +45,7 @@ TEST_P(Unplugging, IsOverWhenAScannerIsAtAnotherInterface) {
   unplug_behind_a_call(eReturn::Elsewhere);
 }
 
-TEST_P(Unplugging, IsOverWhenAScannerWithSmallerFramesIsInItsPlace) {
+TEST_P(Unplugging, IsOverWhenAScannerWithLargerFramesIsInItsPlace) {
   unplug_behind_a_call(eReturn::Another);
 }
 
@@ -101,7 +101,7 @@ class UnpluggingInside : public testing::TestWithParam<eReturn> {
  protected:
   static Scenario scenario(const std::vector<Step>& before, const Step& capture) {
     Scenario all = {.name = "callback " + std::to_string(capture.unplugs->callback),
-                    .attached = {{0}},
+                    .attached = {{0}, {.interface = kElsewhere, .away = true}},
                     .steps = before};
     for (const Step& step :
          {capture, {eStep::PlugInAgain, 0}, {eStep::Live, 2}, {eStep::Live, 1}}) {
