@@ -39,6 +39,7 @@ class SimulationBench final : public Bench {
     m_cAll.scene.reset();
     m_cAll.journal.record(false);
     m_cAll.journal.clear();
+    m_cAll.census.forget();
     m_cAll.log.set_target(eLogTarget::Nowhere, "");
     m_cAll.log.set_level(LogSink::kEverything);
     m_cAll.last_error = 0;
@@ -117,6 +118,12 @@ class SimulationBench final : public Bench {
   }
   void set_log_level(int level) override { m_cAll.log.set_level(level); }
 
+  Census census() const override {
+    const InstanceCensus& all = m_cAll.census;
+    return {m_cAll.scene.open_handles(), all.alive(eInstance::Engine),
+            all.alive(eInstance::Detector), all.wrong_releases(), all.left_behind()};
+  }
+
  private:
   Simulation& m_cAll = simulation();
 };
@@ -127,6 +134,8 @@ Simulation& simulation() {
   static auto* const all = new Simulation;
   return *all;
 }
+
+InstanceCensus& instance_census() { return simulation().census; }
 
 }  // namespace Osv::simulator
 

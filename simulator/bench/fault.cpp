@@ -139,6 +139,11 @@ class FaultReader {
       m_cWords.expect("null");
       m_cWords.expect("handle");
       m_sFault.effects.null_handle = true;
+    } else if (word_for(kDescriptionGivers, "text")) {
+      m_cWords.expect("of");
+      m_sFault.effects.number =
+          static_cast<double>(m_cWords.whole_number_between(0, kLongestDescription));
+      m_cWords.expect("characters");
     } else if (word_for(kDescriptionGivers, "no")) {
       m_cWords.expect("text");
       m_sFault.effects.no_text = true;

@@ -12,6 +12,9 @@
 
 namespace Osv::simulator {
 
+/// The longest text that a plan can give for an error, in characters.
+inline constexpr long kLongestDescription = 5000;
+
 struct FrameSize {
   int width = 0;
   int height = 0;
@@ -22,7 +25,7 @@ struct Effects {
   std::optional<long> fails_with;  ///< nothing is done; the error of the failure
   std::optional<long> answer;      ///< all is done, then this is answered
   std::optional<long> error;       ///< last error that goes with `answer`
-  std::optional<double> number;    ///< the value that is given out, a size or length too
+  std::optional<double> number;    ///< the value that is given out, or a size or length
   std::optional<FrameSize> frame_size;
   std::optional<std::string> text;
   bool null_handle = false;

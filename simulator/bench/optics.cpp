@@ -3,6 +3,8 @@
 #include <cmath>
 #include <map>
 #include <mutex>
+#include <stdexcept>
+#include <string>
 
 #include "bench/random.h"
 #include "ostrevanhvk3_simulator/bench.h"
@@ -60,6 +62,22 @@ Optics make_optics(unsigned int seed) {
   return optics;
 }
 
+/// What is in view has the same scale, whatever else is.
+Payload common_payload_of(const View& view) {
+  Payload payload = common_payload();
+  const float wide = static_cast<float>(view.width) / kRawWidth;
+  const float high = static_cast<float>(view.height) / kRawHeight;
+  payload.raw_width = view.width;
+  payload.raw_height = view.height;
+  payload.final_width = static_cast<int>(std::lround(wide * kFinalWidth));
+  payload.final_height = static_cast<int>(std::lround(high * kFinalHeight));
+  payload.geometry.center_x -= static_cast<float>(view.left);
+  payload.geometry.center_y -= static_cast<float>(view.top);
+  payload.geometry.scale_x *= wide;
+  payload.geometry.scale_y *= high;
+  return payload;
+}
+
 }  // namespace
 
 Payload common_payload() {
@@ -84,13 +102,25 @@ std::shared_ptr<const Optics> optics_of(unsigned int seed) {
   return optics;
 }
 
-std::vector<unsigned char> payload_of(const Optics& optics) {
-  Payload payload = common_payload();
-  payload.white.resize(kPixels);
-  payload.dark.resize(kPixels);
-  for (std::size_t i = 0; i < kPixels; ++i) {
-    payload.white[i] = prepared(optics.offset[i] + optics.gain[i] * kEmptyReflectance);
-    payload.dark[i] = prepared(optics.offset[i] + optics.gain[i] * kSkinReflectance);
+View view_of(int width, int height) {
+  const auto is_middle = [](int length, int whole) {
+    return length > 1 && length <= whole && length % 2 == 0;
+  };
+  if (!is_middle(width, kRawWidth) || !is_middle(height, kRawHeight)) {
+    throw std::invalid_argument("no scanner has frames of " + std::to_string(width) + " x " +
+                                std::to_string(height) + " pixels");
+  }
+  return {(kRawWidth - width) / 2, (kRawHeight - height) / 2, width, height};
+}
+
+std::vector<unsigned char> payload_of(const Optics& optics, const View& view) {
+  Payload payload = common_payload_of(view);
+  for (int y = view.top; y < view.top + view.height; ++y) {
+    for (int x = view.left; x < view.left + view.width; ++x) {
+      const auto i = static_cast<std::size_t>(y) * kRawWidth + static_cast<std::size_t>(x);
+      payload.white.push_back(prepared(optics.offset[i] + optics.gain[i] * kEmptyReflectance));
+      payload.dark.push_back(prepared(optics.offset[i] + optics.gain[i] * kSkinReflectance));
+    }
   }
   return build_payload(payload);
 }

@@ -27,7 +27,20 @@ Payload common_payload();
 /// Light and fixed pattern of the unit of that seed. Kept for the next call.
 std::shared_ptr<const Optics> optics_of(unsigned int seed);
 
-/// The payload that corrects frames of these optics.
-std::vector<unsigned char> payload_of(const Optics& optics);
+/// The part of the full frame that a unit sees: all of it, or the middle.
+struct View {
+  int left = 0;
+  int top = 0;
+  int width = 0;
+  int height = 0;
+
+  bool is_full() const { return left == 0 && top == 0; }
+};
+
+/// @throws std::invalid_argument when the full frame has no such middle
+View view_of(int width, int height);
+
+/// The payload that corrects frames of these optics, as far as they are in view.
+std::vector<unsigned char> payload_of(const Optics& optics, const View& view);
 
 }  // namespace Osv::simulator

@@ -102,7 +102,13 @@ std::uint32_t Scene::open(int interface, std::uint32_t& handle) {
 
 std::uint32_t Scene::close(std::uint32_t handle) {
   const std::lock_guard<std::mutex> lock(m_cLock);
-  return m_mHandles.erase(handle) == 0 ? kNoDevice : 0;
+  if (m_mHandles.erase(handle) != 0) {
+    return 0;
+  }
+  if (handle != 0) {
+    simulation().census.released_wrongly();
+  }
+  return kNoDevice;
 }
 
 bool Scene::listed(unsigned int interface) const {
@@ -169,7 +175,7 @@ std::uint32_t Scene::take_frame(std::uint32_t handle, eLight light, int dose,
   }
   return with_unit(handle, [&](Unit& unit) {
     const Exposure exposure = {light, dose, touch(), m_eKind};
-    unit.frames().fill(exposure, laid_out_platen(), buffer);
+    unit.take_frame(exposure, laid_out_platen(), buffer);
     if (light == eLight::Dose) {
       m_sLastTouch = m_cMotion.at(m_nFrames);
       ++m_nFrames;
@@ -215,6 +221,11 @@ void Scene::unplug_all() {
       unit->plugged_in = false;
     }
   }
+}
+
+unsigned int Scene::open_handles() const {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  return static_cast<unsigned int>(m_mHandles.size());
 }
 
 DeviceState Scene::state(unsigned int interface) const {

@@ -75,6 +75,9 @@ class OSV_SIMULATOR_API Scene {
   void plug_in_again(unsigned int interface);
   void unplug_all();
   DeviceState state(unsigned int interface) const;
+
+  /// Handles of all devices that are not closed, dead ones too.
+  unsigned int open_handles() const;
   std::vector<unsigned char> memory(unsigned int interface);
   void set_memory(unsigned int interface, const std::vector<unsigned char>& bytes);
   void list_from_base(bool on);

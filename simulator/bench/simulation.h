@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstdint>
 
+#include "bench/census.h"
 #include "bench/fault_plan.h"
 #include "bench/journal.h"
 #include "bench/log_sink.h"
@@ -16,6 +17,7 @@ namespace Osv::simulator {
 
 struct Simulation {
   Journal journal;
+  InstanceCensus census;
   FaultPlan faults;
   std::atomic<std::uint32_t> last_error = 0;
   LogSink log;

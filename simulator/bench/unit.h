@@ -18,6 +18,7 @@ namespace Osv::simulator {
 /// The hardware behind one interface, plugged in or not. The scene's lock guards it.
 class OSV_SIMULATOR_API Unit {
  public:
+  /// @throws std::invalid_argument for frames that no scanner has
   explicit Unit(const Device& device);
 
   /// @name What the scanner library reads and writes
@@ -32,7 +33,11 @@ class OSV_SIMULATOR_API Unit {
 
   /// The extended memory, with its block from the first use on.
   std::vector<unsigned char>& memory();
-  FrameMaker& frames();
+
+  /// Fills `buffer` with what the unit sees.
+  void take_frame(const Exposure& exposure, const Platen& platen, unsigned char* buffer);
+
+  const View& view() const { return m_sView; }
 
   std::uint32_t options = 0;
   unsigned char green = 0;
@@ -48,9 +53,11 @@ class OSV_SIMULATOR_API Unit {
   DeviceState state() const;
 
  private:
+  FrameMaker& frames();
   std::vector<unsigned char> build_memory();
 
   Device m_sDevice;
+  View m_sView;
   std::optional<std::vector<unsigned char>> m_vMemory;
   std::unique_ptr<FrameMaker> m_pFrames;
 };

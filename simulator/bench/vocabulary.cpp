@@ -61,6 +61,10 @@ Device new_device(unsigned int interface, const std::string& word) {
                   : word == "bare" ? eMemory::None
                                    : eMemory::Calibrated;
   device.model = word == "foreign" ? kForeignModel : device.model;
+  if (word == "small") {
+    device.frame_width = kSmallWidth;
+    device.frame_height = kSmallHeight;
+  }
   return device;
 }
 
@@ -240,9 +244,9 @@ const std::vector<Argument>& argument_table() {
       {"RATE", "0 to 1000; 0 is as fast as it goes", {}, 0, 1000},
       {"INTERFACE", "0 to 127", {}, 0, kInterfaceCount - 1},
       {"DEVICE",
-       "`calibrated`; `blank`: memory without a calibration block; `bare`: no memory; `foreign`: "
-       "another model",
-       {"calibrated", "blank", "bare", "foreign"},
+       "`calibrated`; `small`: the same with frames of 480 x 360 pixels; `blank`: memory without a "
+       "calibration block; `bare`: no memory; `foreign`: another model",
+       {"calibrated", "small", "blank", "bare", "foreign"},
        0,
        0},
       {"COLOUR", "`green` or `red`", {"green", "red"}, 0, 0},

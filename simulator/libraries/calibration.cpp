@@ -2,6 +2,7 @@
 
 #include "libraries/calibration_api.h"
 #include "libraries/coded_call.h"
+#include "libraries/description.h"
 #include "libraries/engine.h"
 #include "libraries/registry.h"
 #include "libraries/text_out.h"
@@ -15,7 +16,7 @@ namespace {
 using Engines = Registry<CalibrationEngine>;
 
 Engines& engines() {
-  static Engines all;
+  static Engines all(eInstance::Engine);
   return all;
 }
 
@@ -97,7 +98,7 @@ long CalibrateSetData(void* handle, const unsigned char* data, unsigned long siz
 const char* CalibrateGetErrorDescription(long code) {
   RecordedCall call(eFunction::CalibrateGetErrorDescription);
   call.arguments("code %ld", code);
-  const char* const text = call.effects().no_text ? nullptr : engine_text(code);
+  const char* const text = described(call, engine_text(code));
   call.result("%s", Quoted(text).c_str());
   return text;
 }

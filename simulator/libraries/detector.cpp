@@ -4,6 +4,7 @@
 #include <string>
 
 #include "libraries/coded_call.h"
+#include "libraries/description.h"
 #include "libraries/detector_api.h"
 #include "libraries/liveness.h"
 #include "libraries/registry.h"
@@ -18,7 +19,7 @@ namespace {
 using Detectors = Registry<LivenessDetector>;
 
 Detectors& detectors() {
-  static Detectors all;
+  static Detectors all(eInstance::Detector);
   return all;
 }
 
@@ -157,7 +158,7 @@ long FakeFingerDetectionGetPropertyA(void* handle, const char* name, char* value
 const char* FakeFingerDetectionGetErrorDescriptionA(long code) {
   RecordedCall call(eFunction::FakeFingerDetectionGetErrorDescriptionA);
   call.arguments("code %ld", code);
-  const char* const text = call.effects().no_text ? nullptr : detector_text(code);
+  const char* const text = described(call, detector_text(code));
   call.result("%s", Quoted(text).c_str());
   return text;
 }

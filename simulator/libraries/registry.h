@@ -5,6 +5,8 @@
 #include <memory>
 #include <mutex>
 
+#include "bench/census.h"
+
 /// @file
 /// The instances behind a stand-in's handles.
 
@@ -15,9 +17,15 @@ namespace Osv::simulator {
 template <class T>
 class Registry {
  public:
+  explicit Registry(eInstance kind) : m_eKind(kind) {}
+  ~Registry() { instance_census().left_behind(m_eKind, m_mInstances.size()); }
+  Registry(const Registry&) = delete;
+  Registry& operator=(const Registry&) = delete;
+
   void* create() {
     const std::lock_guard<std::mutex> lock(m_cLock);
     m_mInstances[++m_nLast] = std::make_shared<T>();
+    instance_census().created(m_eKind);
     return reinterpret_cast<void*>(static_cast<std::uintptr_t>(m_nLast));
   }
 
@@ -30,7 +38,13 @@ class Registry {
 
   bool destroy(void* handle) {
     const std::lock_guard<std::mutex> lock(m_cLock);
-    return m_mInstances.erase(number_of(handle)) != 0;
+    const bool found = m_mInstances.erase(number_of(handle)) != 0;
+    if (found) {
+      instance_census().destroyed(m_eKind);
+    } else if (handle != nullptr) {
+      instance_census().released_wrongly();
+    }
+    return found;
   }
 
   static unsigned int number_of(void* handle) {
@@ -38,6 +52,7 @@ class Registry {
   }
 
  private:
+  const eInstance m_eKind;
   mutable std::mutex m_cLock;
   std::map<unsigned int, std::shared_ptr<T>> m_mInstances;
   unsigned int m_nLast = 0;

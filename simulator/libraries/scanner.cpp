@@ -206,8 +206,9 @@ int ftrScanGetDeviceInfo(void* handle, ftrScanDeviceInfoRecord* info) {
 int ftrScanGetImageSize(void* handle, __FTRSCAN_IMAGE_SIZE* size) {
   RecordedCall call(eFunction::ftrScanGetImageSize);
   handle_and_buffer(call, handle, size);
-  return finish_on_unit(call, handle, size, [&](Unit&) {
-    const FrameSize given = call.effects().frame_size.value_or(FrameSize{kRawWidth, kRawHeight});
+  return finish_on_unit(call, handle, size, [&](Unit& unit) {
+    const View& view = unit.view();
+    const FrameSize given = call.effects().frame_size.value_or(FrameSize{view.width, view.height});
     *size = {given.width, given.height};
     return 0U;
   });

@@ -37,11 +37,11 @@ const unsigned char* Block::row(int y) const {
   return m_vBytes.data() + row_position(width(), height(), y);
 }
 
-Block prepare(const Bytes& frame) {
-  Block block(kRawWidth, kRawHeight);
-  for (int y = 0; y < kRawHeight; ++y) {
-    const unsigned char* const source = frame.data() + y * kRawWidth;
-    std::transform(source, source + kRawWidth, block.row(y),
+Block prepare(const Bytes& frame, int width, int height) {
+  Block block(width, height);
+  for (int y = 0; y < height; ++y) {
+    const unsigned char* const source = frame.data() + y * width;
+    std::transform(source, source + width, block.row(y),
                    [](unsigned char level) { return static_cast<unsigned char>(~level); });
   }
   return block;

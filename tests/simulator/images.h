@@ -36,7 +36,7 @@ class Block {
 };
 
 /// A raw frame as a bitmap, upright and positive.
-Block prepare(const Bytes& frame);
+Block prepare(const Bytes& frame, int width = kRawWidth, int height = kRawHeight);
 
 /// A raw frame from the scanner of a handle at the nominal dose.
 Bytes take_dose_frame(void* scanner);

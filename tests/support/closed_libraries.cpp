@@ -84,6 +84,11 @@ std::vector<LibraryOpening> ClosedLibraries::openings() const {
   return choices().openings;
 }
 
+void ClosedLibraries::forget_openings() {
+  const std::lock_guard<std::mutex> lock(choices().lock);
+  choices().openings = {};
+}
+
 std::string ClosedLibraries::plain_path(const std::string& name) {
   return HVK3_SIMULATOR_DIR "/" + name;
 }

@@ -43,6 +43,9 @@ class ClosedLibraries {
   /// Every closed library that was asked for since this object was made, found or not.
   std::vector<LibraryOpening> openings() const;
 
+  /// Frees the memory of `openings`.
+  static void forget_openings();
+
   /// The path of a plain stand-in.
   static std::string plain_path(const std::string& name);
 };

@@ -32,11 +32,17 @@
 
 namespace Osv::simulator {
 
-/// Size of the frames that every simulated scanner delivers, in pixels.
+/// Size of the frames that a simulated scanner delivers unless its `Device` says otherwise, in
+/// pixels.
 inline constexpr int kRawWidth = 640;
 inline constexpr int kRawHeight = 480;
 
-/// Size of the images that the calibration engine makes of them. They have 500 dots per inch.
+/// Size of the frames of the scanner that the words call small.
+inline constexpr int kSmallWidth = 480;
+inline constexpr int kSmallHeight = 360;
+
+/// Size of the images that the calibration engine makes of frames of the usual size. They have 500
+/// dots per inch.
 inline constexpr int kFinalWidth = 498;
 inline constexpr int kFinalHeight = 438;
 inline constexpr int kPixelsPerMetre = 19685;
@@ -102,6 +108,8 @@ struct Device {
   std::string serial = "HVK30001";  ///< its first 8 bytes count; a shorter one is filled with zeros
   unsigned char model = 1;          ///< 1 and 4 are scanners of the family
   unsigned int seed = 1;            ///< makes light, fixed pattern and noise of this unit
+  int frame_width = kRawWidth;      ///< even; less than usual: it sees the middle of the platen
+  int frame_height = kRawHeight;
   eMemory memory = eMemory::Calibrated;
   std::size_t memory_size = 0;  ///< bytes; 0: block and some room (Calibrated), 4096 (Blank)
   std::string revision = "simulated unit 1";  ///< of the block; its first 16 bytes count
@@ -137,6 +145,15 @@ struct Timeline {
 
   static constexpr Timeline empty_platen() { return {1, 0, 0, 0, false}; }
   static constexpr Timeline settled_finger() { return {0, 0, 1, 0, false}; }
+};
+
+/// What clients hold of the libraries, and what they did wrong in giving it back.
+struct Census {
+  unsigned int scanner_handles = 0;  ///< not yet closed, dead ones too
+  unsigned int engines = 0;
+  unsigned int detectors = 0;
+  unsigned int wrong_releases = 0;  ///< of handles that were none, or given back before
+  unsigned int left_behind = 0;     ///< engines and detectors in a library that was closed
 };
 
 /// How far a scenario has come.
@@ -362,6 +379,9 @@ class Bench {
   /// Writes only lines of this level or a more severe one: 3 errors, 4 warnings too, 7 everything.
   virtual void set_log_level(int level) = 0;
   /// @}
+
+  /// Counts what is given out at this moment, and mistakes since the last `reset`.
+  virtual Census census() const = 0;
 };
 
 }  // namespace Osv::simulator

@@ -1,0 +1,218 @@
+#include "faults/effect.h"
+
+#include <array>
+#include <string_view>
+
+namespace Osv::faults {
+namespace {
+
+/// The numbers that the driver treats by value, an ordinary one, and none at all.
+constexpr std::array<long, 14> kScannerNumbers = {
+    0,    2,          8,          31,         121,        259,        1460,
+    4306, 0x20000001, 0x20000002, 0x20000003, 0x20000004, 0x20000005, 0x20000006};
+constexpr std::array<long, 3> kEngineCodes = {-1, -21, -37};
+constexpr std::array<long, 6> kDetectorCodes = {-15, -21, -767, -768, -799, -800};
+constexpr std::array<unsigned int, 4> kLengths = {0, 1023, 1024, 5000};
+constexpr long kAbsurd = 1L << 62;
+
+std::vector<Effect> failures(const auto& numbers) {
+  std::vector<Effect> effects;
+  for (const long number : numbers) {
+    effects.push_back({.fails_with = number});
+  }
+  return effects;
+}
+
+/// A failure of an engine or detector, with each text that it may have for it.
+void add_descriptions(std::vector<Effect>& effects, long code) {
+  effects.push_back({.fails_with = code, .description = Description()});
+  for (const unsigned int length : kLengths) {
+    effects.push_back({.fails_with = code, .description = Description{length}});
+  }
+}
+
+std::vector<Effect> engine_failures() {
+  std::vector<Effect> effects = failures(kEngineCodes);
+  add_descriptions(effects, -1);
+  return effects;
+}
+
+std::vector<Effect> detector_failures() {
+  std::vector<Effect> effects = failures(kDetectorCodes);
+  add_descriptions(effects, -800);
+  return effects;
+}
+
+std::vector<Effect> with(std::vector<Effect> effects, const std::vector<Effect>& more) {
+  effects.insert(effects.end(), more.begin(), more.end());
+  return effects;
+}
+
+std::vector<Effect> frame_sizes() {
+  constexpr int kHuge = 2147483647;
+  std::vector<Effect> effects;
+  for (const auto& size : {std::pair(-1, 480), std::pair(640, -1), std::pair(0, 480),
+                           std::pair(640, 0), std::pair(kHuge, kHuge), std::pair(1280, 960)}) {
+    effects.push_back({.frame_size = size});
+  }
+  return effects;
+}
+
+std::vector<Effect> engine_sizes() {
+  std::vector<Effect> effects;
+  for (const long code : {0L, -21L}) {
+    for (const long size : {0L, 1L, kAbsurd}) {
+      effects.push_back({.answer = code, .number = size});
+    }
+  }
+  return effects;
+}
+
+std::vector<Effect> property_answers() {
+  std::vector<Effect> effects = {{.answer = 0}};
+  for (const long length : {0L, 1L, 1023L, 1024L, 5000L, kAbsurd}) {
+    effects.push_back({.answer = -21, .number = length});
+  }
+  for (const unsigned int length : kLengths) {
+    effects.push_back({.text = std::string(length, 'x')});
+  }
+  return effects;
+}
+
+/// All kinds, by the function's number.
+std::vector<std::vector<Effect>> all_kinds() {
+  std::vector<std::vector<Effect>> all(simulator::kFunctionCount);
+  const auto of = [&](eFunction function) -> std::vector<Effect>& {
+    return all[simulator::index_of(function)];
+  };
+  using enum eFunction;
+  for (const eFunction function :
+       {ftrScanSetOptions, ftrScanGetDeviceInfo, ftrScanGetImageSize, ftrScanGetBacklightImage,
+        ftrScanGetDarkImage, ftrScanSetDiodesStatus, ftrScanGetInterfaces, ftrSetBaseInterface,
+        ftrScanGetImageByVariableDose, ftrScanGetExtMemorySize, ftrScanRestoreExtMemory,
+        ftrScanGetSerialNumber, ftrScanGetVersion, ftrScanSetNewAuthorizationCode,
+        ftrScanSaveSecret7Bytes, ftrScanRestoreSecret7Bytes, ftrScanOpenDeviceOnInterface}) {
+    of(function) = failures(kScannerNumbers);
+  }
+  // Nobody looks at how a closing went, but it can leave an error number behind.
+  of(ftrScanCloseDevice) = failures(std::array{0L, 259L, 1460L});
+  of(ftrScanOpenDeviceOnInterface).push_back({.null_handle = true});
+  of(ftrScanGetImageSize) = with(of(ftrScanGetImageSize), frame_sizes());
+  for (const long size : {0L, 1L, -1L, -2147483648L, 2147483647L}) {
+    of(ftrScanGetExtMemorySize).push_back({.number = size});
+  }
+  for (const eFunction function :
+       {ftrScanSetNewAuthorizationCode, ftrScanSaveSecret7Bytes, ftrScanRestoreSecret7Bytes}) {
+    of(function) = with(of(function), {{.answer = 2}, {.answer = -1}});
+  }
+  for (const long number : kScannerNumbers) {
+    of(ftrScanGetLastError).push_back({.answer = number});
+  }
+  of(CalibrateCreate) = {{.null_handle = true}};
+  for (const eFunction function : {Calibrate, CalibrateSetData, ContaminationDetection,
+                                   CalibrateSetOption, CalibrateGetOption}) {
+    of(function) = engine_failures();
+  }
+  of(Calibrate) = with(of(Calibrate), engine_sizes());
+  of(CalibrateGetOption) = with(of(CalibrateGetOption), {{.text = ""},
+                                                         {.text = "Enabled"},
+                                                         {.text = "EnabledX"},
+                                                         {.text = "enabled"},
+                                                         {.text = std::string(1023, 'x')},
+                                                         {.text = std::string(1024, 'x')},
+                                                         {.text = std::string(5000, 'x')},
+                                                         {.answer = 0, .number = 5000},
+                                                         {.answer = -21, .number = 0}});
+  for (const eFunction function :
+       {FakeFingerDetectionInitialize, FakeFingerDetectionCreateHandle, FakeFingerDetectionReset,
+        FakeFingerDetectionEvaluateLiveliness, FakeFingerDetectionSetImage,
+        FakeFingerDetectionSetPropertyA, FakeFingerDetectionGetPropertyA}) {
+    of(function) = detector_failures();
+  }
+  of(FakeFingerDetectionCreateHandle).push_back({.null_handle = true});
+  of(FakeFingerDetectionDestroyHandle) = failures(std::array{-1L});
+  of(FakeFingerDetectionUninitialize) = failures(std::array{-1L});
+  for (const eFunction function : {ContaminationDetection, FakeFingerDetectionEvaluateLiveliness}) {
+    of(function) = with(of(function),
+                        {{.number = 0}, {.number = -1}, {.number = 1000}, {.not_a_number = true}});
+  }
+  of(FakeFingerDetectionGetPropertyA) =
+      with(of(FakeFingerDetectionGetPropertyA), property_answers());
+  return all;
+}
+
+bool is_of_engine(eFunction function) {
+  const std::string_view name = simulator::name_of(function);
+  return name.starts_with("Calibrate") || name.starts_with("Contamination");
+}
+
+/// The part of a plan that is about the descriptions of this function's errors.
+std::string description_in_words(eFunction function, const Description& description) {
+  const eFunction giver = is_of_engine(function)
+                              ? eFunction::CalibrateGetErrorDescription
+                              : eFunction::FakeFingerDetectionGetErrorDescriptionA;
+  const std::string words =
+      description.length.has_value()
+          ? " gives text of " + std::to_string(*description.length) + " characters"
+          : " gives no text";
+  return std::string("; ") + simulator::name_of(giver) + words;
+}
+
+}  // namespace
+
+std::string Effect::in_words(eFunction function) const {
+  if (fails_with.has_value()) {
+    return "fails with " + std::to_string(*fails_with);
+  }
+  if (answer.has_value() && number.has_value()) {
+    const bool size = function == eFunction::Calibrate;
+    return "answers " + std::to_string(*answer) + (size ? " with size " : " with length ") +
+           std::to_string(*number);
+  }
+  if (answer.has_value()) {
+    return "answers " + std::to_string(*answer);
+  }
+  if (number.has_value()) {
+    return "gives " + std::to_string(*number);
+  }
+  if (not_a_number) {
+    return "gives nan";
+  }
+  if (frame_size.has_value()) {
+    return "gives " + std::to_string(frame_size->first) + " x " +
+           std::to_string(frame_size->second);
+  }
+  return null_handle ? "gives a null handle" : "answers text '" + text.value_or("") + "'";
+}
+
+std::string Fault::in_words() const {
+  const std::string number = std::to_string(first);
+  std::string words = std::string(simulator::name_of(function)) +
+                      (lasting ? " from call " + number + " on " : " call " + number + " ") +
+                      effect.in_words(function);
+  if (effect.description.has_value()) {
+    words += description_in_words(function, *effect.description);
+  }
+  return words;
+}
+
+std::string Incident::in_words() const {
+  const std::string wait = "wait " + std::to_string(call) + (call == 1 ? " call" : " calls") +
+                           " of " + simulator::name_of(function) + "\n";
+  return (call == 0 ? "" : wait) + unplugging_in_words(comes_back);
+}
+
+std::string in_words(const Faults& faults) {
+  std::string words;
+  for (const Fault& fault : faults) {
+    words += (words.empty() ? "" : "; ") + fault.in_words();
+  }
+  return words;
+}
+
+const std::vector<Effect>& kinds_of(eFunction function) {
+  static const std::vector<std::vector<Effect>> all = all_kinds();
+  return all[simulator::index_of(function)];
+}
+
+}  // namespace Osv::faults

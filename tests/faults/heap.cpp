@@ -1,0 +1,93 @@
+#include "faults/heap.h"
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define HVK3_OWN_ALLOCATOR 0
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define HVK3_OWN_ALLOCATOR 0
+#endif
+#endif
+#ifndef HVK3_OWN_ALLOCATOR
+#define HVK3_OWN_ALLOCATOR 1
+#endif
+
+#if HVK3_OWN_ALLOCATOR
+
+#include <atomic>
+#include <cerrno>
+#include <cstddef>
+
+namespace {
+
+std::atomic<long> s_nLive = 0;
+
+void* counted(void* block) {
+  s_nLive += block == nullptr ? 0 : 1;
+  return block;
+}
+
+}  // namespace
+
+// The program's own allocator stands in front of the C library's and passes everything on to it.
+// NOLINTBEGIN(bugprone-reserved-identifier): the C library's names
+extern "C" {
+
+#define HVK3_EXPORTED __attribute__((visibility("default")))
+
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* block, std::size_t size);
+void* __libc_memalign(std::size_t alignment, std::size_t size);
+void __libc_free(void* block);
+
+HVK3_EXPORTED void* malloc(std::size_t size) noexcept { return counted(__libc_malloc(size)); }
+
+HVK3_EXPORTED void* calloc(std::size_t count, std::size_t size) noexcept {
+  return counted(__libc_calloc(count, size));
+}
+
+HVK3_EXPORTED void* memalign(std::size_t alignment, std::size_t size) noexcept {
+  return counted(__libc_memalign(alignment, size));
+}
+
+HVK3_EXPORTED void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {
+  return counted(__libc_memalign(alignment, size));
+}
+
+HVK3_EXPORTED int posix_memalign(void** block, std::size_t alignment, std::size_t size) noexcept {
+  void* const found = counted(__libc_memalign(alignment, size));
+  *block = found == nullptr ? *block : found;
+  return found == nullptr ? ENOMEM : 0;
+}
+
+HVK3_EXPORTED void free(void* block) noexcept {
+  s_nLive -= block == nullptr ? 0 : 1;
+  __libc_free(block);
+}
+
+HVK3_EXPORTED void* realloc(void* block, std::size_t size) noexcept {
+  if (block == nullptr) {
+    return malloc(size);
+  }
+  s_nLive -= size == 0 ? 1 : 0;
+  return __libc_realloc(block, size);
+}
+
+}  // extern "C"
+// NOLINTEND(bugprone-reserved-identifier)
+
+namespace Osv::faults {
+
+std::optional<long> live_blocks() { return s_nLive; }
+
+}  // namespace Osv::faults
+
+#else
+
+namespace Osv::faults {
+
+std::optional<long> live_blocks() { return std::nullopt; }
+
+}  // namespace Osv::faults
+
+#endif

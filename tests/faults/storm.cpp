@@ -1,0 +1,109 @@
+#include "faults/storm.h"
+
+#include <malloc.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "faults/client.h"
+#include "faults/deadline.h"
+#include "faults/heap.h"
+#include "faults/leaks.h"
+#include "faults/threads.h"
+#include "ostrevanhvk3_simulator/bench.h"
+#include "support/closed_libraries.h"
+#include "support/sleeps.h"
+
+namespace Osv::faults {
+namespace {
+
+/// What a process holds at a moment.
+struct Holdings {
+  std::size_t descriptors = 0;
+  std::size_t blocks = 0;     ///< of memory, where they are counted
+  std::size_t allocated = 0;  ///< bytes
+  std::size_t resident = 0;   ///< pages
+};
+
+Holdings holdings() {
+  const std::filesystem::directory_iterator descriptors("/proc/self/fd");
+  std::ifstream memory("/proc/self/statm");
+  std::size_t whole = 0;
+  Holdings now;
+  memory >> whole >> now.resident;
+  now.descriptors = static_cast<std::size_t>(std::distance(begin(descriptors), end(descriptors)));
+  now.blocks = static_cast<std::size_t>(live_blocks().value_or(0));
+  now.allocated = mallinfo2().uordblks;
+  return now;
+}
+
+/// One unplugging while a frame is under way, and one while nothing is captured.
+std::string cycle(Client& client) {
+  using enum eStep;
+  std::string seen;
+  for (const Step& step : {Step{Live, 4, 0, Unplugging{1}},
+                           {PlugInAgain, 0},
+                           {Live, 1},
+                           {Unplug, 0},
+                           {PlugInAgain, 0},
+                           {Live, 1},
+                           {Choose, 127},
+                           {Live, 1}}) {
+    seen += client.run(step) + "\n";
+  }
+  test::Sleeps().forget();
+  simulator::ClosedLibraries::forget_openings();
+  return seen;
+}
+
+std::string check_growth(const Holdings& before, const Holdings& after) {
+  constexpr std::size_t kBlocks = 8;             // of this program's own
+  constexpr std::size_t kAllocated = 1U << 20U;  // bytes: what the heap keeps aside
+  constexpr std::size_t kResident = 4096;        // pages
+  std::string grown;
+  const auto check = [&](const char* what, std::size_t from, std::size_t to, std::size_t slack) {
+    if (to > from + slack) {
+      grown += std::string(what) + " grew from " + std::to_string(from) + " to " +
+               std::to_string(to) + "\n";
+    }
+  };
+  check("descriptors", before.descriptors, after.descriptors, 0);
+  check("blocks of memory", before.blocks, after.blocks, kBlocks);
+  check("allocated bytes", before.allocated, after.allocated, kAllocated);
+  if (!is_watched()) {
+    check("resident pages", before.resident, after.resident, kResident);
+  }
+  return grown;
+}
+
+}  // namespace
+
+std::string unplug_again_and_again(unsigned int cycles) {
+  constexpr unsigned int kWarming = 10;
+  simulator::Bench& bench = *ostrevan_simulator_bench();
+  bench.reset();
+  bench.set_pace(0);
+  bench.set_timeline(simulator::Timeline::settled_finger());
+  bench.list_from_base(true);
+  bench.plug_in(0, {.frame_width = kTinyFrames.first, .frame_height = kTinyFrames.second});
+  Deadline deadline;
+  Client client;
+  deadline.begin("the first cycles");
+  std::string usual = cycle(client);
+  for (unsigned int i = 1; i < kWarming; ++i) {
+    cycle(client);
+  }
+  const Threads known = threads();
+  const Holdings before = holdings();
+  for (unsigned int i = 0; i < cycles; ++i) {
+    deadline.begin("cycle " + std::to_string(i));
+    if (const std::string seen = cycle(client); seen != usual) {
+      return "cycle " + std::to_string(i) + " has\n" + seen + "and not\n" + usual;
+    }
+  }
+  return are_all(known) ? check_growth(before, holdings()) : "a thread is left\n";
+}
+
+}  // namespace Osv::faults
