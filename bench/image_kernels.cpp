@@ -48,7 +48,7 @@ using InPlace = std::function<void(ClSimpleBitmap&)>;
 Kernel in_place(const std::string& name, bool turn, bool complement, const InPlace& ours,
                 const InPlace& sse2, const InPlace& opencv) {
   return {name, {"ours", "SSE2", "OpenCV", "limit"}, [=](Size size) {
-            const std::vector<Candidate> candidates{
+            std::vector<Candidate> candidates{
                 {"ours", ours}, {"SSE2", sse2}, {"OpenCV", opencv}, {"limit", limit_in_place}};
             const ClSimpleBitmap frame = noise(size, 7);
             const ClSimpleBitmap expected = plainly(frame, turn, complement);

@@ -235,16 +235,20 @@ void blend_columns(const ClSimpleBitmap& source, ClSimpleBitmap& target, const A
   }
 }
 
-/// Columns of the target that are blended together from the top to the bottom: what they need stays
-/// in the first cache.
+/// Columns of the target that are blended together from the top to the bottom, at most: what they
+/// need stays in the first cache.
 constexpr unsigned long kPanelColumns = 640;
 
+/// Panels of about the same width.
 void blend_panels(const ClSimpleBitmap& source, ClSimpleBitmap& target,
                   const img::PixelKernels& kernels) {
   const unsigned long width = target.Width();
+  const unsigned long panels = (width + kPanelColumns - 1) / kPanelColumns;
+  const unsigned long columns =
+      (width / panels / img::kBlendedTogether + 1) * img::kBlendedTogether;
   const Axis across(source.Width(), width);
-  for (unsigned long from = 0; from < width; from += kPanelColumns) {
-    blend_columns(source, target, across, {from, std::min(kPanelColumns, width - from)}, kernels);
+  for (unsigned long from = 0; from < width; from += columns) {
+    blend_columns(source, target, across, {from, std::min(columns, width - from)}, kernels);
   }
 }
 

@@ -233,10 +233,12 @@ struct PickedColumns {
 
 HVK3_LOOP void pick_columns(const unsigned char* row, const ColumnBlends& blends,
                             PickedColumns& picked) {
-  for (std::size_t x = 0; x < blends.size * kBlendedTogether; ++x) {
-    const unsigned char* const first = row + blends.first[x];
-    picked.first[x] = first[0];
-    picked.second[x] = first[1];
+  for (std::size_t i = 0; i < blends.size; ++i) {
+    for (std::size_t x = i * kBlendedTogether; x < (i + 1) * kBlendedTogether; ++x) {
+      const unsigned char* const first = row + blends.first[x];
+      picked.first[x] = first[0];
+      picked.second[x] = first[1];
+    }
   }
 }
 
