@@ -46,12 +46,12 @@ class FaultSweep : public testing::TestWithParam<Scenario> {
 TEST_P(FaultSweep, WithoutAFaultEverythingIsAsPredicted) { run({Attempt()}); }
 
 TEST_P(FaultSweep, AFaultOfAnyCallHasThePredictedEnd) {
-  constexpr std::size_t kRuns = 8;
+  constexpr std::size_t kRuns = 30;
   run(sample(sweep.single_faults(), kRuns, GetParam().name));
 }
 
 TEST_P(FaultSweep, ASecondFaultDuringRecoveryHasThePredictedEnd) {
-  constexpr std::size_t kRuns = 1;
+  constexpr std::size_t kRuns = 6;
   run(sample(sweep.double_faults(), kRuns, GetParam().name));
 }
 

@@ -45,7 +45,7 @@ class Completion : public Tool {
 
   /// The options that a help describes.
   static WordSet options(const std::string& help) {
-    return matches(help, "\n  (?:-[a-z],)?(--[a-z]+)");
+    return matches(help, "\n  (?:-[a-z],)?(--[a-z-]+)");
   }
 
   /// Every command with the words that lead to it, the tool itself included.

@@ -12,13 +12,15 @@ constexpr char kExamples[] =
     "  hvk3 capture --out finger.png --show     wait for a finger, keep its settled image\n"
     "  hvk3 capture --mode live --count 100     take 100 frames, whatever they show\n"
     "  hvk3 capture --set red-led=on            with the red LED on meanwhile\n"
+    "  hvk3 capture --keep-going --timeout 0    also across unpluggings\n"
     "  hvk3 capture --simulate --script - --out finger.png\n"
     "                                           steer a simulated finger in words\n"
     "In plain mode no finger is found while low-contrast is on.\n";
 
 void capture(Context& context, eMode mode) {
   const Options& options = context.options();
-  Settling settling(mode == eMode::Live ? 1 : options.settle);
+  const unsigned int settle = mode == eMode::Live ? 1 : options.settle;
+  Settling settling(settle);
   unsigned int delivered = 0;
   const auto take = [&](Image image) {
     if (const std::optional<Image> settled = settling.add(std::move(image))) {
@@ -26,7 +28,14 @@ void capture(Context& context, eMode mode) {
     }
     return delivered == options.count;
   };
-  run_capture(context, {mode == eMode::Live ? eCaptureLive : eCapturePlain, take, {}});
+  const auto prepare_again = [&] {
+    choose_scanner(context.grabber(), options.device);
+    apply(context.grabber(), options.settings);
+    settling = Settling(settle);  // the finger will lie differently
+  };
+  run_capture(context, {.mode = mode == eMode::Live ? eCaptureLive : eCapturePlain,
+                        .take = take,
+                        .prepare_again = prepare_again});
 }
 
 void run(Context& context) {
@@ -45,6 +54,7 @@ void add_options(CLI::App& app, Options& options) {
   add_image_options(app, options);
   add_capture_options(app, options);
   add_timeout_option(app, options);
+  add_keep_going_option(app, options);
 }
 
 }  // namespace

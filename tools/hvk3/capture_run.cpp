@@ -1,10 +1,14 @@
 #include "hvk3/capture_run.h"
 
+#include <algorithm>
 #include <chrono>
+#include <optional>
 #include <string_view>
+#include <vector>
 
 #include "hvk3/capture_session.h"
 #include "hvk3/interruption.h"
+#include "hvk3/scanner.h"
 
 namespace hvk3 {
 namespace {
@@ -15,26 +19,33 @@ using Clock = std::chrono::steady_clock;
 class CaptureRun {
  public:
   CaptureRun(Context& context, const CaptureTask& task)
-      : m_cContext(context),
-        m_cTask(task),
-        m_cInterruption(m_cWakeup),
-        m_cSession(context.grabber(), task.mode, m_cWakeup, task.observe) {}
+      : m_cContext(context), m_cTask(task), m_cInterruption(m_cWakeup) {}
 
   void run();
 
  private:
+  void start();
+  [[nodiscard]] bool completes(const Wakeup::Deadline& deadline);
+  void come_back(const Wakeup::Deadline& deadline);
+  [[nodiscard]] bool starts_again();
+  void wait_for_scanner(const Wakeup::Deadline& deadline);
+  bool is_worth_waiting(const Failure& failure);
+  bool is_listed();
   void collect(const Wakeup::Deadline& deadline);
   bool hand_over();
-  void tell(const Progress& progress);
+  void tell();
+  Progress whole_progress() const;
   void summarise(Clock::duration duration);
 
   Context& m_cContext;
   const CaptureTask& m_cTask;
   Wakeup m_cWakeup;
   Interruption m_cInterruption;
-  CaptureSession m_cSession;
+  std::optional<CaptureSession> m_cSession;
+  Progress m_cPast;             // of the sessions before this one
   std::size_t m_nWarnings = 0;  // told so far
   bool m_bRunning = false;      // the user knows that capture runs
+  unsigned int m_nComebacks = 0;
 };
 
 /// The error callback's text is "<text> error: <number>".
@@ -49,10 +60,12 @@ Failure to_failure(const std::string& callback_text) {
 
 void CaptureRun::run() {
   const auto begin = Clock::now();
-  m_cSession.start();
+  start();
+  const Wakeup::Deadline deadline = deadline_after(m_cContext.options().timeout);
   try {
-    collect(deadline_after(m_cContext.options().timeout));
-    m_cSession.stop();
+    while (!completes(deadline)) {
+      come_back(deadline);
+    }
   } catch (...) {
     summarise(Clock::now() - begin);
     throw;
@@ -60,10 +73,86 @@ void CaptureRun::run() {
   summarise(Clock::now() - begin);
 }
 
+void CaptureRun::start() {
+  m_bRunning = false;
+  m_cSession.emplace(m_cContext.grabber(), m_cTask.mode, m_cWakeup, m_cTask.observe);
+  m_cSession->start();
+}
+
+/// @return false when the scanner has gone and may come back
+bool CaptureRun::completes(const Wakeup::Deadline& deadline) {
+  try {
+    collect(deadline);
+    m_cSession->stop();
+    return true;
+  } catch (const Failure& failure) {
+    if (!is_worth_waiting(failure)) {
+      throw;
+    }
+    m_cContext.console().message(std::string("the scanner has gone (") + failure.what() +
+                                 "); waiting for one");
+    return false;
+  }
+}
+
+/// A frame grabber that was got anew has no memory of the scanner that went, whatever call was
+/// under way then.
+void CaptureRun::come_back(const Wakeup::Deadline& deadline) {
+  do {
+    m_cPast = whole_progress();
+    m_cSession.reset();
+    m_cContext.plugin().get_anew();
+    wait_for_scanner(deadline);
+  } while (!starts_again());
+  ++m_nComebacks;
+  m_cContext.console().message("a scanner is there again");
+}
+
+bool CaptureRun::starts_again() {
+  try {
+    m_cTask.prepare_again();
+    start();
+    return true;
+  } catch (const Failure& failure) {
+    if (!is_worth_waiting(failure)) {
+      throw;
+    }
+    return false;  // it went again
+  }
+}
+
+void CaptureRun::wait_for_scanner(const Wakeup::Deadline& deadline) {
+  constexpr std::chrono::milliseconds kPeriod(200);
+  do {
+    const auto next = Clock::now() + kPeriod;
+    (void)m_cWakeup.wait(deadline ? std::min(*deadline, next) : next);
+    m_cInterruption.check();
+    if (deadline && Clock::now() >= *deadline) {
+      throw Failure(ExitStatus::Timeout, "no scanner came back in time");
+    }
+  } while (!is_listed());
+}
+
+/// Whatever the number: the operation that met the unplugging gave its own.
+bool CaptureRun::is_worth_waiting(const Failure& failure) {
+  const bool keeps_going = m_cContext.options().keep_going && m_cTask.prepare_again;
+  return keeps_going && (failure.status() == ExitStatus::NoScanner ||
+                         (failure.number().has_value() && !is_listed()));
+}
+
+/// Whether the scanner that the user wants is there.
+bool CaptureRun::is_listed() {
+  const std::optional<unsigned int>& wanted = m_cContext.options().device;
+  const std::vector<ListedScanner> scanners = list_scanners(m_cContext.grabber());
+  return std::any_of(scanners.begin(), scanners.end(), [&](const ListedScanner& scanner) {
+    return scanner.interface == wanted.value_or(scanner.interface);
+  });
+}
+
 void CaptureRun::collect(const Wakeup::Deadline& deadline) {
   while (true) {
-    const Progress progress = m_cSession.progress();
-    tell(progress);
+    const Progress progress = m_cSession->progress();
+    tell();
     if (hand_over()) {
       return;
     }
@@ -79,7 +168,7 @@ void CaptureRun::collect(const Wakeup::Deadline& deadline) {
 
 /// @return true when the task has enough
 bool CaptureRun::hand_over() {
-  while (std::optional<Image> image = m_cSession.take()) {
+  while (std::optional<Image> image = m_cSession->take()) {
     if (m_cTask.take(std::move(*image))) {
       return true;
     }
@@ -87,7 +176,8 @@ bool CaptureRun::hand_over() {
   return false;
 }
 
-void CaptureRun::tell(const Progress& progress) {
+void CaptureRun::tell() {
+  const Progress progress = whole_progress();
   Console& console = m_cContext.console();
   if (progress.running && !m_bRunning) {
     m_bRunning = true;
@@ -100,13 +190,28 @@ void CaptureRun::tell(const Progress& progress) {
                    std::to_string(progress.fingers) + " finger images");
 }
 
+/// What all sessions together have had.
+Progress CaptureRun::whole_progress() const {
+  if (!m_cSession) {
+    return m_cPast;
+  }
+  Progress whole = m_cSession->progress();
+  whole.frames += m_cPast.frames;
+  whole.fingers += m_cPast.fingers;
+  whole.warnings.insert(whole.warnings.begin(), m_cPast.warnings.begin(), m_cPast.warnings.end());
+  return whole;
+}
+
 void CaptureRun::summarise(Clock::duration duration) {
-  const Progress progress = m_cSession.progress();
+  const Progress progress = whole_progress();
   Report& report = m_cContext.report();
   report["frames"] = progress.frames;
   report["finger_images"] = progress.fingers;
   report["seconds"] = std::chrono::duration<double>(duration).count();
   report["warnings"] = progress.warnings;
+  if (m_cTask.prepare_again) {
+    report["comebacks"] = m_nComebacks;
+  }
 }
 
 }  // namespace

@@ -150,6 +150,11 @@ void add_timeout_option(CLI::App& command, Options& options) {
       ->capture_default_str();
 }
 
+void add_keep_going_option(CLI::App& command, Options& options) {
+  command.add_flag("--keep-going", options.keep_going,
+                   "When the scanner is unplugged, wait until one is there again and go on");
+}
+
 void add_setting_option(CLI::App& command, Options& options) {
   const auto assign = [&options](const std::vector<std::string>& words) {
     for (const std::string& word : words) {

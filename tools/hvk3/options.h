@@ -34,7 +34,8 @@ struct Options {
   eMode mode = eMode::Plain;
   unsigned int count = 1;
   unsigned int settle = 10;
-  double timeout = 30.0;  ///< seconds, 0 for none
+  double timeout = 30.0;    ///< seconds, 0 for none
+  bool keep_going = false;  ///< across unpluggings
 
   std::vector<Setting> settings;  ///< properties to set first
   unsigned int level = 1;         ///< security level of fake finger detection
@@ -61,6 +62,7 @@ void add_image_options(CLI::App& command, Options& options);
 void add_capture_options(CLI::App& command, Options& options);
 void add_count_option(CLI::App& command, Options& options, const std::string& description);
 void add_timeout_option(CLI::App& command, Options& options);
+void add_keep_going_option(CLI::App& command, Options& options);
 void add_setting_option(CLI::App& command, Options& options);
 void add_property_names(CLI::App& command, Options& options);
 void add_property_value(CLI::App& command, Options& options);

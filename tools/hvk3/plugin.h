@@ -23,6 +23,10 @@ class Plugin {
 
   Osv::lx::ClFramegrabber& grabber() { return *m_pGrabber; }
 
+  /// Gives the frame grabber back and gets it anew, so that it forgets its scanner and its
+  /// properties. References to the one before are void.
+  void get_anew();
+
   /// A further function of the plug-in, of the type that the caller knows.
   /// @throws Failure `PluginUnavailable` when the plug-in has none
   template <class Function>
@@ -36,6 +40,7 @@ class Plugin {
  private:
   std::string m_sName;
   SharedLibrary m_cLibrary;
+  Osv::lx::GetFrameGrabberFunction m_pfnGet;
   Osv::lx::DestroyFrameGrabberFunction m_pfnDestroy;
   Osv::lx::ClFramegrabber* m_pGrabber;
 };
