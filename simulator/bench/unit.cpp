@@ -58,8 +58,10 @@ void Unit::take_frame(const Exposure& exposure, const Platen& platen, unsigned c
   }
   std::vector<unsigned char> full(std::size_t{kRawWidth} * kRawHeight);
   frames().fill(exposure, platen, full.data());
-  for (int y = seen.top; y < seen.top + seen.height; ++y, buffer += seen.width) {
-    std::copy_n(full.data() + y * kRawWidth + seen.left, seen.width, buffer);
+  const unsigned char* row =
+      full.data() + std::size_t{kRawWidth} * static_cast<std::size_t>(seen.top) + seen.left;
+  for (int y = 0; y < seen.height; ++y, row += kRawWidth, buffer += seen.width) {
+    std::copy_n(row, seen.width, buffer);
   }
 }
 
