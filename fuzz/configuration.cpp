@@ -147,6 +147,9 @@ void compare_absent(const CXConfigFile& file, const Sections& expected) {
   const std::string absent = "no such name\n";  // no line can name it
   require(!expected.contains(absent) && file[absent][absent].empty(), "it is not there");
   require(refusal([&] { (void)file.GetMandatory(absent); }) == kSectionMissing, "it is missed");
+  CXConfigFile grown = file;
+  require(refusal([&] { grown.GetMandatory(absent); }) == kSectionMissing, "it is missed");
+  require(grown[absent][absent].empty() && saved(grown.GetMandatory(absent)).empty(), "it is made");
   std::string text;
   const CXConfigSection section(absent);
   require(refusal([&] { section.ReadValue(absent, text); }) == kParameterMissing, "it is missed");

@@ -148,6 +148,23 @@ def feature_records():
             yield f"numbers {version} {options}", b"\5" + struct.pack("<HI", version, options)
 
 
+def device():
+    every = bytes(value for operation in range(27) for value in (operation, operation * 9 % 256))
+
+    def script(operations, faults=(), absent=0, memory=b""):
+        content = bytes((absent, 0, 12, 9, len(memory))) + memory + bytes((len(operations) // 2,)) + operations
+        return content + b"".join(struct.pack("<BBI", *fault) for fault in faults)
+
+    yield "every", script(every)
+    yield "every twice", script(every + every)
+    yield "with a block", script(every, memory=calibration_block(b"d" * 60))
+    for absent in (1, 2, 4):
+        yield f"without {absent}", script(every, absent=absent)
+    for kind in range(4):
+        for calls in range(0, 40, 3):
+            yield f"fault {kind} at {calls}", script(every + every, [(calls, kind, calls * 4), (4, kind, 8), (7, 0, 28)])
+
+
 # Operations of a session by their place in its client's table.
 (
     INFO, VERSION, LAST_ERROR, CAMERA, IMAGE, START, STOP, FILTER, SET, GET, SET_EX, GET_EX, FREEZE, GO_ON, LISTS, EVENTS,
@@ -383,6 +400,7 @@ TARGETS = {
     "calibration_memory": calibration_memory,
     "configuration": configuration,
     "detection": detection,
+    "device": device,
     "feature_records": feature_records,
     "picture_file": picture_file,
     "scenario": scenario,

@@ -78,10 +78,11 @@ class Mutator {
     }
   }
 
+  /// Another byte, or one that differs in a bit.
   void change(Content& content, std::size_t position) {
     if (!content.empty()) {
-      content[position] = below(2) == 0 ? static_cast<std::uint8_t>(m_random())
-                                        : content[position] ^ (1U << below(8));
+      const std::size_t other = below(2) == 0 ? m_random() : content[position] ^ (1U << below(8));
+      content[position] = static_cast<std::uint8_t>(other);
     }
   }
 
