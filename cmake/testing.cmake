@@ -56,8 +56,26 @@ function(hvk3_tests name)
   target_compile_options(${name} PRIVATE ${HVK3_TEST_OPTIONS})
   target_precompile_headers(${name} REUSE_FROM hvk3_test_common_headers)
   target_link_libraries(${name} PRIVATE GTest::gmock GTest::gtest_main ${CMAKE_DL_LIBS})
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST
-                       PROPERTIES TIMEOUT 120 LABELS ${label} ENVIRONMENT "${arg_ENVIRONMENT}")
+  if(HVK3_SANITIZE)
+    hvk3_shards(${name} ${label} "${arg_ENVIRONMENT}")
+  else()
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST
+                         PROPERTIES TIMEOUT 120 LABELS ${label} ENVIRONMENT "${arg_ENVIRONMENT}")
+  endif()
+endfunction()
+
+# A program's tests in a few processes: with a sanitizer it takes longer to start a program than to
+# run one of its tests, and there every test has some thousand neighbours to disturb.
+function(hvk3_shards name label environment)
+  set(count 4)
+  foreach(number RANGE 1 ${count})
+    math(EXPR index "${number} - 1")
+    add_test(NAME ${name}.${number}Of${count} COMMAND ${name} --gtest_brief=1)
+    set_tests_properties(
+      ${name}.${number}Of${count}
+      PROPERTIES TIMEOUT 600 LABELS ${label} ENVIRONMENT
+                 "GTEST_TOTAL_SHARDS=${count};GTEST_SHARD_INDEX=${index};${environment}")
+  endforeach()
 endfunction()
 
 # The same with the simulator's bench, and a dlopen of the test's own: see
