@@ -118,7 +118,8 @@ class LastInput {
     const std::uint32_t size = static_cast<std::uint32_t>(content.size());
     if (m_pBytes != MAP_FAILED && size <= kLongest - sizeof(size)) {
       std::memcpy(m_pBytes, &size, sizeof(size));
-      std::memcpy(static_cast<char*>(m_pBytes) + sizeof(size), content.data(), size);
+      std::copy(content.begin(), content.end(),
+                static_cast<Content::value_type*>(m_pBytes) + sizeof(size));
     }
   }
 
