@@ -276,6 +276,7 @@ def scenario():
         "frobnicate", "roll up over 3 frames", "roll right over 0 frames", "print", "pace 1001", "plug 128", "secret 0123 at 0",
         "unplug 9", "led green on at 9", "picture nothing.png", "picture 'no thing'", "wait 3 calls of nothing", "fault nonsense", "kind 'live'",
         "show 'unended", "finger on 'x", "wait 1 call of Calibrate", "busy for 1 frame", "pace 1\0", "dirt 101",
+        "pace 99999999999999999999", "print 4294967296",
     )):
         yield f"bad {number}", b"\0" + line.encode()
         yield f"bad said {number}", b"\1" + line.encode()

@@ -30,7 +30,7 @@ bool is_documented(long number, Transcript::Numbers documented) {
 }
 
 /// A number that has the reported bit itself looks the same with it or without.
-bool is_reported(unsigned long result, Transcript::Numbers documented) {
+bool is_documented_result(unsigned long result, Transcript::Numbers documented) {
   const unsigned long without = result & ~lx::error_number::ReportedBit;
   return is_documented(static_cast<long>(without), documented) ||
          is_documented(static_cast<long>(result), documented);
@@ -39,19 +39,16 @@ bool is_reported(unsigned long result, Transcript::Numbers documented) {
 }  // namespace
 
 void Transcript::result(const char* operation, unsigned long result, Numbers documented) {
-  m_text += std::string(operation) + ' ' + std::to_string(result) + '\n';
-  require(result == 0 ||
-              ((result & lx::error_number::ReportedBit) != 0 && is_reported(result, documented)),
-          (std::string("the result is documented: ") +
-           m_text.substr(m_text.find_last_of('\n', m_text.size() - 2) + 1))
-              .c_str());
+  const bool reported = result == 0 || (result & lx::error_number::ReportedBit) != 0;
+  require(reported, (std::string("the result is a reported one: ") + operation).c_str());
+  bare_result(operation, result, documented);
 }
 
 void Transcript::bare_result(const char* operation, unsigned long result, Numbers documented) {
-  m_text += std::string(operation) + ' ' + std::to_string(result) + '\n';
-  require(result == 0 || is_reported(result, documented),
-          (std::string("the number is documented: ") + operation + ' ' + std::to_string(result))
-              .c_str());
+  const std::string line = std::string(operation) + ' ' + std::to_string(result);
+  m_text += line + '\n';
+  require(result == 0 || is_documented_result(result, documented),
+          ("the result is documented: " + line).c_str());
 }
 
 void Transcript::error(const std::string& text, Numbers documented) {
