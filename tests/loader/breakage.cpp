@@ -80,29 +80,30 @@ void write_broken(const Breakage& breakage, const std::string& path) {
 }  // namespace
 
 std::string Breakage::in_words() const {
-  constexpr std::array kWords = {"Without", "ThatIsAbsent",          "ThatIsEmpty",
-                                 "OfText",  "MadeForAnotherMachine", "MadeFor32Bits"};
-  const std::string name = library.substr(3, library.size() - 6);
+  constexpr std::array kWords = {"without ",   "absent", "empty", "of text", "for another machine",
+                                 "for 32 bits"};
   const std::string lack = how == eHow::Lacks ? simulator::name_of(function) : "";
-  return name + kWords[static_cast<std::size_t>(how)] + lack;
+  return library + ' ' + kWords[static_cast<std::size_t>(how)] + lack;
 }
 
-std::vector<Breakage> all_breakages() {
+std::vector<std::string> all_libraries() { return {kScanner, kEngine, kDetector, kLog}; }
+
+std::vector<Breakage> breakages_of(const std::string& library) {
   std::vector<Breakage> all;
   for (std::size_t i = 0; i < simulator::kFunctionCount; ++i) {
     const auto function = static_cast<eFunction>(i);
-    all.push_back({library_of(function), eHow::Lacks, function});
-  }
-  for (const char* const library : {kScanner, kEngine, kDetector, kLog}) {
-    for (const eHow how :
-         {eHow::Absent, eHow::Empty, eHow::Text, eHow::OtherMachine, eHow::OtherClass}) {
-      all.push_back({library, how});
+    if (library_of(function) == library) {
+      all.push_back({library, eHow::Lacks, function});
     }
+  }
+  for (const eHow how :
+       {eHow::Absent, eHow::Empty, eHow::Text, eHow::OtherMachine, eHow::OtherClass}) {
+    all.push_back({library, how});
   }
   return all;
 }
 
-bool is_log(const Breakage& breakage) { return breakage.library == kLog; }
+bool is_log(const std::string& library) { return library == kLog; }
 
 bool is_usable(const Breakage& breakage) {
   return breakage.how == eHow::Lacks &&

@@ -27,15 +27,17 @@ struct Breakage {
   eHow how = {};
   simulator::eFunction function = {};  ///< that is lacking
 
-  /// As in "KR9ScanAPIWithoutftrScanGetFrame".
+  /// As in "without ftrScanGetFrame".
   std::string in_words() const;
 };
 
-/// Each library without each of its functions, and as each kind of file that is none.
-std::vector<Breakage> all_breakages();
+std::vector<std::string> all_libraries();
 
-/// A library whose lack is noticed by nobody: the log's.
-bool is_log(const Breakage& breakage);
+/// The library without each of its functions, and as each kind of file that is none.
+std::vector<Breakage> breakages_of(const std::string& library);
+
+/// The library whose lack is noticed by nobody.
+bool is_log(const std::string& library);
 
 /// Whether the library can be opened and used, with fewer functions.
 bool is_usable(const Breakage& breakage);
