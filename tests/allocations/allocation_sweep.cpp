@@ -3,6 +3,7 @@
 #include <exception>
 #include <new>
 #include <numeric>
+#include <optional>
 #include <set>
 #include <utility>
 
@@ -88,64 +89,81 @@ AllocationSweep::Run AllocationSweep::run(const Attempt& attempt) {
 /// too.
 std::string AllocationSweep::pass(const Attempt& attempt) {
   faults::lay_out(m_sScenario);
-  Explanations explanations = {DriverModel(m_sScenario, m_dScore)};
   const faults::Threads before = faults::threads();
   const Shortage shortage(attempt.first, attempt.lasting);
-  std::string findings;
+  Pass pass = {.lasting = attempt.lasting, .explanations = {DriverModel(m_sScenario, m_dScore)}};
   try {
-    Client client;
-    if (!Shortage::failures(0).empty()) {
-      explanations.push_back(explanations.front());
-      explanations.back().make_dummy();
-      m_sEnd = "a frame grabber that is none, or has no log";
-    }
-    findings = do_steps(client, explanations);
-    Shortage::pause();
-    findings += check_locks(client, explanations);
-    Shortage::go_on();
-    client.destroy();
-    findings += client.stray_callbacks() == 0 ? "" : "  callbacks came when nothing was captured\n";
-  } catch (const std::bad_alloc&) {
-    // Getting the frame grabber may end so, when there is no memory for the report of it either.
-    m_sEnd = m_sEnd.empty() ? "std::bad_alloc out of GetFrameGrabber" : m_sEnd;
-    findings += attempt.lasting ? "" : "  getting the frame grabber lets std::bad_alloc out\n";
+    be_client(pass);
+  } catch (const std::exception& failure) {
+    pass.findings += std::string("  the plug-in lets out: ") + failure.what() + "\n";
   }
   Shortage::pause();
   m_nAllocations = attempt.first == 0 ? Shortage::allocations() : m_nAllocations;
-  findings += check_end(explanations);
-  findings += faults::are_all(before) ? "" : "  a thread is left\n";
-  return findings;
+  pass.findings += check_end(pass.explanations);
+  pass.findings += faults::are_all(before) ? "" : "  a thread is left\n";
+  return pass.findings;
 }
 
-std::string AllocationSweep::do_steps(Client& client, Explanations& explanations) {
-  std::string findings;
-  for (std::size_t i = 0; i < m_sScenario.steps.size() && findings.empty(); ++i) {
-    Shortage::begin_step(i + 1);
-    findings = do_step(client, i, explanations);
+void AllocationSweep::be_client(Pass& pass) {
+  std::optional<Client> client;
+  get_grabber(pass, [&] { client.emplace(); });
+  if (pass.has_grabber && !Shortage::failures(0).empty()) {
+    pass.explanations.push_back(pass.explanations.front());
+    pass.explanations.back().make_dummy();
+    m_sEnd = "a frame grabber that is none, or has no log";
   }
-  return findings;
+  for (std::size_t i = 0; i < m_sScenario.steps.size() && pass.goes_on(); ++i) {
+    Shortage::begin_step(i + 1);
+    do_step(*client, i, pass);
+  }
+  if (pass.goes_on()) {
+    Shortage::pause();
+    check_locks(*client, pass);
+    Shortage::go_on();
+    client->destroy();
+    pass.findings += client->stray_callbacks() == 0 ? "" : "  a callback came out of place\n";
+  }
 }
 
-/// @param explanations in and out; those that do not fit what the client sees go
-std::string AllocationSweep::do_step(Client& client, std::size_t index,
-                                     Explanations& explanations) {
-  const Step& step = m_sScenario.steps[index];
-  std::string line;
+/// Getting the frame grabber may let std::bad_alloc out, when there is no memory for the report of
+/// it either.
+template <typename Get>
+void AllocationSweep::get_grabber(Pass& pass, Get get) {
   try {
-    line = client.run(step);
-  } catch (const std::exception& failure) {
-    if (gets_grabber(step)) {
-      for (DriverModel& model : explanations) {
-        model.destroy();
-      }
+    get();
+  } catch (const std::bad_alloc&) {
+    if (!pass.lasting) {
       throw;
     }
-    return "  step " + std::to_string(index + 1) + " lets out: " + failure.what() + "\n";
+    m_sEnd = m_sEnd.empty() ? "std::bad_alloc out of GetFrameGrabber" : m_sEnd;
+    pass.has_grabber = false;
   }
-  const std::vector<FailedAllocation> failures = Shortage::failures(index + 1);
+}
+
+void AllocationSweep::do_step(Client& client, std::size_t index, Pass& pass) {
+  const Step& step = m_sScenario.steps[index];
+  std::string line;
+  const auto run = [&] { line = client.run(step); };
+  if (gets_grabber(step)) {
+    get_grabber(pass, run);
+  } else {
+    run();
+  }
+  if (pass.has_grabber) {
+    explain(step, line, Shortage::failures(index + 1), pass);
+  } else {
+    for (DriverModel& model : pass.explanations) {
+      model.destroy();
+    }
+  }
+}
+
+/// Explanations that do not fit what the client has seen go.
+void AllocationSweep::explain(const Step& step, const std::string& line,
+                              const std::vector<FailedAllocation>& failures, Pass& pass) {
   std::set<std::string> predicted;
   Explanations fitting;
-  for (const DriverModel& model : explanations) {
+  for (const DriverModel& model : pass.explanations) {
     for (const Explanation& way : ways_of(model, step, failures)) {
       const std::string wrong = faults::check_counts(way.model.answers());
       if (wrong.empty() && faults::difference(line, way.line).empty()) {
@@ -156,29 +174,30 @@ std::string AllocationSweep::do_step(Client& client, std::size_t index,
       }
     }
   }
-  if (!fitting.empty()) {
-    explanations = std::move(fitting);
-    return "";
+  if (fitting.empty()) {
+    pass.findings +=
+        std::accumulate(predicted.begin(), predicted.end(), "  " + line + "\n  and not one of\n");
+  } else {
+    pass.explanations = std::move(fitting);
   }
-  return std::accumulate(predicted.begin(), predicted.end(), "  " + line + "\n  and not one of\n");
 }
 
 /// A lock that somebody still holds is one that another thread does not get.
-std::string AllocationSweep::check_locks(Client& client, Explanations& explanations) {
+void AllocationSweep::check_locks(Client& client, Pass& pass) const {
   const Step step = {faults::eStep::List};
   const std::string line = client.run_elsewhere(step);
   std::string findings;
   bool fits = false;
-  for (DriverModel& model : explanations) {
+  for (DriverModel& model : pass.explanations) {
     const std::string wrong = faults::difference(line, model.run(step));
     fits = fits || wrong.empty();
     findings += wrong;
     model.destroy();
   }
-  return fits ? "" : findings;
+  pass.findings += fits ? "" : findings;
 }
 
-std::string AllocationSweep::check_end(const Explanations& explanations) const {
+std::string AllocationSweep::check_end(const Explanations& explanations) {
   std::string findings;
   for (const DriverModel& model : explanations) {
     const std::string wrong = faults::check_counts(model.answers()) + faults::check_census(model);

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "allocations/shortage.h"
 #include "faults/deadline.h"
 #include "faults/driver_model.h"
 #include "faults/scenario.h"
@@ -49,6 +50,16 @@ class AllocationSweep {
   /// What the client may have seen up to now, one for each way that explains it.
   using Explanations = std::vector<faults::DriverModel>;
 
+  /// What has come of a client by now.
+  struct Pass {
+    bool lasting = false;
+    Explanations explanations;
+    std::string findings = {};
+    bool has_grabber = true;
+
+    bool goes_on() const { return has_grabber && findings.empty(); }
+  };
+
   struct Run {
     std::string findings;
     long growth = 0;  ///< blocks of memory that are there behind it and were not before
@@ -56,10 +67,14 @@ class AllocationSweep {
 
   Run run(const Attempt& attempt);
   std::string pass(const Attempt& attempt);
-  std::string do_steps(faults::Client& client, Explanations& explanations);
-  std::string do_step(faults::Client& client, std::size_t index, Explanations& explanations);
-  std::string check_locks(faults::Client& client, Explanations& explanations);
-  std::string check_end(const Explanations& explanations) const;
+  void be_client(Pass& pass);
+  template <typename Get>
+  void get_grabber(Pass& pass, Get get);
+  void do_step(faults::Client& client, std::size_t index, Pass& pass);
+  void explain(const faults::Step& step, const std::string& line,
+               const std::vector<FailedAllocation>& failures, Pass& pass);
+  void check_locks(faults::Client& client, Pass& pass) const;
+  static std::string check_end(const Explanations& explanations);
 
   const test::ConfigurationFile m_cConfiguration;
   const faults::Scenario& m_sScenario;

@@ -113,8 +113,6 @@ namespace Osv::faults {
 
 std::optional<long> live_blocks() { return std::nullopt; }
 
-void refuse_allocations(Refusal /*refuses*/) {}
-
 }  // namespace Osv::faults
 
 #endif

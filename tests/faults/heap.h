@@ -15,8 +15,7 @@ std::optional<long> live_blocks();
 /// @param caller the place that the block goes to
 using Refusal = bool (*)(const void* caller);
 
-/// Has every allocation of this process decided, null for none. Nothing is asked where a sanitizer
-/// allocates.
+/// Has every allocation of this process decided, null for none.
 void refuse_allocations(Refusal refuses);
 
 }  // namespace Osv::faults
