@@ -136,13 +136,14 @@ void ClFrameGrabberChannel::SendError(const char* text, long number) {
   const char* const words = text == nullptr ? kNamelessFailure : text;
   std::string message;
   std::array<char, kPlainTextSize> plain;
-  const char* told = plain.data();
+  const char* told = nullptr;
   try {
     message = std::string(words) + " error: " + std::to_string(number);
     told = message.c_str();
   } catch (const std::bad_alloc&) {
     // The client is told all the same. Only words that no failure of this system has are cut.
     std::snprintf(plain.data(), plain.size(), "%.*s error: %ld", kPlainWords, words, number);
+    told = plain.data();
   }
   m_pfnError(m_nHandle, m_nChannel, told, m_pUserData);
 }

@@ -125,7 +125,7 @@ void break_library(const Breakage& breakage, ClosedLibraries& libraries,
 std::string loader_text(const Breakage& breakage) {
   void* const library = dlopen(breakage.library.c_str(), RTLD_NOW);
   if (library != nullptr) {
-    dlsym(library, simulator::name_of(breakage.function));
+    (void)dlsym(library, simulator::name_of(breakage.function));
   }
   const char* const text = dlerror();
   const std::string kept = text == nullptr ? "" : text;
