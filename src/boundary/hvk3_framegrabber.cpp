@@ -84,7 +84,8 @@ unsigned long ClOstrevanHVK3Framegrabber::FreeImage(unsigned char* image) {
 }
 
 unsigned long ClOstrevanHVK3Framegrabber::GetLastError(char* text, unsigned long& size) {
-  return Translated([&] { return BoundaryResult(StringCpy(LastErrorText().c_str(), text, size)); });
+  return WithLastErrorText(
+      [&](const char* stored) { return BoundaryResult(StringCpy(stored, text, size)); });
 }
 
 unsigned long ClOstrevanHVK3Framegrabber::SetCamera(unsigned int channel, eCameraIDs camera,

@@ -1,8 +1,7 @@
 #include "boundary/version.h"
 
 #include <cstring>
-#include <locale>
-#include <sstream>
+#include <string>
 
 #include "ostrevanhvk3/errors.h"
 
@@ -10,10 +9,9 @@ namespace Osv::lx {
 
 ClVersion::ClVersion(int major, int minor, int build, int revision)
     : m_nMajor(major), m_nMinor(minor), m_nBuild(build), m_nRevision(revision) {
-  std::ostringstream text;
-  text.imbue(std::locale::classic());  // a client's locale may group digits
-  text << m_nMajor << '.' << m_nMinor << '.' << m_nBuild << '.' << m_nRevision;
-  m_sVersion = text.str();
+  // No stream: without memory it would give a shorter text and not say so.
+  m_sVersion = std::to_string(m_nMajor) + '.' + std::to_string(m_nMinor) + '.' +
+               std::to_string(m_nBuild) + '.' + std::to_string(m_nRevision);
 }
 
 unsigned long ClVersion::Version(char* buffer, unsigned long& size) const {

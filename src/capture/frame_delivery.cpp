@@ -1,9 +1,13 @@
 // The road of a frame, a failure or a warning from the worker to the client's callbacks.
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
+#include <new>
 #include <string>
 
 #include "capture/capture_channel.h"
+#include "foundation/exceptions.h"
 #include "foundation/image_functions.h"
 
 namespace Osv::lx {
@@ -11,6 +15,10 @@ namespace {
 
 constexpr unsigned long kRowMargin = 50;
 constexpr char kNamelessFailure[] = "Scanner capturing failed";
+
+// A failure's own words, and room for the number behind them.
+constexpr int kPlainWords = static_cast<int>(CXOtherException::kMaxText);
+constexpr std::size_t kPlainTextSize = kPlainWords + 32;
 
 /// Keeps blank images from the client: true when the middle row shows anything but black between
 /// its margins. An image without a pixel between them is blank.
@@ -125,9 +133,19 @@ void ClFrameGrabberChannel::SendError(const char* text, long number) {
   if (m_pfnError == nullptr) {
     return;
   }
-  const std::string message =
-      std::string(text == nullptr ? kNamelessFailure : text) + " error: " + std::to_string(number);
-  m_pfnError(m_nHandle, m_nChannel, message.c_str(), m_pUserData);
+  const char* const words = text == nullptr ? kNamelessFailure : text;
+  std::string message;
+  std::array<char, kPlainTextSize> plain;
+  const char* told = nullptr;
+  try {
+    message = std::string(words) + " error: " + std::to_string(number);
+    told = message.c_str();
+  } catch (const std::bad_alloc&) {
+    // The client is told all the same. Only words that no failure of this system has are cut.
+    std::snprintf(plain.data(), plain.size(), "%.*s error: %ld", kPlainWords, words, number);
+    told = plain.data();
+  }
+  m_pfnError(m_nHandle, m_nChannel, told, m_pUserData);
 }
 
 void ClFrameGrabberChannel::SendWarning(const char* text, long /*number*/) {

@@ -1,6 +1,8 @@
 // The worker thread of a channel, from its start to its end.
 
 #include <boost/make_shared.hpp>
+#include <mutex>
+#include <utility>
 
 #include "capture/capture_channel.h"
 #include "foundation/exceptions.h"
@@ -12,25 +14,46 @@ namespace {
 constexpr int kFreezePollMs = 100;
 constexpr int kNumberOfFamily = 1;  // the facade's number for the same exceptions differs
 
-thread_local bool t_bWorker = false;
-
 /// Marks the calling thread as the worker of a channel. The mark goes before the thread does: the
 /// system gives the number of an ended thread to new ones, a client's among them.
+///
+/// All marks hang together. A thread-local flag would do as well, but the loader ends the process
+/// when it has no memory for a thread's copy of it.
 class WorkerMark {
  public:
   explicit WorkerMark(ClFrameGrabberChannel& channel) : m_Channel(channel) {
-    t_bWorker = true;
     m_Channel.SetCurrentThread();
+    const std::lock_guard<std::mutex> lock(s_cLock);
+    m_pNext = std::exchange(s_pFirst, this);
   }
   WorkerMark(const WorkerMark&) = delete;
   WorkerMark& operator=(const WorkerMark&) = delete;
   ~WorkerMark() {
+    const std::lock_guard<std::mutex> lock(s_cLock);
     m_Channel.m_nThreadId = 0;
-    t_bWorker = false;
+    WorkerMark** link = &s_pFirst;
+    while (*link != this) {
+      link = &(*link)->m_pNext;
+    }
+    *link = m_pNext;
+  }
+
+  /// Whether the calling thread has a mark.
+  static bool IsHere() {
+    const std::lock_guard<std::mutex> lock(s_cLock);
+    const WorkerMark* mark = s_pFirst;
+    while (mark != nullptr && !mark->m_Channel.IsCurrentThread()) {
+      mark = mark->m_pNext;
+    }
+    return mark != nullptr;
   }
 
  private:
+  static inline std::mutex s_cLock;  // guards the next pointers
+  static inline WorkerMark* s_pFirst = nullptr;
+
   ClFrameGrabberChannel& m_Channel;
+  WorkerMark* m_pNext = nullptr;
 };
 
 /// The scanner's section of one pass. Its end may throw, as anything of the scanner, unless another
@@ -48,7 +71,7 @@ class Section {
 
 }  // namespace
 
-bool ClFrameGrabberChannel::IsWorkerThread() { return t_bWorker; }
+bool ClFrameGrabberChannel::IsWorkerThread() { return WorkerMark::IsHere(); }
 
 int ClFrameGrabberChannel::Work() {
   const WorkerMark mark(*this);

@@ -45,6 +45,8 @@ ClOstrevanHVK3SDK::ClOstrevanHVK3SDK(void* context)
       m_cChannels(1, ClOstrevanHVK3Channel()),
       m_pContext(context) {
   RegisterLFCallbacks();
+  // A failure for want of memory is to find room for its text.
+  m_sLastError.reserve(CXOtherException::kMaxText);
   m_cChannels.front().m_nChannel = 1;
 }
 

@@ -168,11 +168,22 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   /// for every other error and closes the scanner when it is gone.
   bool CheckScannerError(unsigned long error);
 
-  /// Stores number and text for the client. @return the number stored
+  /// Stores number and text for the client. A text of up to 1024 characters needs no memory; a
+  /// longer one is cut when there is none. @return the number stored
+  /// @{
   unsigned long SetLastFGError(unsigned long number, const std::string& text);
+  unsigned long SetLastFGError(unsigned long number, const char* text);
+  /// @}
 
   /// The stored text, a copy.
   std::string LastErrorText() const;
+
+  /// What `use` makes of the stored text, which stays as it is meanwhile.
+  template <typename Use>
+  auto WithLastErrorText(Use use) const {
+    const std::lock_guard<std::mutex> lock(m_cErrorLock);
+    return use(m_sLastError.c_str());
+  }
 
   void RegisterLFCallbacks() {}
   void UnregisterLFCallbacks() {}
@@ -251,6 +262,7 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   __FTRSCAN_IMAGE_SIZE ReadImageSize();
   [[noreturn]] void ThrowDeviceError(const char* text);
   [[noreturn]] void Refuse(int number, const char* text);
+  void StoreText(const char* text) noexcept;
 
   unsigned int FakeDetectionThreshold() const;
   void SetFakeFingerDetection(unsigned int value);

@@ -25,8 +25,16 @@ using Guard = std::lock_guard<std::recursive_mutex>;
 
 bool is_known(double score) { return score != 0.0 && !std::isnan(score); }
 
+/// A stream keeps a lack of memory to itself unless told otherwise, and gives a wrong text or
+/// number.
+template <typename Stream>
+void let_out_failures(Stream& stream) {
+  stream.exceptions(std::ios_base::badbit);
+}
+
 std::string to_text(double number) {
   std::ostringstream out;
+  let_out_failures(out);
   out.imbue(std::locale::classic());
   out << number;
   return out.str();
@@ -35,6 +43,7 @@ std::string to_text(double number) {
 /// The number in front of the first zero byte, 0 where there is none.
 double to_number(const std::string& text) {
   std::istringstream in(text.substr(0, text.find('\0')));
+  let_out_failures(in);
   in.imbue(std::locale::classic());
   double number = 0.0;
   in >> number;

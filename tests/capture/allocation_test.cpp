@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstdio>
 #include <cstring>
+#include <string>
 
 #include "capture/hvk3_channel.h"
 #include "detection/images.h"
@@ -84,6 +87,31 @@ TEST(Allocations, APassInARollAllocatesTheWorkingImageAlone) {
 TEST(Allocations, TurningTheFramesAllocatesNothing) {
   int images = 0;
   EXPECT_EQ(allocations_in<ClFrameGrabberChannel>(eCaptureLive, images), 0);
+}
+
+/// What the client is told of a failure with these words and number 23, without memory.
+std::string told_without_memory(const std::string& words) {
+  static std::array<char, 2048> told;
+  ClOstrevanHVK3Channel channel;
+  channel.m_pfnError = [](int, unsigned int, const char* text, void*) {
+    std::snprintf(told.data(), told.size(), "%s", text);
+  };
+  {
+    const test::NoMemory no_memory;
+    channel.SendError(words.c_str(), 23);
+  }
+  return told.data();
+}
+
+TEST(Allocations, WithoutMemoryTheClientIsToldOfTheFailureInFull) {
+  EXPECT_EQ(told_without_memory("KR9 scanner is disconnected from the host, error: 2"),
+            "KR9 scanner is disconnected from the host, error: 2 error: 23");
+  const std::string longest(1024, 'x');
+  EXPECT_EQ(told_without_memory(longest), longest + " error: 23");
+}
+
+TEST(Allocations, WithoutMemoryWordsThatNoFailureHasAreCut) {
+  EXPECT_EQ(told_without_memory(std::string(1025, 'x')), std::string(1024, 'x') + " error: 23");
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "driver/driver_fixture.h"
+#include "foundation/exceptions.h"
+#include "foundation/logging_client.h"
 #include "support/allocations.h"
 
 namespace Osv::lx {
@@ -44,6 +46,38 @@ TEST_F(FrameAllocations, TheDirtyFlagAndTheSwitchOfDetectionAllocateNothing) {
   EXPECT_TRUE(driver.IsDirty(driver.channel()));  // no worker's bitmap was ever shaped
   EXPECT_FALSE(driver.SupressFingerDetection());
   EXPECT_EQ(test::allocations_so_far(), before);
+}
+
+class FailureWithoutMemory : public DriverFixture {
+ protected:
+  // The simulator's log needs memory, too.
+  FailureWithoutMemory() { utilities::ClLoggingFacilityClient::Destroy(); }
+
+  /// The text that is stored of one that a failure brings.
+  std::string stored(const std::string& text) {
+    {
+      const test::NoMemory no_memory;
+      EXPECT_EQ(driver.SetLastFGError(23, text), 23UL);
+    }
+    return driver.LastErrorText();
+  }
+};
+
+TEST_F(FailureWithoutMemory, KeepsItsText) {
+  const std::string longest(1024, 'x');
+  EXPECT_EQ(stored(longest), longest);
+}
+
+TEST_F(FailureWithoutMemory, HasATextThatIsLongerThanAnyCut) {
+  const std::string kept = stored(std::string(5000, 'x'));
+  EXPECT_GE(kept.size(), 1024U);
+  EXPECT_EQ(kept, std::string(kept.size(), 'x'));
+}
+
+TEST_F(FailureWithoutMemory, OfTheScannerIsStillJudged) {
+  const test::NoMemory no_memory;
+  EXPECT_THROW(driver.CheckScannerError(121), ClLXException);
+  EXPECT_THROW(driver.CheckScannerError(2), ClLXException);
 }
 
 }  // namespace

@@ -45,9 +45,33 @@ void Answers::plan(const Incident& incident) {
   }
 }
 
+void Answers::allocate(eThread thread) {
+  if (m_sExhaustion.has_value() && m_sExhaustion->thread == thread && !m_sExhaustion->no_worker &&
+      m_sExhaustion->calls == m_vCalls.size()) {
+    const Failure failure = m_sExhaustion->failure;
+    m_sExhaustion.reset();
+    throw failure;
+  }
+}
+
+bool Answers::lacks_worker() {
+  const bool lacks = m_sExhaustion.has_value() && m_sExhaustion->no_worker &&
+                     m_sExhaustion->calls == m_vCalls.size();
+  if (lacks) {
+    m_sExhaustion.reset();
+  }
+  return lacks;
+}
+
 /// What a call answers is settled by who makes it before the call is counted here, so that an
 /// incident comes behind it.
 Effect Answers::call(eFunction function) {
+  if (m_sExhaustion.has_value()) {
+    allocate(m_sExhaustion->thread);
+  }
+  if (lacks(function)) {
+    throw m_cMissing.at(function);
+  }
   const std::size_t index = simulator::index_of(function);
   ++m_aCounts[index];
   m_vCalls.push_back(function);

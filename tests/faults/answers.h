@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,6 +13,24 @@
 /// What the closed libraries answer, by the words of their contract and the faults of a run.
 
 namespace Osv::faults {
+
+/// How an operation fails.
+struct Failure {
+  long worker_number = 0;
+  long client_number = 0;
+  std::string text;
+};
+
+enum class eThread { Client, Worker };
+
+/// The plug-in's memory runs out.
+struct Exhaustion {
+  std::size_t calls = 0;  ///< so many calls into the closed libraries come before
+  eThread thread = {};
+  Failure failure = {};  ///< that it ends in
+  bool no_worker =
+      false;  ///< it was the worker's own memory: it does not start, and nobody is told
+};
 
 /// A handle of a device as the model has it.
 struct Handle {
@@ -32,6 +51,27 @@ class Answers {
 
   /// The same for an unplugging.
   void plan(const Incident& incident);
+
+  /// Memory runs out once, in the calls that come or in `allocate`.
+  void plan(const Exhaustion& exhaustion) { m_sExhaustion = exhaustion; }
+
+  /// Whether memory has run out as planned.
+  bool has_run_out() const { return !m_sExhaustion.has_value(); }
+
+  /// The plug-in needs memory and calls nobody before and behind. Everywhere else it needs memory
+  /// in front of a call.
+  /// @throws Failure
+  void allocate(eThread thread);
+
+  /// Whether a worker gets no memory to start with.
+  bool lacks_worker();
+
+  /// The library has no such function: who wants to call it fails, and it is not called.
+  void lack(eFunction function, const Failure& failure) { m_cMissing[function] = failure; }
+  bool lacks(eFunction function) const { return m_cMissing.count(function) != 0; }
+
+  /// All functions are there again.
+  void find_all() { m_cMissing.clear(); }
 
   /// A call, with the effect that it has.
   Effect call(eFunction function);
@@ -81,6 +121,8 @@ class Answers {
   std::vector<Unit> m_vUnits;
   Faults m_vFaults;
   std::optional<Incident> m_sIncident;
+  std::optional<Exhaustion> m_sExhaustion;
+  std::map<eFunction, Failure> m_cMissing;
   Counts m_aPlanCounts = {};
   Counts m_aCounts = {};
   std::vector<eFunction> m_vCalls;

@@ -236,7 +236,7 @@ unsigned long Client::list(std::string& value) {
   std::array<DeviceInfo, kRoom> devices = {};
   unsigned long count = devices.size();
   const unsigned long result = m_pGrabber->AvailableDevices(devices.data(), count);
-  for (std::size_t i = 0; i < std::min(count, kRoom); ++i) {
+  for (std::size_t i = 0; result == 0 && i < std::min(count, kRoom); ++i) {
     value += std::to_string(devices[i].nInterface) + ' ';
   }
   return result;

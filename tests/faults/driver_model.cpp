@@ -65,11 +65,11 @@ DriverModel::DriverModel(const Scenario& scenario, double own_score)
 
 // ---- failures
 
-DriverModel::Failure DriverModel::numbered(long number, const std::string& text) {
+Failure DriverModel::numbered(long number, const std::string& text) {
   return {number, number, text.substr(0, kLongestText)};
 }
 
-DriverModel::Failure DriverModel::unnumbered(const std::string& text, long worker_number) {
+Failure DriverModel::unnumbered(const std::string& text, long worker_number) {
   return {worker_number, number::NoNumber, text.substr(0, kLongestText)};
 }
 
@@ -134,6 +134,9 @@ bool DriverModel::is_family(const Handle& handle) {
   if (!m_cAnswers.succeeds(ftrScanGetDeviceInfo, m_cAnswers.error_of(handle)) ||
       !device.has_value() || (device->model != 1 && device->model != 4)) {
     return false;
+  }
+  if (m_cAnswers.lacks(ftrScanGetExtMemorySize)) {
+    return false;  // an older library
   }
   Effect effect;
   if (m_cAnswers.status(ftrScanGetExtMemorySize, m_cAnswers.error_of(handle), effect) == 0) {
@@ -370,6 +373,7 @@ void DriverModel::destroy() {
   }
   close_device();
   m_s = State();
+  m_bDummy = false;
 }
 
 }  // namespace Osv::faults

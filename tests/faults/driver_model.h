@@ -24,6 +24,14 @@ class DriverModel {
   /// Faults of the steps that come, in place of others; their calls count from now on.
   void plan(const Faults& faults) { m_cAnswers.plan(faults); }
   void plan(const Incident& incident) { m_cAnswers.plan(incident); }
+  void plan(const Exhaustion& exhaustion) { m_cAnswers.plan(exhaustion); }
+
+  /// Functions that a library does not have, and all of them again.
+  void lack(eFunction function, const Failure& failure) { m_cAnswers.lack(function, failure); }
+  void find_all() { m_cAnswers.find_all(); }
+
+  /// The client has no frame grabber but an object that tells of a failure, until it gets it again.
+  void make_dummy() { m_bDummy = true; }
 
   /// What the client notes for a step. A `*` stands for any text.
   std::string run(const Step& step);
@@ -37,11 +45,6 @@ class DriverModel {
   unsigned int lost_detectors() const { return m_nLostDetectors; }
 
  private:
-  struct Failure {
-    long worker_number = 0;
-    long client_number = 0;
-    std::string text;
-  };
   struct DetectorFailure : Failure {
     long code = 0;
   };
@@ -136,8 +139,10 @@ class DriverModel {
   std::string read_property_into(const std::string& own, std::size_t room);
 
   // steps
+  std::string run_on_dummy(const Step& step);
   unsigned long run_list(std::string& value);
   unsigned long run_info(std::string& value);
+  void read_info();
   unsigned long run_snap(std::string& value);
   unsigned long contamination(std::string& value);
   unsigned long run_property(const Step& step, std::string& value);
@@ -153,6 +158,7 @@ class DriverModel {
   Answers m_cAnswers;
   State m_s;
   double m_dOwnScore;
+  bool m_bDummy = false;
   bool m_bCodeIsSet = false;
   bool m_bUnplugged = false;  // inside a callback of this capture
   unsigned int m_nFrames = 0;

@@ -19,11 +19,27 @@
 
 namespace {
 
+using Osv::faults::Refusal;
+
 std::atomic<long> s_nLive = 0;
+std::atomic<Refusal> s_pfnRefuses = nullptr;
 
 void* counted(void* block) {
   s_nLive += block == nullptr ? 0 : 1;
   return block;
+}
+
+/// @param caller whom the block is for
+bool is_refused(const void* caller) {
+  const Refusal refuses = s_pfnRefuses;
+  const bool refused = refuses != nullptr && refuses(caller);
+  errno = refused ? ENOMEM : errno;
+  return refused;
+}
+
+template <typename Allocate>
+void* allocated(const void* caller, Allocate allocate) {
+  return is_refused(caller) ? nullptr : counted(allocate());
 }
 
 }  // namespace
@@ -40,22 +56,25 @@ void* __libc_realloc(void* block, std::size_t size);
 void* __libc_memalign(std::size_t alignment, std::size_t size);
 void __libc_free(void* block);
 
-HVK3_EXPORTED void* malloc(std::size_t size) noexcept { return counted(__libc_malloc(size)); }
+HVK3_EXPORTED void* malloc(std::size_t size) noexcept {
+  return allocated(__builtin_return_address(0), [&] { return __libc_malloc(size); });
+}
 
 HVK3_EXPORTED void* calloc(std::size_t count, std::size_t size) noexcept {
-  return counted(__libc_calloc(count, size));
+  return allocated(__builtin_return_address(0), [&] { return __libc_calloc(count, size); });
 }
 
 HVK3_EXPORTED void* memalign(std::size_t alignment, std::size_t size) noexcept {
-  return counted(__libc_memalign(alignment, size));
+  return allocated(__builtin_return_address(0), [&] { return __libc_memalign(alignment, size); });
 }
 
 HVK3_EXPORTED void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {
-  return counted(__libc_memalign(alignment, size));
+  return allocated(__builtin_return_address(0), [&] { return __libc_memalign(alignment, size); });
 }
 
 HVK3_EXPORTED int posix_memalign(void** block, std::size_t alignment, std::size_t size) noexcept {
-  void* const found = counted(__libc_memalign(alignment, size));
+  void* const found =
+      allocated(__builtin_return_address(0), [&] { return __libc_memalign(alignment, size); });
   *block = found == nullptr ? *block : found;
   return found == nullptr ? ENOMEM : 0;
 }
@@ -66,8 +85,12 @@ HVK3_EXPORTED void free(void* block) noexcept {
 }
 
 HVK3_EXPORTED void* realloc(void* block, std::size_t size) noexcept {
+  const void* const caller = __builtin_return_address(0);
   if (block == nullptr) {
-    return malloc(size);
+    return allocated(caller, [&] { return __libc_malloc(size); });
+  }
+  if (size != 0 && is_refused(caller)) {
+    return nullptr;
   }
   s_nLive -= size == 0 ? 1 : 0;
   return __libc_realloc(block, size);
@@ -79,6 +102,8 @@ HVK3_EXPORTED void* realloc(void* block, std::size_t size) noexcept {
 namespace Osv::faults {
 
 std::optional<long> live_blocks() { return s_nLive; }
+
+void refuse_allocations(Refusal refuses) { s_pfnRefuses = refuses; }
 
 }  // namespace Osv::faults
 

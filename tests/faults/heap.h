@@ -11,4 +11,11 @@ namespace Osv::faults {
 /// sanitizer allocates, which looks for leaks itself.
 std::optional<long> live_blocks();
 
+/// Whether an allocation fails, asked on the thread that makes it.
+/// @param caller the place that the block goes to
+using Refusal = bool (*)(const void* caller);
+
+/// Has every allocation of this process decided, null for none.
+void refuse_allocations(Refusal refuses);
+
 }  // namespace Osv::faults

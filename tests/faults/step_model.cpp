@@ -25,14 +25,31 @@ bool is_format_read(const Step& step) {
 
 unsigned long DriverModel::translated(const std::function<unsigned long()>& operation) {
   try {
-    return operation();
+    const unsigned long result = operation();
+    m_cAnswers.allocate(eThread::Client);
+    return result;
   } catch (const Failure& failure) {
     return stored(failure.client_number, failure.text);
   }
 }
 
+/// It refuses whatever is asked of it, writes nothing, and has a text in a form of its own.
+std::string DriverModel::run_on_dummy(const Step& step) {
+  using enum eStep;
+  const std::string value = step.what == Active      ? "0"
+                            : step.what == Snap      ? "none"
+                            : step.what == FrameInfo ? score_in_words(0, 0)
+                                                     : "";
+  return in_words(step, number::NoNumber | number::ReportedBit, value, "*");
+}
+
 std::string DriverModel::run(const Step& step) {
   using enum eStep;
+  const bool is_ours = step.what == Unplug || step.what == PlugInAgain || step.what == GetAgain ||
+                       step.what == LoadAgain;
+  if (m_bDummy && !is_ours) {
+    return run_on_dummy(step);
+  }
   std::string value;
   unsigned long result = 0;
   switch (step.what) {
@@ -92,7 +109,7 @@ std::string DriverModel::run(const Step& step) {
   }
   // A failure without a number is no failure for the client: it has what was there before.
   const bool gives = result == 0 || step.what == Info || step.what == Snap || is_capture(step);
-  return in_words(step, result, gives ? value : "", m_s.text);
+  return in_words(step, result, gives ? value : "", m_bDummy ? "*" : m_s.text);
 }
 
 unsigned long DriverModel::run_list(std::string& value) {
@@ -107,21 +124,34 @@ unsigned long DriverModel::run_info(std::string& value) {
     if (const long result = open(); result != 0) {
       return stored(result, text::MoreData);
     }
-    m_s.info.emplace_back("Ostrevan KR9 scanner");
-    if (!m_cAnswers.succeeds(ftrScanGetSerialNumber, m_cAnswers.error_of(m_s.handle))) {
-      throw_device("Could not read the serial number of the scanner.");
-    }
-    m_s.info.push_back(serial_of(m_s.handle.interface));
-    if (m_cAnswers.succeeds(ftrScanGetVersion, m_cAnswers.error_of(m_s.handle))) {
-      m_s.info.insert(m_s.info.end(), {"2.1", "3.4.5"});
-    } else {
-      m_s.info.push_back(m_s.engine.has_value() ? "simulated unit 1" : "1");
-    }
+    read_info();
   }
   for (const std::string& line : m_s.info) {
     value += line + '|';
   }
   return 0;
+}
+
+/// Where reading ends early, what was read stays.
+void DriverModel::read_info() {
+  m_cAnswers.allocate(eThread::Client);
+  m_s.info.emplace_back("Ostrevan KR9 scanner");
+  if (!m_cAnswers.succeeds(ftrScanGetSerialNumber, m_cAnswers.error_of(m_s.handle))) {
+    throw_device("Could not read the serial number of the scanner.");
+  }
+  m_cAnswers.allocate(eThread::Client);
+  m_s.info.push_back(serial_of(m_s.handle.interface));
+  if (!m_cAnswers.succeeds(ftrScanGetVersion, m_cAnswers.error_of(m_s.handle))) {
+    m_s.info.push_back(m_s.engine.has_value() ? "simulated unit 1" : "1");
+    return;
+  }
+  try {
+    m_cAnswers.allocate(eThread::Client);
+  } catch (const Failure&) {
+    m_s.info.back() += '*';  // with or without the first version
+    throw;
+  }
+  m_s.info.insert(m_s.info.end(), {"2.1", "3.4.5"});
 }
 
 unsigned long DriverModel::run_snap(std::string& value) {
@@ -270,8 +300,12 @@ unsigned long DriverModel::run_capture(const Step& step, std::string& value) {
   bool starts = false;
   const unsigned long result = translated([&] {
     const long opened = open();
-    starts = opened == 0;
-    return starts ? 0 : stored(opened, text::StartFailed);
+    if (opened != 0) {
+      return stored(opened, text::StartFailed);
+    }
+    m_cAnswers.allocate(eThread::Client);
+    starts = !m_cAnswers.lacks_worker();
+    return 0UL;
   });
   if (!starts) {
     // A failure without a number is no failure for the client.
@@ -308,6 +342,7 @@ void DriverModel::worker(const Step& step, std::string& value) {
       value += "refused(" + std::to_string(stored(number::AlreadyCapturing, "")) + ") ";
     }
     if (step.what == eStep::Plain && !is_sensitive() && m_s.content != 0) {
+      m_cAnswers.allocate(eThread::Worker);
       value += "finger ";
       act_inside(step, kFingerCallback);
       return;

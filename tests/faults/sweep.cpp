@@ -6,11 +6,10 @@
 #include <utility>
 
 #include "faults/heap.h"
+#include "faults/stage.h"
 #include "faults/threads.h"
-#include "ostrevanhvk3/enumerations.h"
 #include "ostrevanhvk3_simulator/bench.h"
 #include "support/closed_libraries.h"
-#include "support/sleeps.h"
 
 namespace Osv::faults {
 namespace {
@@ -40,73 +39,9 @@ const Effect& ordinary_kind(eFunction function) {
   return found == kinds.end() ? kinds.front() : *found;
 }
 
-/// Whether a text is as predicted; a `*` stands for anything.
-bool is_as_predicted(const std::string& got, const std::string& predicted) {
-  std::size_t place = 0;
-  std::size_t from = 0;
-  while (true) {
-    const std::size_t star = predicted.find('*', from);
-    const std::string piece = predicted.substr(from, star - from);
-    const std::size_t found = star == std::string::npos && from != 0
-                                  ? got.size() - std::min(got.size(), piece.size())
-                                  : got.find(piece, place);
-    if (found == std::string::npos || found < place || (from == 0 && found != 0) ||
-        got.compare(found, piece.size(), piece) != 0) {
-      return false;
-    }
-    place = found + piece.size();
-    if (star == std::string::npos) {
-      return place == got.size();
-    }
-    from = star + 1;
-  }
-}
-
-std::string difference(const std::string& got, const std::string& predicted) {
-  return is_as_predicted(got, predicted) ? "" : "  " + got + "\n  and not\n  " + predicted + "\n";
-}
-
-/// The calls of which the plug-in made more or less than predicted.
-std::string check_counts(const Answers& answers) {
-  std::string wrong;
-  for (std::size_t i = 0; i < simulator::kFunctionCount; ++i) {
-    const std::string name = simulator::kFunctionNames[i];
-    const unsigned int made = bench().count(name);
-    if (made != answers.counts()[i] && !name.starts_with("OsvLF")) {
-      wrong += "  " + name + " was called " + std::to_string(made) + " times and not " +
-               std::to_string(answers.counts()[i]) + "\n";
-    }
-  }
-  return wrong;
-}
-
-std::string check_census(const DriverModel& model) {
-  const simulator::Census census = bench().census();
-  std::string wrong;
-  const auto check = [&](const char* what, unsigned int got, unsigned int predicted) {
-    if (got != predicted) {
-      wrong +=
-          "  " + std::to_string(got) + ' ' + what + " and not " + std::to_string(predicted) + "\n";
-    }
-  };
-  check("handles of scanners are open", census.scanner_handles, model.answers().open_handles());
-  check("engines are alive", census.engines, 0);
-  check("detectors are alive", census.detectors, 0);
-  check("instances were left behind", census.left_behind, model.lost_detectors());
-  check("things were given back twice", census.wrong_releases, 0);
-  return wrong;
-}
-
 }  // namespace
 
-Sweep::Sweep(const Scenario& scenario) : m_sScenario(scenario) {
-  lay_out();
-  static std::map<simulator::eFingerKind, double> scores;
-  const auto [score, is_new] = scores.try_emplace(scenario.finger, 0);
-  if (is_new) {
-    score->second = own_score();
-  }
-  m_dScore = score->second;
+Sweep::Sweep(const Scenario& scenario) : m_sScenario(scenario), m_dScore(own_score(scenario)) {
   DriverModel model(scenario, m_dScore);
   std::size_t first_calls = 0;
   for (const Step& step : scenario.steps) {
@@ -117,34 +52,6 @@ Sweep::Sweep(const Scenario& scenario) : m_sScenario(scenario) {
   }
   model.destroy();
   learn_sites(model.answers(), first_calls);
-}
-
-/// What the detector gives this finger.
-double Sweep::own_score() {
-  Client client;
-  client.run({eStep::SetProperty, ePropFakeDetection, 1});
-  client.run({eStep::SetProperty, ePropLiveliness, 1});
-  client.run({eStep::Snap});
-  return client.score();
-}
-
-void Sweep::lay_out() {
-  bench().reset();
-  bench().set_pace(0);
-  bench().set_timeline(simulator::Timeline::settled_finger());
-  bench().set_finger_kind(m_sScenario.finger);
-  bench().list_from_base(true);
-  for (const Attached& device : m_sScenario.attached) {
-    bench().plug_in(device.interface, {.serial = serial_of(device.interface),
-                                       .model = device.model,
-                                       .frame_width = device.frames.first,
-                                       .frame_height = device.frames.second,
-                                       .memory = device.memory});
-    if (device.away) {
-      bench().unplug(device.interface);
-    }
-  }
-  test::Sleeps().forget();
 }
 
 void Sweep::learn_sites(const Answers& answers, std::size_t first_calls) {
@@ -256,7 +163,7 @@ Sweep::Run Sweep::run(const Attempt& attempt) {
 }
 
 std::string Sweep::pass(const Attempt& attempt) {
-  lay_out();
+  lay_out(m_sScenario);
   DriverModel model(m_sScenario, m_dScore);
   bench().set_faults(in_words(attempt.faults));
   model.plan(attempt.faults);

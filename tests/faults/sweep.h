@@ -65,12 +65,10 @@ class Sweep {
     std::map<eFunction, unsigned int> before;  ///< calls so far of those that fail second
   };
 
-  double own_score();
   Run run(const Attempt& attempt);
   std::string pass(const Attempt& attempt);
   std::string do_steps(Client& client, DriverModel& model);
   std::string check_locks(Client& client, DriverModel& model);
-  void lay_out();
   void learn_sites(const Answers& answers, std::size_t first_calls);
 
   const Scenario& m_sScenario;

@@ -8,7 +8,12 @@ namespace {
 
 std::atomic<long> g_allocations{0};
 
+thread_local bool t_bNoMemory = false;
+
 void* count_and_allocate(std::size_t size) noexcept {
+  if (t_bNoMemory) {
+    return nullptr;
+  }
   ++g_allocations;
   return std::malloc(size == 0 ? 1 : size);
 }
@@ -39,4 +44,12 @@ void operator delete[](void* block) noexcept { release(block); }
 void operator delete(void* block, std::size_t) noexcept { release(block); }
 void operator delete[](void* block, std::size_t) noexcept { release(block); }
 
-long Osv::test::allocations_so_far() { return g_allocations; }
+namespace Osv::test {
+
+long allocations_so_far() { return g_allocations; }
+
+NoMemory::NoMemory() { t_bNoMemory = true; }
+
+NoMemory::~NoMemory() { t_bNoMemory = false; }
+
+}  // namespace Osv::test
