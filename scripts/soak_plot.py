@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """Draws the table that hvk3_soak prints: scripts/soak_plot.py TABLE PICTURE."""
 
 import csv
