@@ -8,4 +8,7 @@ namespace Osv::test {
 /// Blocks taken with `new` since the program began, on all threads.
 long allocations_so_far();
 
+/// Those of them that have not been given back.
+long blocks_in_use();
+
 }  // namespace Osv::test
