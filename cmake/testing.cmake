@@ -2,6 +2,7 @@
 # others. OWN_SYSTEM marks tests that bring functions of the system of their own, which the thread
 # sanitizer calls before it is set up: `tsan-all` leaves them out too. ENVIRONMENT NAME=VALUE is what
 # they run with.
+option(HVK3_SHARDS "Run the tests of a program in a few processes" OFF)
 find_package(GTest REQUIRED)
 include(GoogleTest)
 
@@ -56,7 +57,7 @@ function(hvk3_tests name)
   target_compile_options(${name} PRIVATE ${HVK3_TEST_OPTIONS})
   target_precompile_headers(${name} REUSE_FROM hvk3_test_common_headers)
   target_link_libraries(${name} PRIVATE GTest::gmock GTest::gtest_main ${CMAKE_DL_LIBS})
-  if(HVK3_SANITIZE)
+  if(HVK3_SANITIZE OR HVK3_SHARDS)
     hvk3_shards(${name} ${label} "${arg_ENVIRONMENT}")
   else()
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST
@@ -64,8 +65,9 @@ function(hvk3_tests name)
   endif()
 endfunction()
 
-# A program's tests in a few processes: with a sanitizer it takes longer to start a program than to
-# run one of its tests, and there every test has some thousand neighbours to disturb.
+# A program's tests in a few processes: with a sanitizer, or counters to write, it takes longer to
+# start and end a program than to run one of its tests, and there every test has some thousand
+# neighbours to disturb.
 function(hvk3_shards name label environment)
   set(count 4)
   foreach(number RANGE 1 ${count})

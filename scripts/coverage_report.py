@@ -18,12 +18,16 @@ def exceptions(path):
     return {(file, code): reason for file, code, reason in entries}
 
 
+def lines_with_code(file):
+    return [line for line in file["lines"] if not line["gcovr/noncode"]]
+
+
 def missed(files):
     """File, number and code of every line that was not reached, and of those with such branches."""
     lines, branches = [], []
     for file in files:
         code = pathlib.Path(file["file"]).read_text().splitlines()
-        for line in file["lines"]:
+        for line in lines_with_code(file):
             place = (file["file"], line["line_number"], code[line["line_number"] - 1].strip())
             if line["count"] == 0:
                 lines.append(place)
@@ -49,9 +53,9 @@ def main():
     unneeded = set(allowed) - {(file, code) for file, _, code in lines}
     for file, code in unneeded:
         print(f"{file}: NO LONGER AN EXCEPTION: {code}")
-    lines_share, line_count = share(line["count"] for f in files for line in f["lines"])
+    lines_share, line_count = share(line["count"] for f in files for line in lines_with_code(f))
     branch_share, branch_count = share(
-        branch["count"] for f in files for line in f["lines"] for branch in line["branches"])
+        branch["count"] for f in files for line in lines_with_code(f) for branch in line["branches"])
     print(f"lines: {lines_share:.2%} of {line_count}, {len(lines)} not reached, "
           f"{len(unexplained)} of them without a reason; "
           f"branches: {branch_share:.2%} of {branch_count}")

@@ -417,6 +417,17 @@ TEST_F(Facade, AnImageComesOutAndGoesBack) {
   EXPECT_EQ(grabber.FreeImage(image), 0U);
 }
 
+TEST_F(Facade, AnImageAndACaptureThatSucceedKeepTheStoredText) {
+  grabber.SetLastFGError(1, kEarlier);
+  unsigned char* image = nullptr;
+  ASSERT_EQ(grabber.GetImage(1, &image), 0U);
+  grabber.FreeImage(image);
+  ASSERT_EQ(grabber.StartCapture(1, 1, eCaptureLive, nullptr, nullptr, nullptr, nullptr, nullptr),
+            0U);
+  EXPECT_EQ(grabber.StopCapture(1), 0U);
+  EXPECT_EQ(grabber.last_text(), kEarlier);
+}
+
 TEST_F(Facade, GivingNothingBackIsFine) { EXPECT_EQ(grabber.FreeImage(nullptr), 0U); }
 
 TEST_F(Facade, ADescriptionThatDoesNotFitSaysThatThereIsMore) {

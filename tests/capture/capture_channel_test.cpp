@@ -55,6 +55,14 @@ TEST(CaptureChannel, OnlyTheGeneralChannelProcessesImages) {
   EXPECT_FALSE(ClOstrevanHVK3Channel().DoImageProcessing());
 }
 
+TEST(CaptureChannel, ItsPlaceForMoreProcessingIsEmpty) {
+  ClFrameGrabberChannel channel;
+  channel.AddSpecificImageProcessing();
+  EXPECT_TRUE(channel.m_bDirty);
+  EXPECT_TRUE(channel.m_Background.Empty());
+  EXPECT_EQ(channel.get_currrent_bitmap(), nullptr);
+}
+
 struct Copying : test::StillBench {
   Copying() {
     start(eCapturePlain);

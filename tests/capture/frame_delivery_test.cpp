@@ -209,6 +209,15 @@ TEST_F(Delivery, AnImage100PixelsWideIsNeverDelivered) {
   EXPECT_THAT(send(1, true), ElementsAre("live", "detect"));
 }
 
+TEST_F(Delivery, NeitherIsANarrowerOne) {
+  for (const unsigned long width : {1UL, 60UL, 99UL}) {
+    frame = test::gray_image(width, 5, 100);
+    send(1, true);
+  }
+  EXPECT_EQ(journal.count("detect"), 3);
+  EXPECT_EQ(journal.count("finger 1"), 0);
+}
+
 TEST_F(Delivery, AnImage101PixelsWideIsJudgedByByte50Alone) {
   frame = test::gray_image(101, 5, 100);
   test::row_of(frame, 2)[50] = 0;

@@ -26,6 +26,7 @@ struct Grabber : test::StubFramegrabber {
   }
   unsigned long FreeImage(unsigned char* image) override {
     ++freed;
+    filter_at_release = m_channel.m_eFilter;
     delete[] image;
     return 0;
   }
@@ -39,6 +40,7 @@ struct Grabber : test::StubFramegrabber {
   unsigned long result = 0;
   unsigned int asked_channel = 0;
   eFilterIDs filter_meanwhile = kFilter;
+  eFilterIDs filter_at_release = kFilter;
   int freed = 0;
   unsigned long buffer = 0;
 
@@ -69,6 +71,11 @@ TEST_F(RefreshBackground, APictureOfTheChannelIsCopied) {
   channel.RefreshBackGround(grabber);
   EXPECT_EQ(grabber.asked_channel, 2U);
   EXPECT_TRUE(test::same_block(channel.m_Background, grabber.picture));
+}
+
+TEST_F(RefreshBackground, TheFilterStaysOffUntilThePictureIsReleased) {
+  channel.RefreshBackGround(grabber);
+  EXPECT_EQ(grabber.filter_at_release, eFilterNone);
 }
 
 TEST_F(RefreshBackground, ThePictureIsReleasedOnce) {

@@ -49,6 +49,14 @@ TEST(WorkerThread, StopOfAnObjectThatWasNeverStartedIs0) {
   EXPECT_EQ(worker.m_hThread, pthread_t{});
 }
 
+TEST(WorkerThread, NoDerivedClassHasToSayThatThereIsNoThreadYet) {
+  struct Plain : CXWorkerThread {
+    using CXWorkerThread::m_hThread;
+    int Work() override { return 0; }
+  };
+  EXPECT_EQ(Plain().m_hThread, pthread_t{});
+}
+
 TEST(WorkerThread, WorkRunsOnAThreadOfItsOwn) {
   Worker worker;
   std::thread::id id;

@@ -54,6 +54,14 @@ TEST_F(FastPlainFinger, TheBackgroundIsTakenOnce) {
   EXPECT_EQ(fast.m_nBackgroundSum, static_cast<long>(250 * kPixels));
 }
 
+TEST_F(FastPlainFinger, ABackgroundWithASumOf1IsOne) {
+  ClSimpleBitmap frame = test::gray_image(10, 10, 0);
+  *frame.Pixel() = 1;
+  fast.Detect(frame, out);
+  show(250);
+  EXPECT_EQ(fast.m_nBackgroundSum, 1);
+}
+
 TEST_F(FastPlainFinger, TheFirstFrameIsTheFirstKeptFrame) {
   show(250);
   EXPECT_TRUE(fast.m_bInitialized);

@@ -218,6 +218,13 @@ TEST_F(FingerByContrast, ABitmapWithoutRowsIsNone) {
   }
 }
 
+TEST_F(FingerByContrast, AnImageOfOneRowMayShowOne) {
+  image = test::gray_image(100, 1, 255);
+  image.SetPels(kPels500Dpi, kPels500Dpi);
+  darken_blocks(0, 3);
+  EXPECT_TRUE(finger());
+}
+
 TEST_F(FingerByContrast, ABlockNeverRunsOverTheEndOfTheImage) {
   ClSimpleBitmap small = test::gray_image(3, 1, 255, 255);
   small.SetPels(1000000000, 1000000000);

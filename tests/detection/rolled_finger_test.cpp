@@ -411,6 +411,13 @@ TEST_F(RolledFinger, RowsOfAProfileMayStandApart) {
   EXPECT_EQ(next, (Profile{60, 60, 60, 61, 200, 0}));
 }
 
+TEST_F(RolledFinger, ALastRowMayStandApartFromAllOthers) {
+  const Profile previous{0, 0, 0, 0, 0, 70};
+  Profile next(kHeight);
+  rolled.CalculateLineRand(frame_with_edge(60), previous, next);
+  EXPECT_EQ(next, (Profile{60, 60, 60, 60, 60, 70}));
+}
+
 TEST_F(RolledFinger, RowsThatStandApartOnAFrameBeyond256ColumnsEqualThePlainOnes) {
   const Profile previous{0, 30, 200, 255, 1, 254};
   for (const unsigned long edge : {10UL, 150UL, 250UL, 300UL, 600UL}) {

@@ -40,6 +40,17 @@ TEST_F(FrameAllocations, AFrameWithFakeFingerDetectionAllocatesNothing) {
   EXPECT_EQ(allocations_of_frames(), 0);
 }
 
+TEST_F(FrameAllocations, APreparationThatTheEngineEndsKeepsNothing) {
+  const auto failing_preparation = [&] {
+    bench.set_faults("Calibrate call 2 fails with -5");
+    EXPECT_THROW(driver.SetActiveChannel(driver.channel(), bitmap), ClLXException);
+    return test::blocks_in_use();
+  };
+  failing_preparation();
+  const long before = failing_preparation();
+  EXPECT_EQ(failing_preparation(), before);
+}
+
 TEST_F(FrameAllocations, TheDirtyFlagAndTheSwitchOfDetectionAllocateNothing) {
   allocations_of_frames();
   const long before = test::allocations_so_far();

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 #include "driver/driver_fixture.h"
 #include "driver/support/mutex_watch.h"
@@ -41,6 +42,10 @@ class GuardedPage {
   const std::size_t m_cnSize = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
   char* const m_pMemory;
 };
+
+void refuse_line(OsvLFLogLevelstag /*level*/, const char* /*format*/, ...) {
+  throw ClLXException("no room for the log", 77);
+}
 
 /// The scanner library can't log and warns each time that it is asked to: that shows which events
 /// reach it.
@@ -161,6 +166,14 @@ TEST_F(LoggingCallback, NeverWaitsForTheDriversLock) {
   std::thread caller([this] { CBLoggingFacility(OsvLFCBStart, data.data()); });
   caller.join();
   expect_one_warning();
+}
+
+TEST_F(LoggingCallback, AFailureOnTheWayComesBackAsItsNumber) {
+  using Client = utilities::ClLoggingFacilityClient;
+  const auto kept = std::exchange(Client::m_fpLog, &refuse_line);
+  EXPECT_EQ(CBLoggingFacility(OsvLFCBStart, data.data()), 77UL);
+  Client::m_fpLog = kept;
+  EXPECT_FALSE(is_on());
 }
 
 TEST_F(LoggingCallback, AnyOtherEventDoesNothing) {

@@ -4,6 +4,7 @@
 
 #include "driver/driver_fixture.h"
 #include "foundation/image_functions.h"
+#include "ostrevanhvk3/errors.h"
 
 namespace Osv::lx {
 namespace {
@@ -71,6 +72,7 @@ TEST_F(Preparation, TheRawBitmapHasTheScannersShape) {
   EXPECT_EQ(driver.m_cRawBitmap.Width(), 640UL);
   EXPECT_EQ(driver.m_cRawBitmap.Height(), 480UL);
   EXPECT_EQ(driver.m_cRawBitmap.BitCount(), 8UL);
+  EXPECT_EQ(driver.m_cRawBitmap.BI()->biCompression, 0U);
 }
 
 TEST_F(Preparation, ItDescribesTheCameraAndLeavesItsIdAndColourMode) {
@@ -130,6 +132,14 @@ TEST_F(Preparation, WithoutAScannerTheResultIs2AndNoChannelIsActive) {
   bench.unplug_all();
   EXPECT_EQ(set_active(), 2UL);
   EXPECT_EQ(driver.m_nActiveChannel, 65535U);
+  EXPECT_TRUE(bitmap.Empty());
+}
+
+TEST_F(Preparation, WithoutACalibrationItIsRefusedAsADisconnection) {
+  open();
+  driver.m_pCalibration.reset();
+  EXPECT_EQ(failure_of([&] { set_active(); }),
+            (Failure{error_number::NotConnected, error_text::NotConnected}));
   EXPECT_TRUE(bitmap.Empty());
 }
 

@@ -219,6 +219,11 @@ TEST_F(Detector, IsRefusedAPropertyOfAbsurdLength) {
   }
 }
 
+TEST_F(Detector, MayHaveAPropertyOf16Mebibytes) {
+  answer_property(-21, 1UL << 24);
+  EXPECT_EQ(m_library->GetProperty(m_handle, "p").size(), 1UL << 24);
+}
+
 TEST_F(Detector, GivesAScoreWithStateZero) {
   EXPECT_EQ(evaluate(0), 0.75);
   EXPECT_EQ(m_state, 0);

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <algorithm>
 #include <cstring>
@@ -53,6 +54,15 @@ ClSimpleBitmap rescaled(ClSimpleBitmap bitmap, unsigned long width, unsigned lon
   bitmap.Rescale(width, height, mode);
   return bitmap;
 }
+
+/// Has the allocator fill what it hands out meanwhile.
+class DirtyMemory {
+ public:
+  DirtyMemory() { mallopt(M_PERTURB, 0x55); }
+  ~DirtyMemory() { mallopt(M_PERTURB, 0); }
+  DirtyMemory(const DirtyMemory&) = delete;
+  DirtyMemory& operator=(const DirtyMemory&) = delete;
+};
 
 Bytes block(const ClSimpleBitmap& bitmap) {
   const auto* const bytes = reinterpret_cast<const unsigned char*>(bitmap.BI());
@@ -274,6 +284,15 @@ TEST(BilinearRescale, ToASmallerPictureBlackensTheRowWhoseSourceIsTheTargetsLast
   }
   const ClSimpleBitmap target = rescaled(source, 2, 4, kBilinear);
   EXPECT_EQ(pixels(target), (Bytes{10, 10, 0, 0, 0, 0, 0, 0, 70, 70, 0, 0, 100, 100, 0, 0}));
+}
+
+TEST(BilinearRescale, BlackensThePaddingOfEveryRow) {
+  const DirtyMemory dirty;
+  const ClSimpleBitmap picture = rescaled(created(5, 5, 8), 9, 9, kBilinear);
+  for (unsigned long y = 0; y < 9; ++y) {
+    const unsigned char* const end = picture.Pixel() + (y + 1) * picture.BPRow();
+    EXPECT_EQ(Bytes(end - 3, end), Bytes(3)) << y;
+  }
 }
 
 TEST(BilinearRescale, OfASinglePixelGivesItsGrayEverywhere) {

@@ -9,6 +9,7 @@
 
 #include "foundation/bitmap.h"
 #include "foundation/exceptions.h"
+#include "support/guarded_block.h"
 
 namespace Osv::img {
 namespace {
@@ -167,6 +168,15 @@ TEST(AllZero, LooksAtEveryByteAndAtNoOther) {
 TEST(AllZero, HoldsForNoBytes) { EXPECT_TRUE(all_zero(nullptr, 0)); }
 
 /// Both ways to allocate a block.
+TEST(GrayRamp, WritesNothingAroundItsEntries) {
+  test::GuardedBlock memory(4096);
+  for (const unsigned long bits : {1UL, 2UL, 4UL, 8UL}) {
+    const auto block = memory.behind_guard(512, sizeof(tagBITMAPINFOHEADER) + (4UL << bits));
+    fill_gray_ramp(reinterpret_cast<tagBITMAPINFOHEADER*>(block.data()), bits);
+    EXPECT_TRUE(memory.untouched_around(block)) << bits;
+  }
+}
+
 class BlockFromEitherAllocator : public testing::TestWithParam<bool> {
  protected:
   static Block owned(unsigned char* block) { return {block, Release{GetParam()}}; }

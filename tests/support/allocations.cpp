@@ -7,6 +7,7 @@
 namespace {
 
 std::atomic<long> g_allocations{0};
+std::atomic<long> g_releases{0};
 
 thread_local bool t_bNoMemory = false;
 
@@ -27,7 +28,10 @@ void* count_and_allocate_or_throw(std::size_t size) {
 }
 
 // Not inlined, or g++ takes the pair of a new and a delete that it sees half of for a mismatch.
-[[gnu::noinline]] void release(void* block) noexcept { std::free(block); }
+[[gnu::noinline]] void release(void* block) noexcept {
+  g_releases += block == nullptr ? 0 : 1;
+  std::free(block);
+}
 
 }  // namespace
 
@@ -47,6 +51,8 @@ void operator delete[](void* block, std::size_t) noexcept { release(block); }
 namespace Osv::test {
 
 long allocations_so_far() { return g_allocations; }
+
+long blocks_in_use() { return g_allocations - g_releases; }
 
 NoMemory::NoMemory() { t_bNoMemory = true; }
 

@@ -9,6 +9,9 @@ namespace Osv::test {
 /// Blocks taken with `new` since the program began, on all threads.
 long allocations_so_far();
 
+/// Those of them that have not been given back.
+long blocks_in_use();
+
 /// While it lives, `new` fails on the thread that made it.
 class NoMemory {
  public:
@@ -17,5 +20,4 @@ class NoMemory {
   NoMemory(const NoMemory&) = delete;
   NoMemory& operator=(const NoMemory&) = delete;
 };
-
 }  // namespace Osv::test
