@@ -17,11 +17,12 @@ with open(sys.argv[1], newline="") as table:
     rows = [{name: int(value) for name, value in row.items()} for row in csv.DictReader(table)]
 figure, axes = pyplot.subplots(len(CURVES), 1, sharex=True, figsize=(9, 8))
 for axis, (name, unit, label) in zip(axes, CURVES):
-    axis.plot([row["frames"] for row in rows], [row[name] / unit for row in rows], linewidth=0.8)
+    values = [row[name] / unit for row in rows]
+    axis.plot([row["frames"] / 1000 for row in rows], values)
     axis.set_ylabel(label)
-    axis.set_ylim(bottom=0)
+    axis.set_ylim(0, 1.3 * max(values))
     axis.grid(alpha=0.3)
-axes[-1].set_xlabel("frames")
+axes[-1].set_xlabel("thousand frames")
 figure.tight_layout()
 figure.savefig(sys.argv[2])
 last = rows[-1]
