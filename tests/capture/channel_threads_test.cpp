@@ -65,6 +65,25 @@ TEST_F(ChannelThreads, EveryCallbackComesOnTheWorker) {
   EXPECT_EQ(threads.count(std::this_thread::get_id()), 0U);
 }
 
+TEST_F(ChannelThreads, OfTwoWorkersTheEarlierOneMayEndFirst) {
+  test::Journal other_journal;
+  Client other_client(other_journal);
+  ClOstrevanHVK3Channel other;
+  other.SetCallbacks(&Client::start, &Client::stop);
+  other_client.on_live = [&](const Client::Image&) {
+    other_journal.add(ClFrameGrabberChannel::IsWorkerThread() ? "on a worker" : "on none");
+  };
+  start(eCaptureLive);
+  ASSERT_TRUE(journal.await("live"));
+  other.StartCapture(kHandle, eCaptureLive, &Client::live, nullptr, nullptr, nullptr,
+                     &other_client);
+  ASSERT_TRUE(other_journal.await("live"));
+  channel.StopCapture();
+  ASSERT_TRUE(other_journal.await("on a worker", other_journal.count("on a worker") + 3));
+  other.StopCapture();
+  EXPECT_EQ(other_journal.count("on none"), 0);
+}
+
 TEST_F(ChannelThreads, AStopRightAfterTheStartGivesBothCallbacksOrNone) {
   for (int run = 0; run < 300; ++run) {
     start(eCaptureLive);
