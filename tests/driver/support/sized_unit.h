@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <optional>
+#include <utility>
 
 #include "driver/driver_fixture.h"
 
@@ -26,6 +28,7 @@ struct Size {
 /// else is the simulator's.
 struct SizedUnit {
   Size size;
+  std::optional<Size> next = {};  ///< of the unit that is there once this one is closed
   int frames = 0;
   bool fails = false;
   bool buffers_suffice = true;
@@ -42,6 +45,7 @@ struct SizedUnit {
       using ClFutronicBaseSDK::m_pApiLib;
     };
     const auto api = (driver.m_pScanner.get()->*(&Access::m_pApiLib)).get();
+    close_simulated = std::exchange(api->ftrScanCloseDevice, &SizedUnit::close);
     api->ftrScanGetImageSize = &SizedUnit::tell_size;
     api->ftrScanGetImageByVariableDose = &SizedUnit::fill_by_dose;
     api->ftrScanGetDarkImage = &SizedUnit::fill;
@@ -49,13 +53,23 @@ struct SizedUnit {
   }
 
  private:
+  static inline std::int32_t (*close_simulated)(ScannerHandle handle) = nullptr;
+
+  static std::int32_t close(ScannerHandle handle) {
+    const std::int32_t result = close_simulated(handle);
+    if (attached != nullptr) {
+      attached->size = attached->next.value_or(attached->size);
+    }
+    return result;
+  }
+
   static std::int32_t tell_size(ScannerHandle /*handle*/, __FTRSCAN_IMAGE_SIZE* size) {
     *size = {attached->size.width, attached->size.height, {}};
     return 1;
   }
 
-  static std::int32_t fill(ScannerHandle /*handle*/, void* buffer) {
-    if (attached->fails) {
+  static std::int32_t fill(ScannerHandle handle, void* buffer) {
+    if (attached->fails || handle == nullptr) {
       return 0;
     }
     attached->take_frame(static_cast<unsigned char*>(buffer));
