@@ -4,10 +4,22 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <mutex>
+#include <thread>
 
 namespace Osv::faults {
+namespace {
+
+void start_and_end_one() {
+  std::thread([] {}).join();
+}
+
+}  // namespace
 
 Threads threads() {
+  // With the first thread of a program the thread sanitizer starts one of its own, for good.
+  static std::once_flag s_bDone;
+  std::call_once(s_bDone, &start_and_end_one);
   Threads all;
   for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
     all.insert(task.path().filename());
