@@ -6,15 +6,17 @@ namespace {
 
 using Roll = Tool;
 
+const Words kHoweverLongItTakes = {"--timeout", "0"};
+
 TEST_F(Roll, SaysThatTheScannerDoesNotOfferIt) {
-  const Outcome outcome = simulate("roll");
+  const Outcome outcome = simulate("roll", kHoweverLongItTakes);
   EXPECT_EQ(outcome.status, 0);
   EXPECT_THAT(outcome.error, HasSubstr("this scanner does not offer rolled capture"));
   EXPECT_THAT(outcome.out, StartsWith("image: 498 x 438 pixels, 500 DPI, mean gray "));
 }
 
 TEST_F(Roll, TellsInJsonThatItIsNotOffered) {
-  const Json object = simulate_json("roll");
+  const Json object = simulate_json("roll", kHoweverLongItTakes);
   EXPECT_EQ(object["mode"], "rolled");
   EXPECT_EQ(object["offered"], false);
   EXPECT_EQ(object["images"].size(), 1U);
@@ -23,7 +25,7 @@ TEST_F(Roll, TellsInJsonThatItIsNotOffered) {
 
 TEST_F(Roll, WritesThePrint) {
   const std::string path = m_cFolder.file("rolled.png");
-  EXPECT_EQ(simulate("roll", {"--out", path}).status, 0);
+  EXPECT_EQ(simulate("roll", {"--out", path, "--timeout", "0"}).status, 0);
   EXPECT_THAT(read_file(path), HasSubstr(chunk_of_500_dpi()));
   EXPECT_EQ(mode_of(path), 0600U);
 }
