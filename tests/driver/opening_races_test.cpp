@@ -134,7 +134,7 @@ const FrameTaker kTakers[] = {
     {"AScoredFramesDoseImage", 4, true, take_a_frame},
     {"APreparation", 2, false, prepare},
     {"ASnapsPreparation", 2, false, snap_meanwhile},
-    {"ASnapsFrame", 3, false, snap_meanwhile},
+    {"ASnapsFrame", 3, false, snap},
     {"AMeasure", 2, false, measure},
     {"AnImageAsItComes", 2, false, snap_as_it_comes},
 };

@@ -18,8 +18,8 @@ void start_and_end_one() {
 
 Threads threads() {
   // With the first thread of a program the thread sanitizer starts one of its own, for good.
-  static std::once_flag s_bDone;
-  std::call_once(s_bDone, &start_and_end_one);
+  static std::once_flag s_cOnce;
+  std::call_once(s_cOnce, &start_and_end_one);
   Threads all;
   for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
     all.insert(task.path().filename());

@@ -6,17 +6,15 @@ namespace {
 
 using Roll = Tool;
 
-const Words kHoweverLongItTakes = {"--timeout", "0"};
-
 TEST_F(Roll, SaysThatTheScannerDoesNotOfferIt) {
-  const Outcome outcome = simulate("roll", kHoweverLongItTakes);
+  const Outcome outcome = simulate("roll", {"--timeout", "0"});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_THAT(outcome.error, HasSubstr("this scanner does not offer rolled capture"));
   EXPECT_THAT(outcome.out, StartsWith("image: 498 x 438 pixels, 500 DPI, mean gray "));
 }
 
 TEST_F(Roll, TellsInJsonThatItIsNotOffered) {
-  const Json object = simulate_json("roll", kHoweverLongItTakes);
+  const Json object = simulate_json("roll", {"--timeout", "0"});
   EXPECT_EQ(object["mode"], "rolled");
   EXPECT_EQ(object["offered"], false);
   EXPECT_EQ(object["images"].size(), 1U);
