@@ -28,6 +28,7 @@ extern "C" {
 /// `GetLastError` the text; the next call tries again. Its `GetLastError` reports the size without
 /// the terminating zero and wants a buffer of at least that size plus 2.
 /// @return never null; owned by the plug-in until `DestroyFrameGrabber`
+/// @throws std::bad_alloc when there is no memory for that object either
 /// @note One client thread calls this and `DestroyFrameGrabber`, and no other is inside meanwhile.
 OSTREVANHVK3_EXPORT Osv::lx::ClFramegrabber* GetFrameGrabber();
 
