@@ -8,38 +8,48 @@ include(GoogleTest)
 
 # The headers that nearly every test includes, compiled once for all of them. The preset `clang`
 # compiles without, so that a file that leans on them is found.
-file(CONFIGURE OUTPUT "${CMAKE_CURRENT_BINARY_DIR}/common_headers.cpp" CONTENT "int main() {}\n")
-add_executable(hvk3_test_common_headers "${CMAKE_CURRENT_BINARY_DIR}/common_headers.cpp")
 # The product is optimised, its tests are compiled quickly: that halves the time of a whole build.
 set(HVK3_TEST_OPTIONS -O0 -g1)
-target_compile_options(hvk3_test_common_headers PRIVATE ${HVK3_TEST_OPTIONS})
-target_link_libraries(hvk3_test_common_headers PRIVATE GTest::gmock GTest::gtest)
-target_precompile_headers(
-  hvk3_test_common_headers
-  PRIVATE
-  <gmock/gmock.h>
-  <gtest/gtest.h>
-  <algorithm>
-  <array>
-  <atomic>
-  <chrono>
-  <filesystem>
-  <fstream>
-  <functional>
-  <future>
-  <map>
-  <memory>
-  <mutex>
-  <optional>
-  <random>
-  <sstream>
-  <string>
-  <thread>
-  <vector>)
+set(HVK3_COMMON_TEST_HEADERS
+    <gmock/gmock.h>
+    <gtest/gtest.h>
+    <algorithm>
+    <array>
+    <atomic>
+    <chrono>
+    <filesystem>
+    <fstream>
+    <functional>
+    <future>
+    <map>
+    <memory>
+    <mutex>
+    <optional>
+    <random>
+    <sstream>
+    <string>
+    <thread>
+    <vector>)
+file(CONFIGURE OUTPUT "${CMAKE_CURRENT_BINARY_DIR}/common_headers.cpp" CONTENT "int main() {}\n")
 
-# hvk3_tests(NAME [THREADS | OWN_SYSTEM] [ENVIRONMENT NAME=VALUE] SOURCE...): tests that link nothing of the tree.
+# hvk3_test_headers(NAME HEADER...): a program that only brings these headers, compiled behind the
+# common ones, to tests with HEADERS_OF NAME.
+function(hvk3_test_headers name)
+  add_executable(${name} "${CMAKE_BINARY_DIR}/tests/common_headers.cpp")
+  target_compile_options(${name} PRIVATE ${HVK3_TEST_OPTIONS})
+  target_link_libraries(${name} PRIVATE GTest::gmock GTest::gtest)
+  target_precompile_headers(${name} PRIVATE ${HVK3_COMMON_TEST_HEADERS} ${ARGN})
+endfunction()
+
+hvk3_test_headers(hvk3_test_common_headers)
+
+# hvk3_tests(NAME [THREADS | OWN_SYSTEM] [ENVIRONMENT NAME=VALUE] [HEADERS_OF TARGET] SOURCE...):
+# tests that link nothing of the tree.
 function(hvk3_tests name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "THREADS;OWN_SYSTEM" "ENVIRONMENT" "")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "THREADS;OWN_SYSTEM" "ENVIRONMENT;HEADERS_OF" "")
+  if(NOT arg_HEADERS_OF)
+    set(arg_HEADERS_OF hvk3_test_common_headers)
+  endif()
   if(arg_THREADS)
     set(label threads)
   elseif(arg_OWN_SYSTEM)
@@ -55,7 +65,7 @@ function(hvk3_tests name)
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests"
                                              "${PROJECT_SOURCE_DIR}/include")
   target_compile_options(${name} PRIVATE ${HVK3_TEST_OPTIONS})
-  target_precompile_headers(${name} REUSE_FROM hvk3_test_common_headers)
+  target_precompile_headers(${name} REUSE_FROM ${arg_HEADERS_OF})
   target_link_libraries(${name} PRIVATE GTest::gmock GTest::gtest_main ${CMAKE_DL_LIBS})
   if(HVK3_SANITIZE OR HVK3_SHARDS)
     hvk3_shards(${name} ${label} "${arg_ENVIRONMENT}")
