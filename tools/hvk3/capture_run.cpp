@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <chrono>
 #include <optional>
-#include <string_view>
 #include <vector>
 
 #include "hvk3/capture_session.h"
@@ -47,16 +46,6 @@ class CaptureRun {
   bool m_bRunning = false;      // the user knows that capture runs
   unsigned int m_nComebacks = 0;
 };
-
-/// The error callback's text is "<text> error: <number>".
-Failure to_failure(const std::string& callback_text) {
-  constexpr std::string_view kMark = " error: ";
-  const std::size_t mark = callback_text.rfind(kMark);
-  if (mark == std::string::npos) {
-    return {ExitStatus::ScannerFailed, callback_text};
-  }
-  return {std::atol(callback_text.c_str() + mark + kMark.size()), callback_text.substr(0, mark)};
-}
 
 void CaptureRun::run() {
   const auto begin = Clock::now();
@@ -142,11 +131,7 @@ bool CaptureRun::is_worth_waiting(const Failure& failure) {
 
 /// Whether the scanner that the user wants is there.
 bool CaptureRun::is_listed() {
-  const std::optional<unsigned int>& wanted = m_cContext.options().device;
-  const std::vector<ListedScanner> scanners = list_scanners(m_cContext.grabber());
-  return std::any_of(scanners.begin(), scanners.end(), [&](const ListedScanner& scanner) {
-    return scanner.interface == wanted.value_or(scanner.interface);
-  });
+  return is_attached(m_cContext.grabber(), m_cContext.options().device);
 }
 
 void CaptureRun::collect(const Wakeup::Deadline& deadline) {
@@ -158,7 +143,7 @@ void CaptureRun::collect(const Wakeup::Deadline& deadline) {
     }
     m_cInterruption.check();
     if (progress.error) {
-      throw to_failure(*progress.error);
+      throw Failure::of_capture(*progress.error);
     }
     if (!m_cWakeup.wait(deadline)) {
       throw Failure(ExitStatus::Timeout, "the images did not come in time");

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <iostream>
 
 namespace hvk3 {
@@ -26,7 +27,7 @@ void Console::progress(const std::string& text) {
 
 void Console::message(const std::string& text) {
   clear_progress();
-  std::cerr << "hvk3: " << text << std::endl;
+  std::cerr << program_invocation_short_name << ": " << text << std::endl;
 }
 
 void Console::clear_progress() {

@@ -1,6 +1,4 @@
-#include <cmath>
 #include <iomanip>
-#include <limits>
 #include <sstream>
 
 #include "hvk3/commands.h"
@@ -15,19 +13,9 @@ constexpr char kExamples[] =
     "A finger counts as dirt. Wipe the platen when the level has risen well above that of a clean\n"
     "one.\n";
 
-double measure(Osv::lx::ClFramegrabber& grabber) {
-  constexpr unsigned long kChannel = 1;
-  double level = std::numeric_limits<double>::quiet_NaN();
-  check(grabber, grabber.ContaminationDetection(kChannel, &level));
-  return level;
-}
-
 void run(Context& context) {
   choose_scanner(context.grabber(), context.options().device);
-  const double level = measure(context.grabber());
-  if (std::isnan(level)) {
-    throw Failure(ExitStatus::ScannerFailed, "the scanner gives no measure");
-  }
+  const double level = measure_contamination(context.grabber());
   context.report()["contamination"] = level;
   std::ostringstream line;
   line << "contamination level " << std::fixed << std::setprecision(1) << level << '\n';

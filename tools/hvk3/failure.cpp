@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
+#include <string_view>
 
 #include "ostrevanhvk3/errors.h"
 
@@ -24,6 +26,15 @@ ExitStatus status_of(long number) {
 
 Failure::Failure(long number, const std::string& text)
     : std::runtime_error(text), m_eStatus(status_of(number)), m_nNumber(number) {}
+
+Failure Failure::of_capture(const std::string& callback_text) {
+  constexpr std::string_view kMark = " error: ";
+  const std::size_t mark = callback_text.rfind(kMark);
+  if (mark == std::string::npos) {
+    return {ExitStatus::ScannerFailed, callback_text};
+  }
+  return {std::atol(callback_text.c_str() + mark + kMark.size()), callback_text.substr(0, mark)};
+}
 
 Failure Failure::interrupted(int signal) {
   Failure failure(ExitStatus::Interrupted, "interrupted");

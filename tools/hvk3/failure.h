@@ -19,6 +19,9 @@ class Failure : public std::runtime_error {
   /// A failure that the plug-in reported: the status follows from its number.
   Failure(long number, const std::string& text);
 
+  /// What the error callback told: its text is "<text> error: <number>".
+  static Failure of_capture(const std::string& callback_text);
+
   /// The end by a signal.
   static Failure interrupted(int signal);
 

@@ -11,27 +11,27 @@ namespace {
 
 constexpr unsigned int kHandle = 1;
 
-struct FrameInfo {
-  double score = 0.0;
-  int state = 0;
-};
-
-FrameInfo ask(Osv::lx::CurrentFrameInfoFunction function) {
-  constexpr unsigned int kScoreAndState = 1;
-  std::array<unsigned char, sizeof(double) + sizeof(int)> bytes = {};
-  FrameInfo info;
-  if (function(0, 0, kScoreAndState, bytes.data()) == 0) {
-    std::memcpy(&info.score, bytes.data(), sizeof(info.score));
-    std::memcpy(&info.state, bytes.data() + sizeof(info.score), sizeof(info.state));
-  }
-  return info;
-}
-
 }  // namespace
 
 const char* name_of(eVerdict verdict) {
   constexpr std::array kNames = {"no-finger", "live", "fake"};
   return kNames.at(static_cast<std::size_t>(verdict));
+}
+
+Judgement judge_frame(Osv::lx::CurrentFrameInfoFunction frame_info, bool fake, double threshold) {
+  constexpr unsigned int kScoreAndState = 1;
+  std::array<unsigned char, sizeof(double) + sizeof(int)> bytes = {};
+  Judgement judgement;
+  if (frame_info(0, 0, kScoreAndState, bytes.data()) == 0) {
+    std::memcpy(&judgement.score, bytes.data(), sizeof(judgement.score));
+    std::memcpy(&judgement.state, bytes.data() + sizeof(judgement.score), sizeof(judgement.state));
+  }
+  if (fake) {
+    judgement.verdict = eVerdict::Fake;
+  } else if (judgement.score > threshold) {
+    judgement.verdict = eVerdict::Live;
+  }  // neither: the detector found no finger that it could judge
+  return judgement;
 }
 
 Judge::Judge(Plugin& plugin, double threshold)
@@ -52,13 +52,8 @@ void Judge::on_event(int /*handle*/, unsigned int /*channel*/, eFGs /*grabber*/,
 }
 
 void Judge::observe() {
-  const FrameInfo info = ask(m_pfnFrameInfo);
-  Judgement judgement{info.score, info.state, eVerdict::NoFinger};
-  if (std::exchange(m_bFake, false)) {
-    judgement.verdict = eVerdict::Fake;
-  } else if (info.score > m_dThreshold) {
-    judgement.verdict = eVerdict::Live;
-  }  // neither: the detector found no finger that it could judge
+  const Judgement judgement =
+      judge_frame(m_pfnFrameInfo, std::exchange(m_bFake, false), m_dThreshold);
   const std::lock_guard<std::mutex> lock(m_cLock);
   m_cJudgements.push_back(judgement);
 }

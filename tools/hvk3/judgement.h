@@ -21,6 +21,11 @@ struct Judgement {
   eVerdict verdict = eVerdict::NoFinger;
 };
 
+/// What detection says of the frame whose live image is being delivered; inside that callback only.
+/// @param fake whether the event of a fake came in front of it
+/// @param threshold the score up to which a finger is a fake
+Judgement judge_frame(Osv::lx::CurrentFrameInfoFunction frame_info, bool fake, double threshold);
+
 /// Gathers the judgements of a capture. The plug-in tells of a frame inside its callbacks only: the
 /// event of a fake first, score and state with the live image. So this object gets its word there
 /// and the main thread takes it from here.

@@ -144,6 +144,12 @@ void add_count_option(CLI::App& command, Options& options, const std::string& de
       ->capture_default_str();
 }
 
+void add_settle_option(CLI::App& command, Options& options, const std::string& description) {
+  command.add_option("--settle", options.settle, description)
+      ->check(CLI::Range(1U, kLargestCount))
+      ->capture_default_str();
+}
+
 void add_timeout_option(CLI::App& command, Options& options) {
   command.add_option("--timeout", options.timeout, "Seconds for the whole capture, 0 for no limit")
       ->check(CLI::Range(0.0, kLongestTimeout))
@@ -248,11 +254,7 @@ void add_capture_options(CLI::App& command, Options& options) {
   add_count_option(
       command, options,
       "Number of images; with --out and more than one, -1, -2, ... join the file name");
-  command
-      .add_option("--settle", options.settle,
-                  "Plain mode: keep the darkest of so many finished images")
-      ->check(CLI::Range(1U, kLargestCount))
-      ->capture_default_str();
+  add_settle_option(command, options, "Plain mode: keep the darkest of so many finished images");
 }
 
 }  // namespace hvk3

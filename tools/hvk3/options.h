@@ -60,6 +60,7 @@ void add_plugin_options(CLI::App& command, Options& options);
 void add_device_option(CLI::App& command, Options& options);
 void add_image_options(CLI::App& command, Options& options);
 void add_capture_options(CLI::App& command, Options& options);
+void add_settle_option(CLI::App& command, Options& options, const std::string& description);
 void add_count_option(CLI::App& command, Options& options, const std::string& description);
 void add_timeout_option(CLI::App& command, Options& options);
 void add_keep_going_option(CLI::App& command, Options& options);

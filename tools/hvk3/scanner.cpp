@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <limits>
+#include <memory>
 
 #include "hvk3/failure.h"
 #include "hvk3/printable.h"
@@ -12,6 +15,8 @@ namespace {
 
 using Osv::lx::ClFramegrabber;
 using Osv::lx::ErrorNumber;
+
+constexpr unsigned int kChannel = 1;
 
 bool is_too_small(unsigned long result) {
   return ErrorNumber(result) == Osv::lx::error_number::BufferTooSmall;
@@ -43,6 +48,13 @@ std::vector<std::string> split(const std::vector<char>& texts) {
   return parts;
 }
 
+/// The scanner at the interface, or the first one.
+auto find_at(const std::vector<ListedScanner>& scanners, std::optional<unsigned int> interface) {
+  return std::find_if(scanners.begin(), scanners.end(), [&](const ListedScanner& scanner) {
+    return scanner.interface == interface.value_or(scanner.interface);
+  });
+}
+
 }  // namespace
 
 void check(ClFramegrabber& grabber, unsigned long result) {
@@ -67,11 +79,14 @@ std::vector<ListedScanner> list_scanners(ClFramegrabber& grabber) {
   return scanners;
 }
 
+bool is_attached(ClFramegrabber& grabber, std::optional<unsigned int> interface) {
+  const std::vector<ListedScanner> scanners = list_scanners(grabber);
+  return find_at(scanners, interface) != scanners.end();
+}
+
 ListedScanner choose_scanner(ClFramegrabber& grabber, std::optional<unsigned int> interface) {
   const std::vector<ListedScanner> scanners = list_scanners(grabber);
-  const auto chosen = std::find_if(scanners.begin(), scanners.end(), [&](const auto& scanner) {
-    return scanner.interface == interface.value_or(scanner.interface);
-  });
+  const auto chosen = find_at(scanners, interface);
   if (chosen == scanners.end()) {
     throw Failure(ExitStatus::NoScanner,
                   interface ? "no scanner at interface " + std::to_string(*interface)
@@ -99,6 +114,26 @@ ScannerInfo describe_scanner(ClFramegrabber& grabber) {
     info.versions.push_back(parts[i]);
   }
   return info;
+}
+
+Image take_image(ClFramegrabber& grabber) {
+  unsigned char* block = nullptr;
+  check(grabber, grabber.GetImage(kChannel, &block));
+  if (block == nullptr) {  // a library that fails without a reason lets the call succeed
+    throw Failure(ExitStatus::ScannerFailed, "the scanner gives no image");
+  }
+  const auto give_back = [&grabber](unsigned char* image) { grabber.FreeImage(image); };
+  const std::unique_ptr<unsigned char, decltype(give_back)> owner(block, give_back);
+  return Image(block);
+}
+
+double measure_contamination(ClFramegrabber& grabber) {
+  double level = std::numeric_limits<double>::quiet_NaN();
+  check(grabber, grabber.ContaminationDetection(kChannel, &level));
+  if (std::isnan(level)) {
+    throw Failure(ExitStatus::ScannerFailed, "the scanner gives no measure");
+  }
+  return level;
 }
 
 std::string interface_version(ClFramegrabber& grabber) {

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "hvk3/image.h"
 #include "ostrevanhvk3/framegrabber.h"
 
 /// @file
@@ -30,6 +31,9 @@ void check(Osv::lx::ClFramegrabber& grabber, unsigned long result);
 /// The attached scanners, possibly none.
 std::vector<ListedScanner> list_scanners(Osv::lx::ClFramegrabber& grabber);
 
+/// Whether there is a scanner at an interface, or any at all.
+bool is_attached(Osv::lx::ClFramegrabber& grabber, std::optional<unsigned int> interface);
+
 /// Chooses the scanner at an interface, or the first of the list, and opens it.
 /// @throws Failure `NoScanner` when it isn't there
 ListedScanner choose_scanner(Osv::lx::ClFramegrabber& grabber,
@@ -37,6 +41,12 @@ ListedScanner choose_scanner(Osv::lx::ClFramegrabber& grabber,
 
 /// Choose a scanner before the first call: the plug-in keeps this description for good.
 ScannerInfo describe_scanner(Osv::lx::ClFramegrabber& grabber);
+
+/// One image at once, whatever lies on the platen.
+Image take_image(Osv::lx::ClFramegrabber& grabber);
+
+/// The dirt on the platen, on which nothing may lie.
+double measure_contamination(Osv::lx::ClFramegrabber& grabber);
 
 /// The version of the plug-in's interface.
 std::string interface_version(Osv::lx::ClFramegrabber& grabber);

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <exception>
 #include <iostream>
 
@@ -10,7 +11,9 @@ namespace hvk3 {
 namespace {
 
 /// One write, so that it stands on a line of its own beside what the main thread tells.
-void tell(const std::string& text) { std::cerr << "hvk3: script: " + text + '\n' << std::flush; }
+void tell(const std::string& text) {
+  std::cerr << program_invocation_short_name + (": script: " + text) + '\n' << std::flush;
+}
 
 }  // namespace
 

@@ -1,5 +1,3 @@
-#include <memory>
-
 #include "hvk3/commands.h"
 #include "hvk3/delivery.h"
 #include "hvk3/interruption.h"
@@ -14,24 +12,12 @@ constexpr char kExamples[] =
     "  hvk3 snap --set low-contrast=on --show  with a property set first\n"
     "  hvk3 snap --simulate --empty --show     the empty platen of a simulated scanner\n";
 
-Image snap(Osv::lx::ClFramegrabber& grabber) {
-  constexpr unsigned int kChannel = 1;
-  unsigned char* block = nullptr;
-  check(grabber, grabber.GetImage(kChannel, &block));
-  if (block == nullptr) {  // a library that fails without a reason lets the call succeed
-    throw Failure(ExitStatus::ScannerFailed, "the scanner gives no image");
-  }
-  const auto give_back = [&grabber](unsigned char* image) { grabber.FreeImage(image); };
-  const std::unique_ptr<unsigned char, decltype(give_back)> owner(block, give_back);
-  return Image(block);
-}
-
 void run(Context& context) {
   const Wakeup wakeup;
   const Interruption interruption(wakeup);
   choose_scanner(context.grabber(), context.options().device);
   apply(context.grabber(), context.options().settings);
-  const Image image = snap(context.grabber());
+  const Image image = take_image(context.grabber());
   interruption.check();
   deliver(context, image, 1);
 }
