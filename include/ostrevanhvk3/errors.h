@@ -50,19 +50,25 @@ constexpr int WriteOnly = 82;            ///< a feature that can't be read
 constexpr int AuthorizationCode = 83;    ///< the scanner refused the authorization code
 
 /// Numbers of the scanner that `GetLastError` words itself.
+/// @{
 constexpr unsigned long ScannerCanceled = 0x20000003UL;
 constexpr unsigned long ScannerHardware = 0x20000004UL;
 constexpr unsigned long ScannerFirmware = 0x20000005UL;
 constexpr unsigned long ScannerAuthorization = 0x20000006UL;
+/// @}
 
 /// Results of `GetVersion`, before the reported bit joins them.
+/// @{
 constexpr unsigned long VersionTooSmall = 0x20000011UL;
 constexpr unsigned long VersionNullPointer = 0x2000003CUL;
+/// @}
 
 }  // namespace error_number
 
 namespace error_text {
 
+/// The text of the number of this name, or of the operation that failed.
+/// @{
 constexpr char NotConnected[] = "The scanner is not connected to the host";
 constexpr char UnknownCamera[] = "The camera ID is unknown or is not supported by frame grabber";
 constexpr char IncorrectChannel[] = "Incorrect channel number for frame grabber";
@@ -94,6 +100,7 @@ constexpr char ScannerAuthorization[] = "Invalid authorization code";
 constexpr char InitializationFailed[] = "Initialization failed.";
 constexpr char GetImageFailed[] = "GetImage function failed.";
 constexpr char StartFailed[] = "Failed start capturing.";
+/// @}
 
 }  // namespace error_text
 

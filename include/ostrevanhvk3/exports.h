@@ -89,6 +89,8 @@ OSTREVANHVK3_EXPORT unsigned long LXSP_Free(void* memory);
 namespace Osv {
 namespace lx {
 
+/// A pointer to the exported function of this name, as `dlsym` gives it.
+/// @{
 typedef ClFramegrabber* (*GetFrameGrabberFunction)();
 typedef void (*DestroyFrameGrabberFunction)();
 typedef unsigned long (*CurrentFrameInfoFunction)(unsigned long, unsigned long, unsigned int,
@@ -96,15 +98,19 @@ typedef unsigned long (*CurrentFrameInfoFunction)(unsigned long, unsigned long, 
 typedef unsigned long (*GetFeatureFunction)(unsigned int, osvlx3_feature*);
 typedef unsigned long (*SetFeatureFunction)(unsigned int, const osvlx3_feature*);
 typedef unsigned long (*FreeFunction)(void*);
+/// @}
 
 /// The names to look up. The feature functions carry their parameter types in their symbols.
 namespace symbol {
+/// The symbol of the exported function of this name.
+/// @{
 constexpr char GetFrameGrabber[] = "GetFrameGrabber";
 constexpr char DestroyFrameGrabber[] = "DestroyFrameGrabber";
 constexpr char CurrentFrameInfo[] = "FGCurrentFrameInfo";
 constexpr char GetFeature[] = "_Z15LXSP_GetFeaturejP14osvlx3_feature";
 constexpr char SetFeature[] = "_Z15LXSP_SetFeaturejPK14osvlx3_feature";
 constexpr char Free[] = "_Z9LXSP_FreePv";
+/// @}
 }  // namespace symbol
 
 }  // namespace lx

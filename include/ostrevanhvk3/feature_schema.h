@@ -87,10 +87,10 @@ static_assert(sizeof(osvlx3_biometric_data) == 40, "the record is a binary contr
 
 /// The sample: this header of 48 bytes, and the pixels behind it in the same block.
 struct osvlx3_biometric_image {
-  std::int32_t width;           ///< pixels
-  std::int32_t height;          ///< pixels
-  std::uint32_t bytes_per_row;  ///< padding included
-  std::uint8_t bits_per_pixel;
+  std::int32_t width;             ///< pixels
+  std::int32_t height;            ///< pixels
+  std::uint32_t bytes_per_row;    ///< padding included
+  std::uint8_t bits_per_pixel;    ///< as in the image's own header
   unsigned char reserved[3];      ///< padding
   std::int32_t x_pels_per_meter;  ///< horizontal resolution, pixels per metre
   std::int32_t y_pels_per_meter;  ///< vertical resolution, pixels per metre
@@ -129,6 +129,7 @@ namespace lx {
 /// to on entry is not freed.
 /// @param id 3 to 55; features that are known to the interface are described, also those that this
 ///   family of scanners does not have
+/// @param schema the caller's record, which is filled
 /// @param withCondition true to have `condition` 1 and the values allocated, for features that have
 ///   a minimum and a maximum
 OSTREVANHVK3_EXPORT void GetFeatureSchema(unsigned int id, osvlx3_feature_schema& schema,
@@ -140,6 +141,7 @@ OSTREVANHVK3_EXPORT void GetFeatureSchema(unsigned int id, osvlx3_feature_schema
 /// of a copy, those before the one that failed have values of their own; that one and those behind
 /// it still point to the values of the source.
 /// @param source `count` records
+/// @param count number of records
 /// @param target receives an array of `count` records; first give back the `values` of each, then
 ///   the array
 OSTREVANHVK3_EXPORT void CopyFeatures1(const osvlx3_feature_schema* source, unsigned int count,
@@ -152,7 +154,10 @@ OSTREVANHVK3_EXPORT void CopyFeatures1(const osvlx3_feature_schema* source, unsi
 /// The list record of a unit. Cuts the name at 99 characters.
 OSTREVANHVK3_EXPORT void unit_schema2dev_info(const osvlx3_unit_schema& unit, DeviceInfo& device);
 
-/// The unit of a list record. @param channels goes into the record as it is
+/// The unit of a list record.
+/// @param device a record of `AvailableDevices`
+/// @param unit the caller's record, which is filled
+/// @param channels goes into the record as it is
 OSTREVANHVK3_EXPORT void dev_info2unit_schema(const DeviceInfo& device, osvlx3_unit_schema& unit,
                                               unsigned int channels);
 /// @}
@@ -199,6 +204,8 @@ OSTREVANHVK3_EXPORT bool isSignatureMode(unsigned int options);
 OSTREVANHVK3_EXPORT eCaptureModeIDs CapOption2CapMode(unsigned int options);
 /// @}
 
+/// A pointer to an exported function, as `dlsym` gives it.
+/// @{
 typedef void (*GetFeatureSchemaFunction)(unsigned int, osvlx3_feature_schema&, bool);
 typedef void (*CopyFeatures1Function)(const osvlx3_feature_schema*, unsigned int,
                                       osvlx3_feature_schema**);
@@ -208,9 +215,12 @@ typedef void (*ImageToBiodataFunction)(const unsigned char*, osvlx3_biometric_da
 typedef const char* (*VersionTextFunction)(unsigned short);
 typedef bool (*CaptureOptionFunction)(unsigned int);
 typedef eCaptureModeIDs (*CaptureModeFunction)(unsigned int);
+/// @}
 
 /// The names to look up, which carry the parameter types.
 namespace symbol {
+/// The symbol of an exported function.
+/// @{
 constexpr char GetFeatureSchema[] = "_ZN3Osv2lx16GetFeatureSchemaEjR21osvlx3_feature_schemab";
 constexpr char CopyFeatures1[] = "_ZN3Osv2lx13CopyFeatures1EPK21osvlx3_feature_schemajPPS1_";
 constexpr char UnitToDevice[] =
@@ -226,6 +236,7 @@ constexpr char IsPreviewAutoDetectMode[] = "_ZN3Osv2lx23isPreviewAutoDetectModeE
 constexpr char IsRollMode[] = "_ZN3Osv2lx10isRollModeEj";
 constexpr char IsSignatureMode[] = "_ZN3Osv2lx15isSignatureModeEj";
 constexpr char CaptureMode[] = "_ZN3Osv2lx17CapOption2CapModeEj";
+/// @}
 }  // namespace symbol
 
 }  // namespace lx

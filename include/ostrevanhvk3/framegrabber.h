@@ -47,7 +47,8 @@
 namespace Osv {
 namespace lx {
 
-/// A frame grabber. The order of the operations is a binary contract with the plug-in.
+/// A frame grabber. The order of the operations is a binary contract with the plug-in. What they
+/// have in common - threads, blocking, results, opening, buffer sizes - stands in framegrabber.h.
 class ClFramegrabber {
  public:
   /// Not for the client: give the object back with `DestroyFrameGrabber`.

@@ -52,8 +52,10 @@ class ImageView {
   std::size_t stride() const { return (width() + 3) / 4 * 4; }
 
   /// Pixels per metre, horizontally and vertically; 19685 is 500 dots per inch.
+  /// @{
   int x_pixels_per_metre() const { return m_pHeader->biXPelsPerMeter; }
   int y_pixels_per_metre() const { return m_pHeader->biYPelsPerMeter; }
+  /// @}
 
   /// The pixel rows as they stand in memory, the lowest row of the picture first.
   const unsigned char* pixels() const {

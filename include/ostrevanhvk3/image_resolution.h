@@ -10,15 +10,18 @@ namespace lx {
 /// A resolution in pixels per metre. 500 dots per inch are 19685.
 class ClImageResolution {
  public:
+  /// 0 in both directions.
   ClImageResolution() : m_nX(0), m_nY(0) {}
 
   /// Takes pixels per metre, not dots per inch.
   ClImageResolution(unsigned int x, unsigned int y) : m_nX(x), m_nY(y) {}
 
+  /// A copy.
   ClImageResolution(const ClImageResolution& other) : m_nX(other.m_nX), m_nY(other.m_nY) {}
 
   virtual ~ClImageResolution() {}
 
+  /// Takes the values of another one.
   ClImageResolution& operator=(const ClImageResolution& other) {
     if (this != &other) {
       m_nX = other.m_nX;
@@ -27,9 +30,11 @@ class ClImageResolution {
     return *this;
   }
 
+  /// Equal in both directions.
   bool operator==(const ClImageResolution& other) const {
     return m_nX == other.m_nX && m_nY == other.m_nY;
   }
+  /// Unequal in one direction at least.
   bool operator!=(const ClImageResolution& other) const { return !(*this == other); }
 
   /// Sets the resolution from dots per inch; the pixels per metre are cut to whole numbers.

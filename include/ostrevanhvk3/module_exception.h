@@ -17,6 +17,7 @@ namespace lx {
 /// thrown.
 class OSTREVANHVK3_EXPORT CLX3ModuleException {
  public:
+  /// Carries an error number.
   explicit CLX3ModuleException(unsigned int value) : m_nValue(value) {}
 
   /// The error number, without the bit 0x10000000.

@@ -4,6 +4,7 @@
 /// @file
 /// The mark of what passes the library's boundary.
 
+/// Marks a declaration as exported.
 #define OSTREVANHVK3_EXPORT __attribute__((visibility("default")))
 
 #endif

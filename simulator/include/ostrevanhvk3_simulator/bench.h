@@ -34,18 +34,24 @@ namespace Osv::simulator {
 
 /// Size of the frames that a simulated scanner delivers unless its `Device` says otherwise, in
 /// pixels.
+/// @{
 inline constexpr int kRawWidth = 640;
 inline constexpr int kRawHeight = 480;
+/// @}
 
 /// Size of the frames of the scanner that the words call small.
+/// @{
 inline constexpr int kSmallWidth = 480;
 inline constexpr int kSmallHeight = 360;
+/// @}
 
 /// Size of the images that the calibration engine makes of frames of the usual size. They have 500
 /// dots per inch.
+/// @{
 inline constexpr int kFinalWidth = 498;
 inline constexpr int kFinalHeight = 438;
 inline constexpr int kPixelsPerMetre = 19685;
+/// @}
 
 /// Number of interfaces.
 inline constexpr unsigned int kInterfaceCount = 128;
@@ -55,9 +61,9 @@ inline constexpr unsigned int kDefaultPace = 15;
 
 /// An 8-bit gray picture: rows from the top, `width` bytes each, no padding; 0 is black.
 struct GrayImage {
-  int width = 0;
-  int height = 0;
-  std::vector<unsigned char> pixels;
+  int width = 0;                      ///< pixels in a row
+  int height = 0;                     ///< rows
+  std::vector<unsigned char> pixels;  ///< `width` times `height` bytes
 };
 
 /// What is printed of a built-in finger.
@@ -75,19 +81,24 @@ enum class eFingerKind {
 
 /// How wet the skin is.
 enum class eSkin {
-  Normal,
-  Dry,  ///< thin, broken ridges
-  Wet   ///< wide ridges that run into each other
+  Normal,  ///< neither
+  Dry,     ///< thin, broken ridges
+  Wet      ///< wide ridges that run into each other
 };
 
 /// How a finger rolls: to one side, or there and back.
-enum class eRoll { Right, Left, RightAndBack, LeftAndBack };
+enum class eRoll {
+  Right,         ///< to the right side
+  Left,          ///< to the left side
+  RightAndBack,  ///< to the right side and back
+  LeftAndBack    ///< to the left side and back
+};
 
 /// Where a picture comes to lie: column and row of its upper left pixel in the final image, counted
 /// from the upper left corner. Negative for a picture larger than the image, which is then cut.
 struct Place {
-  int x = 0;
-  int y = 0;
+  int x = 0;  ///< column
+  int y = 0;  ///< row
 };
 
 /// What a scanner's extended memory holds.
@@ -98,9 +109,12 @@ enum class eMemory {
 };
 
 /// Four parts of a version; `kAbsentPart` in the third or fourth means that it is absent.
+/// @{
 using Version = std::array<std::uint16_t, 4>;
 inline constexpr std::uint16_t kAbsentPart = 0xFFFF;
+/// @}
 
+/// Control bytes, authorization code or secret bytes.
 using SevenBytes = std::array<unsigned char, 7>;
 
 /// A scanner as it is plugged in.
@@ -109,51 +123,53 @@ struct Device {
   unsigned char model = 1;          ///< 1 and 4 are scanners of the family
   unsigned int seed = 1;            ///< makes light, fixed pattern and noise of this unit
   int frame_width = kRawWidth;      ///< even; less than usual: it sees the middle of the platen
-  int frame_height = kRawHeight;
-  eMemory memory = eMemory::Calibrated;
+  int frame_height = kRawHeight;    ///< the same
+  eMemory memory = eMemory::Calibrated;  ///< what the extended memory holds
   std::size_t memory_size = 0;  ///< bytes; 0: block and some room (Calibrated), 4096 (Blank)
   std::string revision = "simulated unit 1";  ///< of the block; its first 16 bytes count
   std::string description = "simulator";      ///< of the block, up to 255 bytes
-  Version second_version = {2, 1, kAbsentPart, kAbsentPart};
-  Version third_version = {3, 4, 5, kAbsentPart};
-  SevenBytes control_bytes = {};
-  SevenBytes authorization_code = {};
-  SevenBytes secret = {};
+  Version second_version = {2, 1, kAbsentPart, kAbsentPart};  ///< of the scanner's three versions
+  Version third_version = {3, 4, 5, kAbsentPart};             ///< of the same
+  SevenBytes control_bytes = {};                              ///< read and written without a code
+  SevenBytes authorization_code = {};                         ///< guards the secret bytes
+  SevenBytes secret = {};                                     ///< read and written with the code
 };
 
 /// What a scanner looks like from outside at this moment.
 struct DeviceState {
-  bool plugged_in = false;
-  std::string serial;  ///< 8 bytes
-  unsigned int options = 0;
-  unsigned char green = 0;  ///< level of the LED
-  unsigned char red = 0;
-  SevenBytes control_bytes = {};
-  SevenBytes authorization_code = {};
-  SevenBytes secret = {};
-  unsigned int open_handles = 0;  ///< handles of this device not yet closed, dead ones too
+  bool plugged_in = false;             ///< false: the rest is as the scanner was when it went
+  std::string serial;                  ///< 8 bytes
+  unsigned int options = 0;            ///< as the scanner library set them
+  unsigned char green = 0;             ///< level of the LED
+  unsigned char red = 0;               ///< level of the LED
+  SevenBytes control_bytes = {};       ///< as they are now
+  SevenBytes authorization_code = {};  ///< as it is now
+  SevenBytes secret = {};              ///< as they are now
+  unsigned int open_handles = 0;       ///< handles of this device not yet closed, dead ones too
 };
 
 /// What happens on the platens, counted in dose frames delivered by all scanners together since the
 /// timeline was set. Phases of 0 frames are left out.
 struct Timeline {
-  unsigned int empty = 15;
-  unsigned int coming = 10;  ///< touching and pressing: contact grows
-  unsigned int staying = 45;
-  unsigned int lifting = 5;
+  unsigned int empty = 15;    ///< nothing lies there
+  unsigned int coming = 10;   ///< touching and pressing: contact grows
+  unsigned int staying = 45;  ///< the finger is settled
+  unsigned int lifting = 5;   ///< contact shrinks
   bool again = true;  ///< from the beginning after the last phase; otherwise its last frame stays
 
+  /// Nothing ever lies there.
   static constexpr Timeline empty_platen() { return {1, 0, 0, 0, false}; }
+  /// A settled finger lies there from the first frame on.
   static constexpr Timeline settled_finger() { return {0, 0, 1, 0, false}; }
 };
 
 /// What clients hold of the libraries, and what they did wrong in giving it back.
 struct Census {
   unsigned int scanner_handles = 0;  ///< not yet closed, dead ones too
-  unsigned int engines = 0;
-  unsigned int detectors = 0;
-  unsigned int wrong_releases = 0;  ///< of handles that were none, or given back before
-  unsigned int left_behind = 0;     ///< engines and detectors in a library that was closed
+  unsigned int engines = 0;          ///< instances of the calibration engine
+  unsigned int detectors = 0;        ///< instances of the fake finger detector
+  unsigned int wrong_releases = 0;   ///< of handles that were none, or given back before
+  unsigned int left_behind = 0;      ///< engines and detectors in a library that was closed
 };
 
 /// How far a scenario has come.
@@ -165,12 +181,12 @@ struct ScenarioState {
 /// A word of the language that steers the simulator, or an argument of such words.
 struct Word {
   std::string pattern;  ///< as in "roll WAY over FRAMES frames", or "FRAMES"
-  std::string meaning;
+  std::string meaning;  ///< a sentence or two
 };
 
 /// One call into a stand-in.
 struct Call {
-  std::string function;
+  std::string function;          ///< its name
   std::string arguments;         ///< in words, as in "handle 1, dose 60"
   std::string result;            ///< as in "1", "-21, size 220064", "handle 2"
   std::uint32_t last_error = 0;  ///< of the scanner library, behind the call
@@ -180,7 +196,11 @@ struct Call {
 };
 
 /// Where the logging stand-in writes its lines.
-enum class eLogTarget { Nowhere, StandardError, File };
+enum class eLogTarget {
+  Nowhere,        ///< they are dropped
+  StandardError,  ///< standard error of the process
+  File            ///< a file
+};
 
 /// The control of the simulator. Owned by the library; never delete it.
 class Bench {
@@ -208,12 +228,13 @@ class Bench {
   /// Leaves no scanner at any interface.
   virtual void unplug_all() = 0;
 
+  /// What the scanner looks like now.
   virtual DeviceState state(unsigned int interface) const = 0;
 
   /// Sets the levels of the LEDs, as if the application had done it.
   virtual void set_leds(unsigned int interface, unsigned char green, unsigned char red) = 0;
 
-  /// Set the code that guards the secret bytes, and these.
+  /// Sets the code that guards the secret bytes, or these.
   /// @{
   virtual void set_authorization_code(unsigned int interface, const SevenBytes& code) = 0;
   virtual void set_secret(unsigned int interface, const SevenBytes& bytes) = 0;
@@ -252,6 +273,7 @@ class Bench {
   /// It rolls, and stays on the side that it has reached. If it doesn't lie on the side where it
   /// begins, it first touches down there within 3 frames. A strip of four tenths of the picture's
   /// width touches at a time.
+  /// @param way to which side, and whether back
   /// @param frames from the first position to the last one, there and back together
   /// @throws std::invalid_argument for no frames
   virtual void roll(eRoll way, unsigned int frames) = 0;
@@ -276,8 +298,11 @@ class Bench {
   /// The picture that is the finger now, as it is with normal skin.
   virtual GrayImage finger() const = 0;
 
+  /// Sets what the finger is made of, or how wet its skin is.
+  /// @{
   virtual void set_finger_kind(eFingerKind kind) = 0;
   virtual void set_skin(eSkin skin) = 0;
+  /// @}
 
   /// How firmly the finger presses, from 0 to 100 percent of what settles it. Less makes the
   /// contact smaller and weaker. @throws std::invalid_argument for more
@@ -359,9 +384,10 @@ class Bench {
   /// @throws std::invalid_argument for a line as in `run`, with its number; nothing is carried out
   virtual void set_scenario(const std::string& lines) = 0;
 
+  /// How far the scenario has come.
   virtual ScenarioState scenario() const = 0;
 
-  /// All words, and all their arguments.
+  /// All words, or all their arguments.
   /// @{
   virtual std::vector<Word> vocabulary() const = 0;
   virtual std::vector<Word> arguments() const = 0;
@@ -372,6 +398,7 @@ class Bench {
   /// @{
 
   /// Sets where log lines go. A file is created with mode 0600 or appended to.
+  /// @param target where to
   /// @param path of the file, unused for other targets
   /// @throws std::runtime_error for a file that can't be opened
   virtual void set_log(eLogTarget target, const std::string& path) = 0;
