@@ -331,6 +331,9 @@ info --device 128
 doctor
 snap --out image.png
 snap --out image.gif
+snap --out image.fir --record-compression png --record-position left-index --record-quality 80
+snap --out image.fir --record-device 65536
+snap --out image.png --record-quality 80
 snap --show --shades 256
 snap --shades plain
 snap --show --json

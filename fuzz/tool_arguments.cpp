@@ -47,6 +47,8 @@ void require_ranges(const hvk3::Options& options) {
   require(options.hold >= 0 && options.hold <= kMost, "a time lies within its limits");
   require(options.level == 1 || options.level == 2, "a level is one of two");
   require(options.device.value_or(0) < kInterfaces, "an interface is there");
+  require(options.record.quality.value_or(0) <= 100, "a quality lies within its limits");
+  require(options.record.device_id <= 65535, "an identifier has two bytes");
   require(options.scene.scanners <= kInterfaces, "the scanners have interfaces");
   require(options.scene.pace <= 1000, "a pace lies within its limits");
 }

@@ -7,11 +7,16 @@
 
 namespace hvk3::test {
 
+/// Pixels per metre: 500 dots per inch.
+struct Resolution {
+  int x = 19685;
+  int y = 19685;
+};
+
 /// An image as the plug-in delivers it: `level(x, y)` is the pixel in column x and row y from the
 /// top.
 template <class Level>
-Image make_image(int width, int height, Level level) {
-  constexpr int kPixelsPerMetre = 19685;
+Image make_image(int width, int height, Level level, Resolution resolution = {}) {
   constexpr std::size_t kPalette = std::size_t{256} * 4;
   const std::size_t stride = (static_cast<std::size_t>(width) + 3) / 4 * 4;
   tagBITMAPINFOHEADER header = {};
@@ -20,7 +25,8 @@ Image make_image(int width, int height, Level level) {
   header.biHeight = height;
   header.biPlanes = 1;
   header.biBitCount = 8;
-  header.biXPelsPerMeter = header.biYPelsPerMeter = kPixelsPerMetre;
+  header.biXPelsPerMeter = resolution.x;
+  header.biYPelsPerMeter = resolution.y;
   std::vector<unsigned char> block(sizeof(header) + kPalette +
                                    stride * static_cast<std::size_t>(height));
   std::memcpy(block.data(), &header, sizeof(header));
@@ -34,8 +40,9 @@ Image make_image(int width, int height, Level level) {
 }
 
 /// An image of one gray level.
-inline Image make_gray_image(int width, int height, int level) {
-  return make_image(width, height, [level](int, int) { return level; });
+inline Image make_gray_image(int width, int height, int level, Resolution resolution = {}) {
+  return make_image(
+      width, height, [level](int, int) { return level; }, resolution);
 }
 
 }  // namespace hvk3::test

@@ -2,28 +2,19 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <png.h>
 
 #include "hvk3/failure.h"
 #include "support/temporary_folder.h"
 #include "tools/files.h"
 #include "tools/image_builder.h"
+#include "tools/image_readers.h"
 
 namespace hvk3::test {
 namespace {
 
 class ImageFile : public testing::Test {
  protected:
-  /// The gray levels of a PNG file, from the top, rows without padding.
-  static std::vector<int> png_levels(const std::string& path) {
-    png_image png = {};
-    png.version = PNG_IMAGE_VERSION;
-    EXPECT_NE(png_image_begin_read_from_file(&png, path.c_str()), 0);
-    png.format = PNG_FORMAT_GRAY;
-    std::vector<unsigned char> bytes(PNG_IMAGE_SIZE(png));
-    EXPECT_NE(png_image_finish_read(&png, nullptr, bytes.data(), 0, nullptr), 0);
-    return {bytes.begin(), bytes.end()};
-  }
+  static Levels levels_of(const std::string& path) { return png_levels(read_file(path)); }
 
   TemporaryFolder m_cFolder;
   const Image m_cImage = make_image(3, 2, [](int x, int y) { return 10 * y + x; });
@@ -31,7 +22,7 @@ class ImageFile : public testing::Test {
 
 TEST_F(ImageFile, APngBeginsWithTheTopRow) {
   write_image(m_cImage, m_cFolder.file("a.png"));
-  EXPECT_EQ(png_levels(m_cFolder.file("a.png")), (std::vector<int>{0, 1, 2, 10, 11, 12}));
+  EXPECT_EQ(levels_of(m_cFolder.file("a.png")), (Levels{0, 1, 2, 10, 11, 12}));
 }
 
 TEST_F(ImageFile, ABmpBeginsWithTheLowestRow) {
@@ -40,11 +31,27 @@ TEST_F(ImageFile, ABmpBeginsWithTheLowestRow) {
   EXPECT_EQ(file.substr(number_at(file, 10)), std::string("\12\13\14\0\0\1\2\0", 8));
 }
 
+TEST_F(ImageFile, APgmHasItsResolutionInAComment) {
+  write_image(m_cImage, m_cFolder.file("a.pgm"));
+  const Pgm pgm(read_file(m_cFolder.file("a.pgm")));
+  EXPECT_EQ(pgm.magic, "P5");
+  EXPECT_EQ(pgm.comment, "# 500 DPI: 19685 x 19685 pixels per metre");
+  EXPECT_EQ(pgm.white, 255U);
+}
+
+TEST_F(ImageFile, APgmBeginsWithTheTopRow) {
+  write_image(m_cImage, m_cFolder.file("a.pgm"));
+  const Pgm pgm(read_file(m_cFolder.file("a.pgm")));
+  EXPECT_EQ(pgm.width, 3U);
+  EXPECT_EQ(pgm.height, 2U);
+  EXPECT_EQ(pgm.levels, (Levels{0, 1, 2, 10, 11, 12}));
+}
+
 TEST_F(ImageFile, AnExistingFileIsReplacedWhole) {
   const std::string path = m_cFolder.file("a.png");
   write_image(make_gray_image(300, 300, 7), path);
   write_image(m_cImage, path);
-  EXPECT_EQ(png_levels(path).size(), 6U);
+  EXPECT_EQ(levels_of(path).size(), 6U);
   EXPECT_EQ(m_cFolder.count(), 1);
 }
 
@@ -55,8 +62,10 @@ TEST_F(ImageFile, AFailureLeavesNothingBehind) {
   EXPECT_EQ(m_cFolder.count(), 1);
 }
 
-TEST_F(ImageFile, OnlyPngAndBmpNamesAreImagePaths) {
+TEST_F(ImageFile, OnlyTheNamesOfItsFormsAreImagePaths) {
   EXPECT_TRUE(is_image_path("a.png"));
+  EXPECT_TRUE(is_image_path("a.pgm"));
+  EXPECT_TRUE(is_image_path("a.fir"));
   EXPECT_TRUE(is_image_path("b.PNG"));
   EXPECT_TRUE(is_image_path("c.d/e.Bmp"));
   EXPECT_FALSE(is_image_path("png"));

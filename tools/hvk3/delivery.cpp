@@ -51,7 +51,7 @@ void deliver(Context& context, const Image& image, unsigned int number) {
   const Options& options = context.options();
   const std::string file = file_name(options, number);
   if (!file.empty()) {
-    write_image(image, file);
+    write_image(image, file, options.record);
   }
   context.report()["images"].push_back(to_json(image, file));
   context.report().text(to_text(image, file));

@@ -1,35 +1,58 @@
 #include "hvk3/image_file.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <filesystem>
 
 #include "hvk3/atomic_file.h"
 #include "hvk3/bmp_file.h"
+#include "hvk3/pgm_file.h"
 #include "hvk3/png_file.h"
 
 namespace hvk3 {
 namespace {
 
-using Writer = bool (*)(const Image& image, std::FILE* stream);
+using Writer = bool (*)(const Image& image, const RecordDetails& details, std::FILE* stream);
 
-Writer writer_for(const std::string& path) {
+/// A writer of a form that has no room for the details.
+template <bool (*write)(const Image& image, std::FILE* stream)>
+bool write_without_details(const Image& image, const RecordDetails& /*details*/,
+                           std::FILE* stream) {
+  return write(image, stream);
+}
+
+std::string extension_of(const std::string& path) {
   std::string extension = std::filesystem::path(path).extension().string();
   std::transform(extension.begin(), extension.end(), extension.begin(),
                  [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
-  if (extension == ".png") {
-    return &write_png;
-  }
-  return extension == ".bmp" ? &write_bmp : nullptr;
+  return extension;
+}
+
+Writer writer_for(const std::string& path) {
+  struct Form {
+    const char* extension;
+    Writer writer;
+  };
+  static constexpr std::array kForms = {Form{".png", &write_without_details<&write_png>},
+                                        Form{".bmp", &write_without_details<&write_bmp>},
+                                        Form{".pgm", &write_without_details<&write_pgm>},
+                                        Form{".fir", &write_finger_image_record}};
+  const auto form = std::find_if(
+      kForms.begin(), kForms.end(),
+      [extension = extension_of(path)](const Form& each) { return extension == each.extension; });
+  return form != kForms.end() ? form->writer : nullptr;
 }
 
 }  // namespace
 
 bool is_image_path(const std::string& path) { return writer_for(path) != nullptr; }
 
-void write_image(const Image& image, const std::string& path) {
+bool is_record_path(const std::string& path) { return extension_of(path) == ".fir"; }
+
+void write_image(const Image& image, const std::string& path, const RecordDetails& details) {
   AtomicFile file(path);
-  if (!writer_for(path)(image, file.stream())) {
+  if (!writer_for(path)(image, details, file.stream())) {
     file.fail();
   }
   file.commit();

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "hvk3/finger_image_record.h"
 #include "hvk3/image.h"
 
 /// @file
@@ -9,12 +10,17 @@
 
 namespace hvk3 {
 
-/// Whether the path ends in an extension that `write_image` knows: .png or .bmp, in any case.
+/// Whether the path ends in an extension that `write_image` knows: .png, .bmp, .pgm or .fir, in any
+/// case.
 bool is_image_path(const std::string& path);
 
-/// Writes an 8-bit gray PNG or BMP, by the extension of `path`, with its resolution. The file
-/// appears whole, with mode 0600, or not at all.
+/// Whether it is one of a finger image record: .fir.
+bool is_record_path(const std::string& path);
+
+/// Writes an 8-bit gray PNG, BMP, PGM or finger image record, by the extension of `path`, with its
+/// resolution. The file appears whole, with mode 0600, or not at all.
+/// @param details only a record has them
 /// @throws Failure `OutputFailed`
-void write_image(const Image& image, const std::string& path);
+void write_image(const Image& image, const std::string& path, const RecordDetails& details = {});
 
 }  // namespace hvk3

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <map>
 
+#include "hvk3/choice_option.h"
 #include "hvk3/failure.h"
 #include "hvk3/image_file.h"
 
@@ -23,16 +24,6 @@ unsigned int to_pace(const std::string& word) {
     throw CLI::ValidationError("--pace", "neither 1 to 1000 nor 'unlimited'");
   }
   return pace;
-}
-
-/// An option whose argument is one of some words.
-template <class Enum>
-CLI::Option* add_choice(CLI::App& command, const std::string& name, Enum& target,
-                        const std::map<std::string, Enum>& words, const std::string& description) {
-  const auto assign = [words, &target](const std::string& word) { target = words.at(word); };
-  return command.add_option_function<std::string>(name, assign, description)
-      ->type_name("")
-      ->check(CLI::IsMember(words));
 }
 
 /// What `parse` makes of an argument; its refusal is one of the command line's.
@@ -121,11 +112,15 @@ void add_device_option(CLI::App& command, Options& options) {
 void add_image_options(CLI::App& command, Options& options) {
   const CLI::Validator image_path(
       [](const std::string& path) {
-        return is_image_path(path) ? "" : "the file name must end in .png or .bmp";
+        return is_image_path(path) ? "" : "the file name must end in .png, .bmp, .pgm or .fir";
       },
       "FILE");
-  command.add_option("--out", options.out, "Write the image, as PNG or BMP by its extension")
+  command
+      .add_option(
+          "--out", options.out,
+          "Write the image, by the extension as PNG, BMP, PGM or finger image record (.fir)")
       ->check(image_path);
+  add_record_options(command, options);
   CLI::Option* const show =
       command.add_flag("--show", options.show, "Draw the image with characters")
           ->excludes("--json");

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "hvk3/finger_image_record.h"
 #include "hvk3/scene.h"
 #include "hvk3/settings.h"
 #include "hvk3/terminal_picture.h"
@@ -30,6 +31,7 @@ struct Options {
   std::string out;  ///< image file; empty: none
   bool show = false;
   eShades shades = eShades::Auto;
+  RecordDetails record;
 
   eMode mode = eMode::Plain;
   unsigned int count = 1;
@@ -59,6 +61,7 @@ struct Options {
 void add_plugin_options(CLI::App& command, Options& options);
 void add_device_option(CLI::App& command, Options& options);
 void add_image_options(CLI::App& command, Options& options);
+void add_record_options(CLI::App& command, Options& options);
 void add_capture_options(CLI::App& command, Options& options);
 void add_settle_option(CLI::App& command, Options& options, const std::string& description);
 void add_count_option(CLI::App& command, Options& options, const std::string& description);

@@ -48,6 +48,7 @@ void run(Context& context) {
 }
 
 void add_options(CLI::App& app, Options& options) {
+  options.record.impression = eImpression::LiveRolled;
   add_plugin_options(app, options);
   add_device_option(app, options);
   add_image_options(app, options);

@@ -1,0 +1,54 @@
+#include <vector>
+
+#include "hvk3/choice_option.h"
+#include "hvk3/image_file.h"
+#include "hvk3/options.h"
+
+namespace hvk3 {
+namespace {
+
+const std::map<std::string, eFingerPosition> kPositions = {
+    {"unknown", eFingerPosition::Unknown},        {"right-thumb", eFingerPosition::RightThumb},
+    {"right-index", eFingerPosition::RightIndex}, {"right-middle", eFingerPosition::RightMiddle},
+    {"right-ring", eFingerPosition::RightRing},   {"right-little", eFingerPosition::RightLittle},
+    {"left-thumb", eFingerPosition::LeftThumb},   {"left-index", eFingerPosition::LeftIndex},
+    {"left-middle", eFingerPosition::LeftMiddle}, {"left-ring", eFingerPosition::LeftRing},
+    {"left-little", eFingerPosition::LeftLittle}};
+
+/// Details that would get lost are refused.
+void refuse_without_record(const std::vector<CLI::Option*>& details, const std::string& out) {
+  for (const CLI::Option* const option : details) {
+    if (option->count() > 0 && !is_record_path(out)) {
+      throw CLI::ValidationError(option->get_name(),
+                                 "only for --out with a name that ends in .fir");
+    }
+  }
+}
+
+}  // namespace
+
+void add_record_options(CLI::App& command, Options& options) {
+  constexpr unsigned int kBestQuality = 100;
+  constexpr unsigned int kLargestId = 65535;
+  RecordDetails& record = options.record;
+  const std::vector<CLI::Option*> details = {
+      add_choice(command, "--record-compression", record.compression,
+                 {{"none", eRecordCompression::None}, {"png", eRecordCompression::Png}},
+                 "How the pixels stand in it (default: none)"),
+      add_choice(command, "--record-position", record.position, kPositions,
+                 "Which finger it is (default: unknown)"),
+      command
+          .add_option("--record-quality", record.quality, "Quality of the image (default: none)")
+          ->check(CLI::Range(0U, kBestQuality)),
+      command
+          .add_option("--record-device", record.device_id,
+                      "Identifier of the scanner's kind, 0 for not reported")
+          ->check(CLI::Range(0U, kLargestId))
+          ->capture_default_str()};
+  for (CLI::Option* const option : details) {
+    option->group("Finger image record");
+  }
+  command.final_callback([details, &options] { refuse_without_record(details, options.out); });
+}
+
+}  // namespace hvk3
