@@ -21,10 +21,10 @@ constexpr unsigned int kGrayToColour = 0x010101;
 
 /// The two columns, or rows, of the source between which one of the target lies.
 struct Neighbours {
-  unsigned long first = 0;
-  unsigned long second = 0;
-  double first_weight = 0;
-  double second_weight = 0;
+  unsigned long first;
+  unsigned long second;
+  double first_weight;
+  double second_weight;
 };
 
 /// The axis across or down, with `source` pixels stretched to `target`, which is at least 2.
@@ -130,7 +130,7 @@ class ColumnTables {
   ColumnTables(const Axis& across, Columns target)
       : m_size((target.count + kTogether - 1) / kTogether),
         m_from(across.at(target.from).first),
-        m_weights(2 * m_size),
+        m_weights(m_size),
         m_first(m_size * kTogether),
         m_places(m_size) {
     for (unsigned long x = 0; x < m_first.size(); ++x) {
@@ -156,8 +156,8 @@ class ColumnTables {
   void set(unsigned long x, const Neighbours& column) {
     const unsigned long group = x / kTogether;
     const bool cancelled = column.first_weight == -column.second_weight;
-    m_weights[2 * group].values[x % kTogether] = cancelled ? 0 : column.first_weight;
-    m_weights[2 * group + 1].values[x % kTogether] = cancelled ? 0 : column.second_weight;
+    m_weights[group].first.values[x % kTogether] = cancelled ? 0 : column.first_weight;
+    m_weights[group].second.values[x % kTogether] = cancelled ? 0 : column.second_weight;
     m_first[x] = static_cast<std::uint32_t>(column.first - m_from);
     const std::uint32_t place = m_first[x] - m_first[group * kTogether];
     m_places[group].places[x % kTogether] = img::kEmptyPlaces | place;
@@ -166,7 +166,7 @@ class ColumnTables {
 
   unsigned long m_size;
   unsigned long m_from;
-  std::vector<img::BlendedColumns> m_weights;
+  std::vector<img::ColumnWeights> m_weights;
   std::vector<std::uint32_t> m_first;
   std::vector<img::BlendedPlaces> m_places;
   bool m_near = true;

@@ -19,6 +19,12 @@ struct alignas(kBlendedTogether * sizeof(double)) BlendedColumns {
   double values[kBlendedTogether];
 };
 
+/// What the two neighbours of columns that are blended together count.
+struct ColumnWeights {
+  BlendedColumns first;
+  BlendedColumns second;
+};
+
 /// Where columns that are blended together lie in a vector of bytes that begins with the first one:
 /// their places, as a shuffle that makes words of 32 bits takes them.
 struct alignas(kBlendedTogether * sizeof(std::uint32_t)) BlendedPlaces {
@@ -31,9 +37,9 @@ inline constexpr std::uint32_t kEmptyPlaces = 0x80808000;
 /// How `size` times `kBlendedTogether` columns come from a row, each from two side by side.
 struct ColumnBlends {
   std::size_t size;
-  const BlendedColumns* weights;  ///< of the first of the two, then of the second
-  const std::uint32_t* first;     ///< the first of the two
-  const BlendedPlaces* places;    ///< null unless all of them are below 16
+  const ColumnWeights* weights;
+  const std::uint32_t* first;   ///< the first of the two
+  const BlendedPlaces* places;  ///< null unless all of them are below 16
 };
 
 struct PixelKernels {

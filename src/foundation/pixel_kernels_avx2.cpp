@@ -135,18 +135,18 @@ HVK3_AVX2 void blend_picked(const loops::PickedColumns& picked, const ColumnBlen
   constexpr std::size_t kDoubles = sizeof(__m256d) / sizeof(double);
   const std::int32_t* first = picked.first;
   const std::int32_t* second = picked.second;
-  const BlendedColumns* weights = blends.weights;
+  const ColumnWeights* weights = blends.weights;
   for (BlendedColumns* const end = out + blends.size; out != end; ++out) {
     for (std::size_t x = 0; x < kBlendedTogether; x += kDoubles) {
       _mm256_store_pd(
           out->values + x,
           _mm256_add_pd(
-              _mm256_mul_pd(doubles_at(first + x), _mm256_load_pd(weights[0].values + x)),
-              _mm256_mul_pd(doubles_at(second + x), _mm256_load_pd(weights[1].values + x))));
+              _mm256_mul_pd(doubles_at(first + x), _mm256_load_pd(weights->first.values + x)),
+              _mm256_mul_pd(doubles_at(second + x), _mm256_load_pd(weights->second.values + x))));
     }
     first += kBlendedTogether;
     second += kBlendedTogether;
-    weights += 2;
+    ++weights;
   }
 }
 

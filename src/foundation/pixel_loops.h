@@ -247,8 +247,8 @@ HVK3_LOOP void blend_picked(const PickedColumns& picked, const ColumnBlends& ble
   for (std::size_t i = 0; i < blends.size; ++i) {
     for (std::size_t x = 0; x < kBlendedTogether; ++x) {
       out[i].values[x] =
-          picked.first[i * kBlendedTogether + x] * blends.weights[2 * i].values[x] +
-          picked.second[i * kBlendedTogether + x] * blends.weights[2 * i + 1].values[x];
+          picked.first[i * kBlendedTogether + x] * blends.weights[i].first.values[x] +
+          picked.second[i * kBlendedTogether + x] * blends.weights[i].second.values[x];
     }
   }
 }
@@ -263,7 +263,7 @@ HVK3_LOOP void blend_across(const unsigned char* row, const ColumnBlends& blends
   PickedColumns picked;
   for (std::size_t i = 0; i < blends.size; i += kPickedGroups) {
     const std::size_t left = blends.size - i;
-    const ColumnBlends part{left < kPickedGroups ? left : kPickedGroups, blends.weights + 2 * i,
+    const ColumnBlends part{left < kPickedGroups ? left : kPickedGroups, blends.weights + i,
                             blends.first + i * kBlendedTogether,
                             blends.places == nullptr ? nullptr : blends.places + i};
     kPick(row, part, picked);

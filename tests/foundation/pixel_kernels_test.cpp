@@ -237,7 +237,7 @@ TEST_P(PixelKernelsOf, BytesAreDoubledIntoTwoRowsAtEverySizeAndAlignment) {
 /// Tables for so many columns, whose first neighbours rise by a step.
 struct Tables {
   Tables(std::size_t groups, double step)
-      : weights(2 * groups), first(groups * kBlendedTogether), places(groups) {
+      : weights(groups), first(groups * kBlendedTogether), places(groups) {
     std::mt19937 generator(static_cast<unsigned int>(groups));
     std::uniform_real_distribution<double> weight(0, 1);
     for (std::size_t x = 0; x < first.size(); ++x) {
@@ -245,19 +245,19 @@ struct Tables {
       const std::size_t place = x % kBlendedTogether;
       first[x] = static_cast<std::uint32_t>(static_cast<double>(x) * step);
       places[group].places[place] = kEmptyPlaces | (first[x] - first[group * kBlendedTogether]);
-      weights[2 * group].values[place] = weight(generator);
-      weights[2 * group + 1].values[place] = 1 - weights[2 * group].values[place];
+      weights[group].first.values[place] = weight(generator);
+      weights[group].second.values[place] = 1 - weights[group].first.values[place];
     }
   }
 
   double plainly(std::size_t x, std::span<const unsigned char> row) const {
     const std::size_t group = x / kBlendedTogether;
     const std::size_t place = x % kBlendedTogether;
-    return row[first[x]] * weights[2 * group].values[place] +
-           row[first[x] + 1] * weights[2 * group + 1].values[place];
+    return row[first[x]] * weights[group].first.values[place] +
+           row[first[x] + 1] * weights[group].second.values[place];
   }
 
-  std::vector<BlendedColumns> weights;
+  std::vector<ColumnWeights> weights;
   std::vector<std::uint32_t> first;
   std::vector<BlendedPlaces> places;
 };
