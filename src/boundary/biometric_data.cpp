@@ -30,15 +30,17 @@ void check(const tagBITMAPINFOHEADER& bi) {
 }
 
 osvlx3_biometric_image describe(const tagBITMAPINFOHEADER& bi) {
-  osvlx3_biometric_image image{};
-  image.width = bi.biWidth;
-  image.height = bi.biHeight;
-  image.bytes_per_row = static_cast<std::uint32_t>(img::bmp_bpr(&bi));
-  image.bits_per_pixel = static_cast<std::uint8_t>(bi.biBitCount);
-  image.x_pels_per_meter = bi.biXPelsPerMeter;
-  image.y_pels_per_meter = bi.biYPelsPerMeter;
-  image.count = 1;
-  return image;
+  return {.width = bi.biWidth,
+          .height = bi.biHeight,
+          .bytes_per_row = static_cast<std::uint32_t>(img::bmp_bpr(&bi)),
+          .bits_per_pixel = static_cast<std::uint8_t>(bi.biBitCount),
+          .reserved = {},
+          .x_pels_per_meter = bi.biXPelsPerMeter,
+          .y_pels_per_meter = bi.biYPelsPerMeter,
+          .pixel_size = img::bmp_pixel_size(static_cast<unsigned long>(bi.biWidth),
+                                            static_cast<unsigned long>(bi.biHeight), bi.biBitCount),
+          .count = 1,
+          .pixels = nullptr};
 }
 
 }  // namespace
@@ -47,8 +49,6 @@ void image2biodata(const unsigned char* bitmap, osvlx3_biometric_data* target) {
   const auto* const bi = reinterpret_cast<const tagBITMAPINFOHEADER*>(bitmap);
   check(*bi);
   osvlx3_biometric_image image = describe(*bi);
-  image.pixel_size = img::bmp_pixel_size(static_cast<unsigned long>(bi->biWidth),
-                                         static_cast<unsigned long>(bi->biHeight), bi->biBitCount);
   const unsigned long size = image.pixel_size + sizeof(image);
   MAllocPointer block(size);
   image.pixels = static_cast<unsigned char*>(block.get()) + sizeof(image);

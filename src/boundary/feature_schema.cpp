@@ -3,21 +3,38 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <optional>
 
 namespace Osv::lx {
 namespace {
 
-/// The type of a feature's minimum and maximum.
-enum class eLimits { None, Byte, Unsigned, Signed };
+/// A feature's minimum and maximum, and the type of both.
+struct Limits {
+  enum class eType { Byte, Unsigned, Signed };
+
+  eType type;
+  std::int64_t min;
+  std::int64_t max;
+};
 
 struct Row {
   unsigned int id;
   const char* name;
   const char* description;
-  eLimits limits = eLimits::None;
-  std::int64_t min = 0;
-  std::int64_t max = 0;
+  std::optional<Limits> limits = {};
 };
+
+constexpr Limits bytes(std::int64_t min, std::int64_t max) {
+  return {Limits::eType::Byte, min, max};
+}
+
+constexpr Limits unsigned_numbers(std::int64_t min, std::int64_t max) {
+  return {Limits::eType::Unsigned, min, max};
+}
+
+constexpr Limits signed_numbers(std::int64_t min, std::int64_t max) {
+  return {Limits::eType::Signed, min, max};
+}
 
 constexpr unsigned int kChannelCount = 3;
 constexpr unsigned int kLiveliness = 6;
@@ -34,41 +51,40 @@ constexpr unsigned int kDisplayData = 52;
 constexpr std::array<Row, 23> kRows = {{
     {kChannelCount, "Number of channels",
      "The feature describes a maximal number of input channels or cameras of a scanner",
-     eLimits::Byte, 0, 255},
+     bytes(0, 255)},
     {kLiveliness, "Liveliness",
-     "The liveliness feature describes a liveliness level supported by a scanner", eLimits::Byte, 0,
-     2},
-    {kRedLED, "Red LED", "The feature controls a red LED of a scanner", eLimits::Byte, 0, 1},
-    {kGreenLED, "Green LED", "The feature controls a green LED of a scanner", eLimits::Byte, 0, 1},
-    {10, "LEDS", "Scanner Leds", eLimits::Unsigned, 0, 0xFFFFFFFF},
-    {12, "Fake detection", "Fake detection threshold", eLimits::Byte, 0, 100},
-    {13, "Low contrast image", "use mask for low contrast images", eLimits::Byte, 0, 1},
-    {kBeeperData, "Beeper data", "The feature describes beeper data", eLimits::Signed, 0, -1},
+     "The liveliness feature describes a liveliness level supported by a scanner", bytes(0, 2)},
+    {kRedLED, "Red LED", "The feature controls a red LED of a scanner", bytes(0, 1)},
+    {kGreenLED, "Green LED", "The feature controls a green LED of a scanner", bytes(0, 1)},
+    {10, "LEDS", "Scanner Leds", unsigned_numbers(0, 0xFFFFFFFF)},
+    {12, "Fake detection", "Fake detection threshold", bytes(0, 100)},
+    {13, "Low contrast image", "use mask for low contrast images", bytes(0, 1)},
+    {kBeeperData, "Beeper data", "The feature describes beeper data", signed_numbers(0, -1)},
     {kAutoCaptureBeep, "Auto capture beep",
-     "The feature controls the auto capture beep of a scanner", eLimits::Byte, 0, 1},
+     "The feature controls the auto capture beep of a scanner", bytes(0, 1)},
     {kFastPreviewMask, "Use fast preview mask",
-     "The feature controls if a fast preview mask shall be used or not", eLimits::Byte, 0, 1},
+     "The feature controls if a fast preview mask shall be used or not", bytes(0, 1)},
     {kRotateAndCrop, "Rotate and crop rolled image",
      "The feature controls if the final image at the end of a roll sequence shall be auto rotated "
      "and cropped",
-     eLimits::Byte, 0, 1},
-    {24, "Signature Filter", "Sigma value for signature filter 10000 == 1.0.", eLimits::Signed, 0,
-     500000},
-    {25, "Signature Detect", "Detect timeout for signature function in ms.", eLimits::Signed, 0,
-     20000},
-    {26, "Signature Sensor Mode", "Full scanner surface (0) or lower half (1).", eLimits::Signed, 0,
-     1},
-    {27, "Reset Image.", "Clears image in incremental image modes.", eLimits::Signed, 0, 1},
-    {28, "Desired Width.", "Defines image output width.", eLimits::Signed, 0, 16383},
-    {29, "Desired Height.", "Defines image output height.", eLimits::Signed, 0, 16383},
-    {50, "Contamination level", "get contamination level", eLimits::Unsigned, 0, 100},
+     bytes(0, 1)},
+    {24, "Signature Filter", "Sigma value for signature filter 10000 == 1.0.",
+     signed_numbers(0, 500000)},
+    {25, "Signature Detect", "Detect timeout for signature function in ms.",
+     signed_numbers(0, 20000)},
+    {26, "Signature Sensor Mode", "Full scanner surface (0) or lower half (1).",
+     signed_numbers(0, 1)},
+    {27, "Reset Image.", "Clears image in incremental image modes.", signed_numbers(0, 1)},
+    {28, "Desired Width.", "Defines image output width.", signed_numbers(0, 16383)},
+    {29, "Desired Height.", "Defines image output height.", signed_numbers(0, 16383)},
+    {50, "Contamination level", "get contamination level", unsigned_numbers(0, 100)},
     {kCaptureOptions, "Capture option", "The feature describes capture options that unit supports",
-     eLimits::Signed, 0, -1},
+     signed_numbers(0, -1)},
     {kDisplayData, "Display data", "The feature describes display data"},
     {53, "SetNewAuthorizationCode", "set KR authorization code (7 bytes)"},
     {54, "Secret7Bytes",
      "KR secret 7 bytes (14 bytes total: 7 bytes authorization + secret 7 bytes)"},
-    {55, "Image data format", "the format used with image callbacks", eLimits::Byte, 1, 2},
+    {55, "Image data format", "the format used with image callbacks", bytes(1, 2)},
 }};
 
 /// Null for a number that no row has.
@@ -79,20 +95,21 @@ const Row* find_row(unsigned int id) {
 }
 
 template <typename T>
-void set_limits(const Row& row, osvlx3_feature_schema& schema) {
-  init_feature_minmax_cond(schema, static_cast<T>(row.min), static_cast<T>(row.max));
+void set_limits(const Limits& limits, osvlx3_feature_schema& schema) {
+  init_feature_minmax_cond(schema, static_cast<T>(limits.min), static_cast<T>(limits.max));
 }
 
 void add_condition(const Row& row, osvlx3_feature_schema& schema) {
-  switch (row.limits) {
-    case eLimits::Byte:
-      return set_limits<unsigned char>(row, schema);
-    case eLimits::Unsigned:
-      return set_limits<unsigned int>(row, schema);
-    case eLimits::Signed:
-      return set_limits<int>(row, schema);
-    case eLimits::None:
-      return;
+  if (!row.limits) {
+    return;
+  }
+  switch (row.limits->type) {
+    case Limits::eType::Byte:
+      return set_limits<unsigned char>(*row.limits, schema);
+    case Limits::eType::Unsigned:
+      return set_limits<unsigned int>(*row.limits, schema);
+    case Limits::eType::Signed:
+      return set_limits<int>(*row.limits, schema);
   }
 }
 
