@@ -115,18 +115,16 @@ void ClFrameGrabberChannel::RunLoop() {
       StayFrozen(frozen);
       continue;
     }
-    if (frozen) {
+    if (std::exchange(frozen, false)) {
       SDK().FreezeSDK(*this, false);
     }
     RunPass();
-    frozen = false;
   }
 }
 
 void ClFrameGrabberChannel::StayFrozen(bool& frozen) {
-  if (!frozen) {
+  if (!std::exchange(frozen, true)) {
     SDK().FreezeSDK(*this, true);
-    frozen = true;
   }
   Sleep(kFreezePollMs);
 }
