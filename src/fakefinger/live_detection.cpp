@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <locale>
 #include <memory>
 #include <sstream>
@@ -19,6 +20,7 @@ namespace {
 
 constexpr unsigned int kScores = 101;
 constexpr char kSecurityLevel[] = "nSecurityLevel";
+constexpr int kDecimal = 10;
 
 using Curve = std::array<double, kScores>;
 using Guard = std::lock_guard<std::recursive_mutex>;
@@ -42,7 +44,7 @@ std::string to_text(double number) {
 
 /// The number in front of the first zero byte, 0 where there is none.
 double to_number(const std::string& text) {
-  std::istringstream in(text.substr(0, text.find('\0')));
+  std::istringstream in(text.c_str());
   let_out_failures(in);
   in.imbue(std::locale::classic());
   double number = 0.0;
@@ -186,9 +188,8 @@ void CLiveDetection::SetSecurityLevel(unsigned int level) {
 }
 
 unsigned int CLiveDetection::GetSecurityLevel() const {
-  unsigned int level = 0;
-  const int converted = std::sscanf(GetProperty(kSecurityLevel).c_str(), "%u", &level);
-  return converted == 1 ? level : 0;
+  return static_cast<unsigned int>(
+      std::strtoul(GetProperty(kSecurityLevel).c_str(), nullptr, kDecimal));
 }
 
 void CLiveDetection::SetFakeScore(double score) { m_dFakeScore = is_known(score) ? score : 1.0; }
