@@ -4,6 +4,7 @@
 #include <string>
 
 #include "faults/client.h"
+#include "faults/deadline.h"
 #include "faults/leaks.h"
 #include "faults/stage.h"
 #include "faults/threads.h"
@@ -102,10 +103,15 @@ class LoaderSweep : public testing::TestWithParam<std::string> {
   void with_each(Test test) {
     for (const Breakage& breakage : breakages_of(GetParam())) {
       const testing::ScopedTrace trace(__FILE__, __LINE__, breakage.in_words());
+      m_cDeadline.begin(breakage.in_words());
       Session client(breakage);
       test(client, breakage);
     }
+    m_cDeadline.end();
   }
+
+ private:
+  faults::Deadline m_cDeadline;
 };
 
 TEST_P(LoaderSweep, ABrokenLibraryHasThePredictedEndAndStaysOpenNowhere) {
