@@ -187,9 +187,8 @@ class BlendedRows {
   /// rows have a place each.
   const img::BlendedColumns* row(unsigned long y) {
     Row& row = m_rows[y % m_rows.size()];
-    if (row.y != y) {
+    if (std::exchange(row.y, y) != y) {
       m_kernels.blend_across(m_source.row(y), m_columns.blends(), row.columns.data());
-      row.y = y;
     }
     return row.columns.data();
   }

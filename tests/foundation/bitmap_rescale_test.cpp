@@ -10,6 +10,7 @@
 
 #include "foundation/bitmap.h"
 #include "foundation/bitmap_reference.h"
+#include "foundation/bitmap_rescale.h"
 #include "foundation/exceptions.h"
 #include "foundation/rescale_reference.h"
 
@@ -254,6 +255,21 @@ TEST(BilinearRescale, EqualsTheReferenceOnAFrame) {
   expect_bilinear(source, 201, 301);
   expect_bilinear(source, 97, 83);
   expect_bilinear(source, 301, 63);
+}
+
+TEST(BilinearRescale, BlendsNoMoreColumnsThanItNeeds) {
+  static std::size_t groups = 0;
+  img::PixelKernels kernels = img::pixel_kernels();
+  kernels.blend_across = [](const unsigned char* row, const img::ColumnBlends& blends,
+                            img::BlendedColumns* out) {
+    groups = blends.size;
+    img::pixel_kernels().blend_across(row, blends, out);
+  };
+  for (unsigned long width = 2; width < 40; ++width) {
+    (void)interpolated(created(5, 5, 8), width, 2, kernels);
+    EXPECT_EQ(groups, width / img::kBlendedTogether + (width % img::kBlendedTogether != 0))
+        << width;
+  }
 }
 
 TEST(BilinearRescale, BlendsBetweenTheFourCorners) {
