@@ -9,6 +9,7 @@
 #include <locale>
 #include <memory>
 #include <sstream>
+#include <string>
 #include <utility>
 
 #include "fakefinger/live_detection_lib.h"
@@ -27,25 +28,10 @@ using Guard = std::lock_guard<std::recursive_mutex>;
 
 bool is_known(double score) { return score != 0.0 && !std::isnan(score); }
 
-/// A stream keeps a lack of memory to itself unless told otherwise, and gives a wrong text or
-/// number.
-template <typename Stream>
-void let_out_failures(Stream& stream) {
-  stream.exceptions(std::ios_base::badbit);
-}
-
-std::string to_text(double number) {
-  std::ostringstream out;
-  let_out_failures(out);
-  out.imbue(std::locale::classic());
-  out << number;
-  return out.str();
-}
-
 /// The number in front of the first zero byte, 0 where there is none.
 double to_number(const std::string& text) {
   std::istringstream in(text.c_str());
-  let_out_failures(in);
+  in.exceptions(std::ios_base::badbit);  // otherwise a lack of memory gives a wrong number
   in.imbue(std::locale::classic());
   double number = 0.0;
   in >> number;
@@ -56,7 +42,7 @@ double to_number(const std::string& text) {
 Curve read_curve(CLiveDetectionLib& detector, void* handle, const char* rate) {
   Curve curve{};
   for (unsigned int score = 0; score < kScores; ++score) {
-    detector.SetProperty(handle, "dQueryScore", to_text(score).c_str());
+    detector.SetProperty(handle, "dQueryScore", std::to_string(score).c_str());
     curve[score] = to_number(detector.GetProperty(handle, rate));
   }
   return curve;
