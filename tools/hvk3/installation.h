@@ -3,11 +3,16 @@
 #include <filesystem>
 
 /// @file
-/// Where the program itself lies; its libraries stand beside it.
+/// Where the program's libraries lie: beside it, where `cmake --install` puts them or where the
+/// build does.
 
 namespace hvk3 {
 
-/// The folder above the one that holds the executable.
-std::filesystem::path installation_prefix();
+/// The path of the plug-in, or its bare name for the loader to find when none is beside the
+/// program.
+std::filesystem::path plugin_path();
+
+/// The folder of the simulator, there or not.
+std::filesystem::path simulator_folder();
 
 }  // namespace hvk3

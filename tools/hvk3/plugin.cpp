@@ -1,21 +1,11 @@
 #include "hvk3/plugin.h"
 
-#include <filesystem>
-
 #include "hvk3/installation.h"
 
 namespace hvk3 {
 namespace {
 
-constexpr char kFileName[] = "libostrevanhvk3.so";
-
-std::string choose(const std::string& path) {
-  if (!path.empty()) {
-    return path;
-  }
-  const std::filesystem::path beside = installation_prefix() / "lib" / kFileName;
-  return std::filesystem::exists(beside) ? beside.string() : kFileName;
-}
+std::string choose(const std::string& path) { return path.empty() ? plugin_path().string() : path; }
 
 }  // namespace
 

@@ -21,9 +21,8 @@ constexpr std::array<const char*, 5> kLibraries = {
 constexpr char kStandardInput[] = "-";
 
 std::filesystem::path folder_of(const Scene& scene) {
-  const std::filesystem::path folder = scene.libraries.empty()
-                                           ? installation_prefix() / "simulator"
-                                           : std::filesystem::path(scene.libraries);
+  const std::filesystem::path folder =
+      scene.libraries.empty() ? simulator_folder() : std::filesystem::path(scene.libraries);
   return std::filesystem::absolute(folder);
 }
 
