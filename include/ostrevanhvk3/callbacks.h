@@ -15,15 +15,19 @@
 /// `tagBITMAPINFOHEADER` (see image_block.h).
 ///
 /// A callback must not throw, must not wait for a thread that is inside `StopCapture`,
-/// `StartCapture`, `SetActiveDevice` or `DestroyFrameGrabber`, and must not call `StopCapture`
-/// (number 65 on the worker thread, or nothing once the client has stopped) or
-/// `DestroyFrameGrabber` (ignored on the worker thread). The event callback runs with the driver's
-/// lock held: it must not wait for a thread that is inside `GetInfo`, `GetImage`,
-/// `AvailableDevices` or `ContaminationDetection` either, nor for one that turns fake finger
-/// detection on or off, switches an LED or reads whether the detection is on (`SetFGProperty` and
-/// `SetFGPropertyEx` of 6, 7 and 8, `GetFGProperty` and `GetFGPropertyEx` of 6), nor call
-/// `SetCallbacks`. A start or stop callback must not wait for a thread inside `SetCallbacks`. While
-/// an image callback runs, no further frame is fetched: a slow callback slows capture.
+/// `StartCapture`, `SetActiveDevice` or `DestroyFrameGrabber`, and on the worker thread must not
+/// call `StopCapture` (number 65, or nothing once the client has stopped) or `DestroyFrameGrabber`
+/// (ignored). The event callback runs with the driver's lock held: it must not wait for a thread
+/// that is inside `GetInfo`, `GetImage`, `AvailableDevices` or `ContaminationDetection` either, nor
+/// for one that turns fake finger detection on or off, switches an LED or reads whether the
+/// detection is on (`SetFGProperty` and `SetFGPropertyEx` of 6, 7 and 8, `GetFGProperty` and
+/// `GetFGPropertyEx` of 6), nor call `SetCallbacks`. A start or stop callback must not wait for a
+/// thread inside `SetCallbacks`. While an image callback runs, no further frame is fetched: a slow
+/// callback slows capture.
+///
+/// In the event of a `GetImage`, on the client's thread, capture can be started and stopped and
+/// another scanner chosen. A stop lets other threads take their frames while it waits. A frame
+/// grabber that is destroyed there must not be used any more, and goes when the `GetImage` returns.
 
 #include "ostrevanhvk3/enumerations.h"
 

@@ -36,8 +36,9 @@ OSTREVANHVK3_EXPORT Osv::lx::ClFramegrabber* GetFrameGrabber();
 ///
 /// Stop capture first: a destruction during capture can wait for ever on a worker that waits for
 /// the driver, or whose callback waits for the calling thread. On the worker thread it does
-/// nothing. Never call it from inside the event callback of a `GetImage`, which runs on the
-/// client's thread.
+/// nothing. Inside the event callback of a `GetImage`, which runs on the client's thread, it ends
+/// capture and the client's use of the frame grabber at once; what this holds, the open scanner
+/// among it, it gives back when that `GetImage` returns.
 OSTREVANHVK3_EXPORT void DestroyFrameGrabber();
 
 /// `ClFramegrabber::CurrentFrameInfo` with its failures turned into results. Never blocks.

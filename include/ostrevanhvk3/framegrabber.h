@@ -139,9 +139,9 @@ class ClFramegrabber {
   ///
   /// Waits for the frame, or for 100 ms while frozen, and for the callbacks that are running. Does
   /// nothing on a channel that does not capture. A capture that is stopped before its worker has
-  /// begun has no callback at all. Not from inside a callback, and not while a
-  /// callback waits for the calling thread. On the worker thread it is refused; in the event
-  /// callback of a `GetImage`, which runs on a client thread, it could wait for ever.
+  /// begun has no callback at all. Not from inside a callback on the worker thread, where it is
+  /// refused, and not while a callback waits for the calling thread. In the event callback of a
+  /// `GetImage`, which runs on a client thread, it works.
   /// @param channel 1
   /// @return 0; 0x10000041 from inside a callback on the worker thread: capture then goes on, or
   ///   has ended already in the stop callback after an error; 0 inside a callback that still runs
@@ -260,9 +260,10 @@ class ClFramegrabber {
   /// Chooses a scanner by its interface number, and opens it.
   ///
   /// Choosing the one that is already chosen does nothing, also while it is closed. A new choice
-  /// stops capture, so not from inside a callback and not while a callback waits for the calling
-  /// thread; it then blocks as `StopCapture` does, and for the opening. The choice is told to the
-  /// scanner library, and the first scanner that this lists from then on is opened.
+  /// stops capture, so not from inside a callback on the worker thread and not while a callback
+  /// waits for the calling thread; it then blocks as `StopCapture` does, and for the opening. The
+  /// choice is told to the scanner library, and the first scanner that this lists from then on is
+  /// opened.
   /// @param index an interface number of `AvailableDevices`
   /// @return 0; 0x10000041 for a new choice inside a callback on the worker thread, unless the
   ///   callback still runs after the client's stop; 0x1000001B when no scanner of this family is at

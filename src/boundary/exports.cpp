@@ -52,7 +52,7 @@ void DestroyFrameGrabber() {
     OSV_LOG(OsvLFError, "KR9 scanner. DestroyFrameGrabber was called from inside a callback.");
     return;
   }
-  delete m_pFG;
+  ClOstrevanHVK3Framegrabber::Destroy(m_pFG);
   m_pFG = nullptr;
   delete m_pDummy;
   m_pDummy = nullptr;

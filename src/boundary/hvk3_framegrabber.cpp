@@ -40,6 +40,15 @@ unsigned long ClOstrevanHVK3Framegrabber::Uninitialize() {
   });
 }
 
+void ClOstrevanHVK3Framegrabber::Destroy(ClOstrevanHVK3Framegrabber* grabber) {
+  if (grabber == nullptr || !grabber->IsInsideEvent()) {
+    delete grabber;
+    return;
+  }
+  grabber->m_bGoesWithImage = true;
+  grabber->StopAllChannel();
+}
+
 void ClOstrevanHVK3Framegrabber::FreezeSDK(ClFrameGrabberChannel& /*channel*/, bool /*enable*/) {}
 
 unsigned long ClOstrevanHVK3Framegrabber::Stored(unsigned long number, const char* text) {
@@ -100,10 +109,14 @@ unsigned long ClOstrevanHVK3Framegrabber::SetCamera(unsigned int channel, eCamer
 }
 
 unsigned long ClOstrevanHVK3Framegrabber::GetImage(unsigned int channel, unsigned char** image) {
-  return Translated([&] {
+  const unsigned long number = Translated([&] {
     const unsigned long result = Snap(channel, image);
     return result == 0 ? 0 : Stored(result, error_text::GetImageFailed);
   });
+  if (m_bGoesWithImage && !IsInsideEvent()) {
+    delete this;
+  }
+  return number;
 }
 
 unsigned long ClOstrevanHVK3Framegrabber::StartCapture(

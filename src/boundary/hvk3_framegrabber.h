@@ -26,6 +26,10 @@ class ClOstrevanHVK3Framegrabber : public ClFramegrabber,
   /// has.
   ~ClOstrevanHVK3Framegrabber() override { FreeSDK(); }
 
+  /// Ends capture and deletes a frame grabber, which may be null. From inside the event of an image
+  /// that it takes it goes with the end of that call.
+  static void Destroy(ClOstrevanHVK3Framegrabber* grabber);
+
   unsigned long GetInfo(char* text, unsigned long& size) override;
   unsigned long GetVersion(char* text, unsigned long& size) override;
   unsigned long FreeImage(unsigned char* image) override;
@@ -109,6 +113,7 @@ class ClOstrevanHVK3Framegrabber : public ClFramegrabber,
   unsigned long OnChannel(unsigned int channel, Operation operation);
 
   ClVersion m_Version;
+  TXRelaxed<bool> m_bGoesWithImage = false;
 };
 
 }  // namespace Osv::lx

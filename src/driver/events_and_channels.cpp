@@ -37,7 +37,10 @@ void ClOstrevanHVK3SDK::EnableEvents(int /*unused*/, unsigned int handle, ClEven
   m_cEvents.Set(static_cast<int>(handle), callback, user);
 }
 
-void ClOstrevanHVK3SDK::OnFakeFinger() { m_cEvents.Fire(m_nEventChannel, eFG_HVK3_FakeFinger); }
+void ClOstrevanHVK3SDK::OnFakeFinger() {
+  const CXEventLock::Inside inside(m_cEventLock);
+  m_cEvents.Fire(m_nEventChannel, eFG_HVK3_FakeFinger);
+}
 
 void ClOstrevanHVK3SDK::SetCamera(unsigned int channel, eCameraIDs camera, eColorModeIDs mode) {
   InitializeScanner();

@@ -287,13 +287,22 @@ unsigned long ClOstrevanHVK3SDK::StartCapture(int handle, unsigned int channel,
 
 bool ClOstrevanHVK3SDK::StopCapture(unsigned int channel) {
   OSV_LOG(OsvLFTrace, "KR9 scanner. Calling StopCapture function. Channel number: %d", channel);
-  return get_item(m_cChannels, channel).StopCapture();
+  return StopChannel(get_item(m_cChannels, channel));
 }
 
 void ClOstrevanHVK3SDK::StopAllChannel() {
   for (ClOstrevanHVK3Channel& channel : m_cChannels) {
-    channel.StopCapture();
+    StopChannel(channel);
   }
+}
+
+/// In the event of a snap the client's thread has the lock that the worker wants for its frame.
+bool ClOstrevanHVK3SDK::StopChannel(ClOstrevanHVK3Channel& channel) {
+  if (channel.IsCurrentThread()) {
+    return channel.StopCapture();  // waits for nobody
+  }
+  const CXEventLock::Pause pause(m_cEventLock);
+  return channel.StopCapture();
 }
 
 void ClOstrevanHVK3SDK::Freeze(unsigned int channel, bool enable) {

@@ -10,6 +10,7 @@
 #include "driver/calibration/calibration.h"
 #include "driver/calibration/disable_dyn_calibration.h"
 #include "driver/device/futronic_base_sdk.h"
+#include "driver/event_lock.h"
 #include "driver/events.h"
 #include "driver/logging_callback.h"
 #include "driver/setting.h"
@@ -153,6 +154,9 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   /// `handle` comes back in the callback; the first argument is dropped.
   void EnableEvents(int unused, unsigned int handle, ClEventCallback callback, void* user);
   void OnFakeFinger();
+
+  /// Whether the calling thread is inside the event callback, and so in the midst of a frame.
+  bool IsInsideEvent() const { return m_cEventLock.IsInside(); }
   void SetCamera(unsigned int channel, eCameraIDs camera, eColorModeIDs mode);
   void SetFilter(unsigned int channel, eFilterIDs filter);
   void SetResolution(unsigned int channel, const ClImageResolution& resolution);
@@ -252,6 +256,7 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   /// The calibration of the scanner that is open. @throws ClLXException 2 when there is none
   std::shared_ptr<CXCalibration> Calibration() const;
   std::shared_ptr<CXCalibration> ReadCalibration();
+  bool StopChannel(ClOstrevanHVK3Channel& channel);
   unsigned long ChooseFirstScanner();
   unsigned long OpenChosenScanner();
   unsigned long ChangeScanner(unsigned long index);
@@ -291,6 +296,7 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   // Kept from one frame to the next while fake finger detection is on; guarded by m_cLock.
   std::unique_ptr<LDImages> m_pLDImages;
 
+  CXEventLock m_cEventLock{m_cLock};
   mutable std::mutex m_cErrorLock;  // leaf
 
   // Held to open, close or change the scanner, and from the look at a bitmap until the frame is in

@@ -202,7 +202,7 @@ unsigned long destroy_frame_grabber(const Caller& c) {
 
 unsigned long start_capture(const Caller& c) {
   return c.grabber.StartCapture(kHandle, kChannel, eCaptureLive, nullptr, nullptr, nullptr, nullptr,
-                                nullptr);
+                                c.user);
 }
 
 unsigned long stop_capture(const Caller& c) { return c.grabber.StopCapture(kChannel); }

@@ -16,6 +16,7 @@ struct Caller {
   lx::ClFramegrabber& grabber;
   ClStartCallback start;  ///< what it has set with `SetCallbacks`
   ClStopCallback stop;
+  void* user = nullptr;  ///< of a capture that it starts
 };
 
 /// What an operation waits for while the scanner is open.
