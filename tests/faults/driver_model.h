@@ -41,6 +41,9 @@ class DriverModel {
 
   const Answers& answers() const { return m_cAnswers; }
 
+  /// The callbacks of all captures in their order, warnings left aside.
+  const std::vector<unsigned int>& callbacks() const { return m_vCallbacks; }
+
   /// Detector instances that could not be destroyed.
   unsigned int lost_detectors() const { return m_nLostDetectors; }
 
@@ -156,6 +159,7 @@ class DriverModel {
   void take_events(const Step& step, std::string& value);
 
   Answers m_cAnswers;
+  std::vector<unsigned int> m_vCallbacks;
   State m_s;
   double m_dOwnScore;
   bool m_bDummy = false;

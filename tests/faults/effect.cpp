@@ -197,6 +197,9 @@ std::string Fault::in_words() const {
 }
 
 std::string Incident::in_words() const {
+  if (callback.has_value()) {
+    return "inside callback " + std::to_string(*callback) + "\n" + unplugging_in_words(comes_back);
+  }
   const std::string wait = "wait " + std::to_string(call) + (call == 1 ? " call" : " calls") +
                            " of " + simulator::name_of(function) + "\n";
   return (call == 0 ? "" : wait) + unplugging_in_words(comes_back);

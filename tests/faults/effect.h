@@ -52,14 +52,16 @@ struct Fault {
 
 using Faults = std::vector<Fault>;
 
-/// The scanner at interface 0 is unplugged behind a call, or before all calls.
+/// The scanner at interface 0 is unplugged behind a call, before all calls, or inside a callback of
+/// the first capture.
 struct Incident {
   eFunction function = {};
   unsigned int call = 0;  ///< 0: before all calls
+  std::optional<unsigned int> callback = {};
   eReturn comes_back = eReturn::Never;
   bool opening = false;  ///< the scanner is not open yet
 
-  /// As the simulator takes it.
+  /// As the simulator takes it, but for a callback, which is the client's to know.
   std::string in_words() const;
 };
 

@@ -114,19 +114,20 @@ const std::vector<Scenario>& all_scenarios() {
 const std::vector<Scenario>& unplugging_scenarios() {
   using enum eStep;
   const std::vector<Attached> one = {{0}, {.interface = kElsewhere, .away = true}};
-  const auto live = eFingerKind::Live;
-  const auto with = [&](const std::string& name, std::vector<Step> steps) {
+  const auto with = [&](const std::string& name, std::vector<Step> steps,
+                        eFingerKind finger = eFingerKind::Live) {
     for (const Step& step :
          {Step{Live, 2}, {Live, 2}, {List}, {Choose, 127}, {Live, 2}, {GetAgain}, {Live, 2}}) {
       steps.push_back(step);
     }
-    return Scenario{name, one, live, steps};
+    return Scenario{name, one, finger, steps};
   };
+  const std::vector<Step> scored = {
+      {SetProperty, ePropFakeDetection, 30}, {SetProperty, ePropLiveliness, 1}, {Live, 6}};
   static const std::vector<Scenario> all = {
       with("live", {{Live, 6}}), with("plain", {{Plain, 6}}),
       with("LEDs", {{SetProperty, ePropRedLED, 1}, {Live, 6}}),
-      with("fake finger detection",
-           {{SetProperty, ePropFakeDetection, 30}, {SetProperty, ePropLiveliness, 1}, {Live, 6}})};
+      with("fake finger detection", scored), with("printed finger", scored, eFingerKind::Printed)};
   return all;
 }
 

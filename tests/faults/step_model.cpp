@@ -351,6 +351,7 @@ void DriverModel::worker(const Step& step, std::string& value) {
 }
 
 void DriverModel::act_inside(const Step& step, unsigned int callback) {
+  m_vCallbacks.push_back(callback);
   if (step.unplugs.has_value() && step.unplugs->callback == callback && !m_bUnplugged) {
     m_bUnplugged = true;
     m_cAnswers.unplug(step.unplugs->comes_back);

@@ -48,10 +48,15 @@ Sweep::Sweep(const Scenario& scenario) : m_sScenario(scenario), m_dScore(own_sco
     model.run(step);
     if (first_calls == 0 && is_capture(step)) {
       first_calls = model.answers().calls().size();
+      m_vFirstCallbacks = model.callbacks();
     }
   }
   model.destroy();
   learn_sites(model.answers(), first_calls);
+  // Only the first event of a capture is one to act in.
+  std::sort(m_vFirstCallbacks.begin(), m_vFirstCallbacks.end());
+  m_vFirstCallbacks.erase(std::unique(m_vFirstCallbacks.begin(), m_vFirstCallbacks.end()),
+                          m_vFirstCallbacks.end());
 }
 
 void Sweep::learn_sites(const Answers& answers, std::size_t first_calls) {
@@ -99,14 +104,39 @@ std::vector<Attempt> Sweep::unpluggings(eReturn comes_back) const {
   std::vector<Attempt> runs = {{.incident = Incident{.comes_back = comes_back, .opening = true}}};
   for (const Site& site : m_vFirstCalls) {
     opening = opening && site.function != CalibrateSetData;
-    runs.push_back({.incident = Incident{site.function, site.call, comes_back, opening}});
+    runs.push_back({.incident = Incident{.function = site.function,
+                                         .call = site.call,
+                                         .comes_back = comes_back,
+                                         .opening = opening}});
   }
+  for (const unsigned int callback : m_vFirstCallbacks) {
+    runs.push_back(unplugging_inside(callback, comes_back));
+  }
+  runs.push_back(unplugging_inside(kErrorCallback, comes_back));
   return runs;
 }
 
-std::string Sweep::do_steps(Client& client, DriverModel& model) {
+/// The last frame of the first capture fails for the error's callback.
+Attempt Sweep::unplugging_inside(unsigned int callback, eReturn comes_back) const {
+  Attempt attempt = {.incident = Incident{.callback = callback, .comes_back = comes_back}};
+  if (callback == kErrorCallback) {
+    const auto last = std::find_if(
+        m_vFirstCalls.rbegin(), m_vFirstCalls.rend(),
+        [](const Site& site) { return site.function == ftrScanGetImageByVariableDose; });
+    attempt.faults = {{last->function, last->call, false, {.fails_with = kOrdinary}}};
+  }
+  return attempt;
+}
+
+std::string Sweep::do_steps(const Attempt& attempt, Client& client, DriverModel& model) {
   std::string findings;
-  for (const Step& step : m_sScenario.steps) {
+  bool is_first_capture = true;
+  for (const Step& own : m_sScenario.steps) {
+    Step step = own;
+    if (is_capture(step) && std::exchange(is_first_capture, false) &&
+        attempt.incident.has_value() && attempt.incident->callback.has_value()) {
+      step.unplugs = Unplugging{*attempt.incident->callback, attempt.incident->comes_back};
+    }
     const std::string predicted = model.run(step);
     m_vLines.push_back(client.run(step));
     findings += difference(m_vLines.back(), predicted);
@@ -122,7 +152,7 @@ std::string Sweep::check_locks(Client& client, DriverModel& model) {
 }
 
 std::string Attempt::in_words() const {
-  return incident.has_value() ? incident->in_words() : faults::in_words(faults);
+  return faults::in_words(faults) + (incident.has_value() ? incident->in_words() : "");
 }
 
 std::string Sweep::findings_of(const Attempt& attempt) {
@@ -167,7 +197,7 @@ std::string Sweep::pass(const Attempt& attempt) {
   DriverModel model(m_sScenario, m_dScore);
   bench().set_faults(in_words(attempt.faults));
   model.plan(attempt.faults);
-  if (attempt.incident.has_value()) {
+  if (attempt.incident.has_value() && !attempt.incident->callback.has_value()) {
     bench().set_scenario(attempt.incident->in_words());
     model.plan(*attempt.incident);
   }
@@ -176,7 +206,7 @@ std::string Sweep::pass(const Attempt& attempt) {
   std::string findings;
   Client client;
   for (int round = 0; round < (attempt.twice ? 2 : 1); ++round) {
-    findings += do_steps(client, model);
+    findings += do_steps(attempt, client, model);
   }
   findings += check_locks(client, model);
   client.destroy();

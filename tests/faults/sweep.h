@@ -43,7 +43,8 @@ class Sweep {
   /// Behind one fault of each call a second one where the recovery comes along.
   std::vector<Attempt> double_faults() const;
 
-  /// An unplugging behind each call up to the end of the first capture.
+  /// An unplugging behind each call up to the end of the first capture, and inside each callback of
+  /// it: the error's too, of a frame that fails otherwise.
   std::vector<Attempt> unpluggings(eReturn comes_back) const;
 
   /// What the client had of the steps of the last run, fault-free ones left aside.
@@ -67,15 +68,17 @@ class Sweep {
 
   Run run(const Attempt& attempt);
   std::string pass(const Attempt& attempt);
-  std::string do_steps(Client& client, DriverModel& model);
+  std::string do_steps(const Attempt& attempt, Client& client, DriverModel& model);
   std::string check_locks(Client& client, DriverModel& model);
   void learn_sites(const Answers& answers, std::size_t first_calls);
+  Attempt unplugging_inside(unsigned int callback, eReturn comes_back) const;
 
   const Scenario& m_sScenario;
   Deadline m_cDeadline;
   double m_dScore = 0;
   std::vector<Site> m_vSites;
-  std::vector<Site> m_vFirstCalls;  // all calls up to the end of the first capture
+  std::vector<Site> m_vFirstCalls;              // all calls up to the end of the first capture
+  std::vector<unsigned int> m_vFirstCallbacks;  // of the first capture, each kind once
   std::vector<std::string> m_vLines;
 };
 

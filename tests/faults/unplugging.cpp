@@ -81,7 +81,9 @@ bool is_good_capture(const std::string& capture) {
 eNoticed noticed(const std::string& capture) {
   const bool prepares = has(capture, "error(Couldn't read the image size of scanner. error: 2) ") ||
                         has(capture, "error(Capture raw image failed. error: 2) ");
-  return is_good_capture(capture)    ? eNoticed::NotYet
+  const bool tells_nothing = is_good_capture(capture) ||
+                             has(capture, "error(KR9 scanner. Scanner error: 1460 error: 1460) ");
+  return tells_nothing               ? eNoticed::NotYet
          : is_disconnection(capture) ? eNoticed::OnAFrame
          : prepares                  ? eNoticed::InPreparation
                                      : eNoticed::WhileOpening;

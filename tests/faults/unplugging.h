@@ -15,7 +15,7 @@ enum class eNoticed {
   OnAFrame,       ///< a disconnection: the scanner is closed
   InPreparation,  ///< the preparation's own failure: the scanner is held for open
   WhileOpening,   ///< the start or the preparation could not open the scanner
-  NotYet          ///< images came, and no error
+  NotYet          ///< images came, and no error but an injected one
 };
 
 eNoticed noticed(const std::string& capture);

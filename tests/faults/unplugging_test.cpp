@@ -9,7 +9,6 @@
 #include "faults/storm.h"
 #include "faults/sweep.h"
 #include "faults/unplugging.h"
-#include "ostrevanhvk3/enumerations.h"
 #include "support/closed_libraries.h"
 
 namespace Osv::faults {
@@ -21,11 +20,11 @@ std::string test_name(const testing::TestParamInfo<Scenario>& info) {
   return name;
 }
 
-/// An unplugging behind some call of a capture; `--whole` takes every call.
+/// An unplugging behind some call or inside some callback of a capture; `--whole` takes every one.
 class Unplugging : public testing::TestWithParam<Scenario> {
  protected:
   /// At another place for each kind of return.
-  void unplug_behind_a_call(eReturn comes_back) {
+  void unplug_somewhere(eReturn comes_back) {
     const std::vector<Attempt> all = sweep.unpluggings(comes_back);
     const std::size_t place = 1 + static_cast<std::size_t>(comes_back);
     const Attempt& attempt = all[place * all.size() / (std::size(kReturns) + 1)];
@@ -37,16 +36,14 @@ class Unplugging : public testing::TestWithParam<Scenario> {
   Sweep sweep{GetParam()};
 };
 
-TEST_P(Unplugging, LeavesNoGhostInTheList) { unplug_behind_a_call(eReturn::Never); }
+TEST_P(Unplugging, LeavesNoGhostInTheList) { unplug_somewhere(eReturn::Never); }
 
-TEST_P(Unplugging, IsOverWhenTheScannerIsBack) { unplug_behind_a_call(eReturn::Here); }
+TEST_P(Unplugging, IsOverWhenTheScannerIsBack) { unplug_somewhere(eReturn::Here); }
 
-TEST_P(Unplugging, IsOverWhenAScannerIsAtAnotherInterface) {
-  unplug_behind_a_call(eReturn::Elsewhere);
-}
+TEST_P(Unplugging, IsOverWhenAScannerIsAtAnotherInterface) { unplug_somewhere(eReturn::Elsewhere); }
 
 TEST_P(Unplugging, IsOverWhenAScannerWithLargerFramesIsInItsPlace) {
-  unplug_behind_a_call(eReturn::Another);
+  unplug_somewhere(eReturn::Another);
 }
 
 INSTANTIATE_TEST_SUITE_P(In, Unplugging, testing::ValuesIn(unplugging_scenarios()), test_name);
@@ -59,7 +56,9 @@ class UnpluggingIn : public testing::TestWithParam<eReturn> {
   const std::vector<std::string>& behind_last(eFunction function) {
     Attempt attempt;
     for (const Attempt& candidate : sweep.unpluggings(GetParam())) {
-      attempt = candidate.incident->function == function ? candidate : attempt;
+      const bool is_it =
+          candidate.incident->function == function && !candidate.incident->callback.has_value();
+      attempt = is_it ? candidate : attempt;
     }
     EXPECT_EQ(sweep.findings_of(attempt), "");
     EXPECT_EQ(findings_of_unplugging(sweep.lines(), *attempt.incident), "");
@@ -96,64 +95,49 @@ TEST(UnpluggingPoints, AreTwoHundredAndMore) {
   EXPECT_GE(points, kPoints);
 }
 
-/// An unplugging inside each callback of a capture.
+/// An unplugging inside a callback of the capture that it meets.
 class UnpluggingInside : public testing::TestWithParam<eReturn> {
  protected:
-  static Scenario scenario(const std::vector<Step>& before, const Step& capture) {
-    Scenario all = {.name = "callback " + std::to_string(capture.unplugs->callback),
-                    .attached = {{0}, {.interface = kElsewhere, .away = true}},
-                    .steps = before};
-    for (const Step& step :
-         {capture, {eStep::PlugInAgain, 0}, {eStep::Live, 2}, {eStep::Live, 1}}) {
-      all.steps.push_back(step);
-    }
-    return all;
-  }
-
-  static Step live(unsigned int callback) {
-    return {eStep::Live, 4, 0, faults::Unplugging{callback, GetParam()}};
-  }
-
-  static std::string findings_in(const Scenario& scenario, const Faults& faults = {}) {
-    return Sweep(scenario).findings_of({.faults = faults});
+  /// The capture that was met.
+  static std::string met(const std::string& scenario, unsigned int callback) {
+    const auto found =
+        std::find_if(unplugging_scenarios().begin(), unplugging_scenarios().end(),
+                     [&](const Scenario& candidate) { return candidate.name == scenario; });
+    Sweep sweep(*found);
+    const std::vector<Attempt> all = sweep.unpluggings(GetParam());
+    const auto attempt = std::find_if(all.begin(), all.end(), [&](const Attempt& candidate) {
+      return candidate.incident->callback == callback;
+    });
+    EXPECT_EQ(sweep.findings_of(*attempt), "");
+    EXPECT_EQ(findings_of_unplugging(sweep.lines(), *attempt->incident), "");
+    return met_capture(sweep.lines());
   }
 
   simulator::ClosedLibraries libraries;
 };
 
-TEST_P(UnpluggingInside, TheStartTheLastImageOrTheStopHasThePredictedEnd) {
-  for (const unsigned int callback : {kStartCallback, 4U, kStopCallback}) {
-    EXPECT_EQ(findings_in(scenario({}, live(callback))), "");
+TEST_P(UnpluggingInside, TheStartIsNoticedInThePreparation) {
+  EXPECT_EQ(noticed(met("live", kStartCallback)), eNoticed::InPreparation);
+}
+
+TEST_P(UnpluggingInside, AnImageBeforeTheLastIsNoticedOnTheNextFrame) {
+  for (const unsigned int callback : {1U, 2U, 5U}) {
+    EXPECT_EQ(noticed(met("live", callback)), eNoticed::OnAFrame);
   }
 }
 
-TEST_P(UnpluggingInside, TheFingersCallbackHasThePredictedEnd) {
-  const Step plain = {eStep::Plain, 4, 0, faults::Unplugging{kFingerCallback, GetParam()}};
-  EXPECT_EQ(findings_in(scenario({}, plain)), "");
+TEST_P(UnpluggingInside, TheLastImageTheFingerOrTheStopIsNoticedByTheNextStart) {
+  EXPECT_EQ(noticed(met("live", 6)), eNoticed::NotYet);
+  EXPECT_EQ(noticed(met("plain", kFingerCallback)), eNoticed::NotYet);
+  EXPECT_EQ(noticed(met("live", kStopCallback)), eNoticed::NotYet);
 }
 
-TEST_P(UnpluggingInside, TheErrorsCallbackHasThePredictedEnd) {
-  const Fault fault = {
-      simulator::eFunction::ftrScanGetImageByVariableDose, 3, false, {.fails_with = 1460}};
-  EXPECT_EQ(findings_in(scenario({}, live(kErrorCallback)), {fault}), "");
+TEST_P(UnpluggingInside, TheErrorOfAnotherFailureIsNoticedByTheNextStart) {
+  EXPECT_EQ(noticed(met("live", kErrorCallback)), eNoticed::NotYet);
 }
 
-TEST_P(UnpluggingInside, TheEventsCallbackHasThePredictedEnd) {
-  Scenario printed = scenario(
-      {{eStep::SetProperty, ePropFakeDetection, 30}, {eStep::SetProperty, ePropLiveliness, 1}},
-      live(kEventCallback));
-  printed.finger = simulator::eFingerKind::Printed;
-  EXPECT_EQ(findings_in(printed), "");
-}
-
-TEST_P(UnpluggingInside, AnImageBeforeTheLastIsNoticedAndTheNextStartCaptures) {
-  for (const unsigned int callback : {1U, 2U, 3U}) {
-    const Scenario here = scenario({}, live(callback));
-    Sweep sweep(here);
-    EXPECT_EQ(sweep.findings_of({}), "");
-    EXPECT_EQ(noticed(sweep.lines()[0]), eNoticed::OnAFrame) << sweep.lines()[0];
-    EXPECT_TRUE(is_good_capture(sweep.lines()[2])) << sweep.lines()[2];
-  }
+TEST_P(UnpluggingInside, AnEventIsNoticedByTheNextFramesPreparation) {
+  EXPECT_EQ(noticed(met("printed finger", kEventCallback)), eNoticed::InPreparation);
 }
 
 INSTANTIATE_TEST_SUITE_P(With, UnpluggingInside, testing::ValuesIn(kReturns), return_name);
