@@ -1,7 +1,9 @@
 #!/usr/bin/env python3
-"""Prints a Markdown page with the anchors and links that Doxygen wants: page.py PAGE. Doxygen gives
-headings no anchors that are known beforehand, and knows a page by its anchor, not by its file."""
+"""Prints a Markdown page with the anchors, links and bold words that Doxygen wants: page.py PAGE.
+Doxygen gives headings no anchors that are known beforehand, knows a page by its anchor, not by its
+file, and takes stars before code for stars."""
 import pathlib
+import re
 import sys
 
 import markdown
@@ -10,6 +12,7 @@ import markdown
 class Page:
     def __init__(self, path):
         self._path = path
+        self._bold = False
 
     def name(self):
         """The anchor of the page: no two pages have one file name."""
@@ -37,11 +40,18 @@ class Page:
             return f"@ref {Page(path).name()}"
         return f"@ref {path.name}" if "include" in path.parts else path.name
 
+    def emphasis(self, match):
+        if match[0] != "**":
+            return match[0]  # code
+        self._bold = not self._bold
+        return "<b>" if self._bold else "</b>"
+
     def lines(self):
         for line, prose in markdown.lines(self._path.read_text(encoding="utf-8")):
             if prose:
                 line = markdown.LINK.sub(self.link, line)
                 line = markdown.HEADING.sub(self.heading, line)
+                line = re.sub(r"`[^`]*`|\*\*", self.emphasis, line)
             yield line
 
 
