@@ -16,6 +16,9 @@ namespace Osv::bad_calls {
 
 constexpr unsigned int kChannel = 1;
 
+/// What exported functions return without a frame grabber.
+constexpr unsigned long kNoFrameGrabber = lx::error_number::ReportedBit | 23;
+
 /// The text that is stored in front of every call. A row without a text leaves it there.
 constexpr char kTextBefore[] =
     "The frame information type ID[77] isn't supported by the frame grabber";
@@ -90,9 +93,12 @@ struct BadCall {
   /// The answer with no scanner there, where that is another one.
   std::optional<Answer> without_scanner = std::nullopt;
 
-  /// It differs from the row in front of it only in a number of which none is better than another.
-  /// A situation that takes its time to enter for each row leaves it out.
-  bool variant = false;
+  /// The answer of a scanner that was replugged since it was opened, where that is another one.
+  std::optional<Answer> with_dead_handle = std::nullopt;
+
+  /// What an exported function, which looks for the frame grabber itself, returns without one.
+  /// Nothing for an operation of the interface.
+  std::optional<unsigned long> without_frame_grabber = std::nullopt;
 };
 
 using BadCalls = std::vector<BadCall>;
@@ -110,14 +116,16 @@ unsigned long answered(Call call) {
 }
 
 /// @name The tables
-/// Every operation of the interface stands in one of them.
+/// In tables.h they stand side by side.
 /// @{
 BadCalls texts();
+BadCalls last_errors();
 BadCalls lists();
 BadCalls devices();
 BadCalls settings();
 BadCalls images();
 BadCalls captures();
+BadCalls second_captures();
 BadCalls properties();
 BadCalls operations_that_are_missing();
 BadCalls feature_reads();

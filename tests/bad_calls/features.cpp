@@ -77,6 +77,14 @@ void add_channels(BadCalls& calls, Access access) {
   }
 }
 
+/// These functions are all exported ones.
+BadCalls exported(BadCalls calls) {
+  for (BadCall& call : calls) {
+    call.without_frame_grabber = kNoFrameGrabber;
+  }
+  return calls;
+}
+
 /// Every number that is no feature of the scanner, among them all that the interface knows.
 template <typename Row>
 void add_unknown(BadCalls& calls, Row row) {
@@ -84,7 +92,6 @@ void add_unknown(BadCalls& calls, Row row) {
   for (unsigned int id = 0; id < kBeyondAll; ++id) {
     if (id < 53 || id > 55) {
       calls.push_back(row(Record{id}, 1, bare(IncorrectProperty)));
-      calls.back().variant = id > 0;
     }
   }
   calls.push_back(row(Record{kAllBits}, 1, bare(IncorrectProperty)));
@@ -121,6 +128,22 @@ void add_written_formats(BadCalls& calls) {
   }
 }
 
+/// A record that is as it should be, with another code than the scanner's: 0xA5 seven times.
+BadCall with_wrong_code(BadCall row, const char* asked) {
+  row.answer = reported(AuthorizationCode, error_text::ScannerAuthorization);
+  row.with_dead_handle = reported(NotConnected, asked);
+  return row;
+}
+
+/// A read that allocates the element, which goes back by the exported function.
+unsigned long read_into_new_memory(Hands& hands) {
+  osvlx3_feature feature = {55, 0, 0, 0, nullptr};
+  const unsigned long result = hands.plugin.get_feature()(kChannel, &feature);
+  hands.plugin.free()(feature.data);
+  hands.size = feature.count;
+  return result;
+}
+
 }  // namespace
 
 BadCalls feature_reads() {
@@ -146,12 +169,16 @@ BadCalls feature_reads() {
     }
   }
   calls.push_back(read_row({54, 1, true}, kBoth, reported(NullPointer, error_text::NullData)));
+  calls.push_back(with_wrong_code(read_row({54}, kBoth, {}), "RestoreSecret7Bytes"));
   for (const unsigned long width : {0UL, 2UL, 4UL, kHuge}) {
     calls.push_back(read_row({55, width}, 1, throws(ElementSize)));
     calls.push_back(read_row({55, width, true}, kHuge, throws(ElementSize)));
   }
   calls.push_back(read_row({55, 1, true}, 1, throws(NullPointer)));
-  return calls;
+  calls.push_back(read_row({55}, 1, writes(1)));
+  calls.push_back(read_row({55}, kHuge, writes(1)));
+  calls.push_back(behind_opening("reading 55 with no room", &read_into_new_memory, writes(1), 0));
+  return exported(calls);
 }
 
 BadCalls feature_writes() {
@@ -166,8 +193,9 @@ BadCalls feature_writes() {
   add_unknown(calls, &write_row);
   add_written_bytes(calls, 53, kCode);
   add_written_bytes(calls, 54, kBoth);
+  calls.push_back(with_wrong_code(write_row({54}, kBoth, {}), "SaveSecret7Bytes"));
   add_written_formats(calls);
-  return calls;
+  return exported(calls);
 }
 
 }  // namespace Osv::bad_calls

@@ -115,10 +115,9 @@ unsigned long get_extended(Hands& hands, unsigned int channel, unsigned int prop
                                        hands.wide_value);
 }
 
-void add_unknown_property(BadCalls& calls, unsigned int property, bool variant) {
+void add_unknown_property(BadCalls& calls, unsigned int property) {
   const auto row = [&](const char* what, std::function<unsigned long(Hands&)> call) {
     calls.push_back({numbered(what, property), std::move(call), kIncorrectProperty});
-    calls.back().variant = variant;
   };
   row("writing property", [=](Hands& hands) { return set_property(hands, property, 1); });
   row("reading property", [=](Hands& hands) { return get_property(hands, property); });
@@ -160,6 +159,13 @@ void add_contamination(BadCalls& calls) {
                    kIncorrectChannel});
 }
 
+BadCall exported_row(std::string what, std::function<unsigned long(Hands&)> call,
+                     const Answer& answer) {
+  BadCall row = {std::move(what), std::move(call), answer};
+  row.without_frame_grabber = kNoFrameGrabber;
+  return row;
+}
+
 /// Frame information, by the exported function and by the interface, which lets exceptions out.
 void add_frame_information(BadCalls& calls) {
   const auto exported = [](unsigned int type, bool null) {
@@ -178,15 +184,15 @@ void add_frame_information(BadCalls& calls) {
       "The frame information type ID[4294967295] isn't supported by the frame grabber";
   const Answer null = reported(NullPointer, "");
   for (const unsigned int type : {0U, 1U, 2U, kAllBits}) {
-    calls.push_back(
-        {numbered("frame information into nothing of type", type), exported(type, true), null});
+    calls.push_back(exported_row("frame information into nothing of type " + std::to_string(type),
+                                 exported(type, true), null));
     calls.push_back({numbered("the interface's frame information into nothing of type", type),
                      inherited(type, true), throws_without_number()});
   }
-  calls.push_back(
-      {"frame information of type 2", exported(2, false), reported(FrameInfoType, type_text)});
-  calls.push_back({"frame information of the last type", exported(kAllBits, false),
-                   reported(FrameInfoType, last_text)});
+  calls.push_back(exported_row("frame information of type 2", exported(2, false),
+                               reported(FrameInfoType, type_text)));
+  calls.push_back(exported_row("frame information of the last type", exported(kAllBits, false),
+                               reported(FrameInfoType, last_text)));
   calls.push_back({"the interface's frame information of type 2", inherited(2, false),
                    throws_without_number()});
 }
@@ -219,6 +225,37 @@ void add_features_without_scanner(BadCalls& calls) {
   }
 }
 
+/// The operations that are missing and would take a buffer: with one of `size`, and with none.
+void add_missing_buffers(BadCalls& calls, unsigned long size) {
+  const auto row = [&](const char* what, std::function<unsigned long(Hands&)> call,
+                       unsigned long number) {
+    calls.push_back({numbered(what, size), std::move(call), bare(number), size});
+  };
+  for (const bool null : {false, true}) {
+    row(
+        null ? "memory written from nothing of size" : "memory written of size",
+        [=](Hands& hands) {
+          return hands.grabber.WriteEEPROM(null ? nullptr : hands.room.data(), hands.size);
+        },
+        NotSupported);
+    row(
+        null ? "memory read into nothing of size" : "memory read of size",
+        [=](Hands& hands) {
+          return hands.grabber.ReadEEPROM(null ? nullptr : hands.room.data(), hands.size);
+        },
+        NotSupported);
+    for (const unsigned long channel : {0UL, 1UL, kBeyond32Bits}) {
+      row(
+          null ? "dialogs into nothing of size" : "dialogs of size",
+          [=](Hands& hands) {
+            return hands.grabber.AvailableDialogs(channel, null ? nullptr : hands.list<eDlgIDs>(),
+                                                  hands.size);
+          },
+          HardwareVersion);
+    }
+  }
+}
+
 }  // namespace
 
 BadCalls settings() {
@@ -247,6 +284,9 @@ BadCalls images() {
   BadCalls calls;
   add(calls, "giving no image back", [](Hands& hands) { return hands.grabber.FreeImage(nullptr); },
       {});
+  add(calls, "giving no memory back", [](Hands& hands) { return hands.plugin.free()(nullptr); },
+      {});
+  calls.back().without_frame_grabber = 0;
   for (const unsigned int channel : {0U, kChannel, 2U, kAllBits}) {
     add(
         calls, numbered("an image into nothing of channel", channel),
@@ -280,10 +320,21 @@ BadCalls captures() {
   return calls;
 }
 
+/// While the channel captures, or has ended with an error and was not stopped.
+BadCalls second_captures() {
+  BadCalls calls;
+  for (const unsigned int mode : {0U, 1U}) {
+    add(
+        calls, numbered("starting once more, mode", mode),
+        [=](Hands& hands) { return start(hands, kChannel, mode); }, reported(AlreadyCapturing, ""));
+  }
+  return calls;
+}
+
 BadCalls properties() {
   BadCalls calls;
   for (const unsigned int property : {0U, 1U, 2U, 4U, 5U, 9U, 10U, 11U, 14U, 54U, kAllBits}) {
-    add_unknown_property(calls, property, property > 0);
+    add_unknown_property(calls, property);
   }
   add_read_only_property(calls);
   opening(calls, 0, kNoScanner);
@@ -325,30 +376,13 @@ BadCalls operations_that_are_missing() {
         [=](Hands& hands) { return hands.grabber.SaveSetting(channel, ~0UL); },
         bare(HardwareVersion));
     add(
-        calls, numbered("the dialogs of channel", channel),
-        [=](Hands& hands) { return hands.grabber.AvailableDialogs(channel, nullptr, hands.size); },
-        bare(HardwareVersion));
-    add(
         calls, numbered("dialog", channel),
         [=](Hands& hands) { return hands.grabber.ShowDialog(static_cast<eDlgIDs>(channel), ~0UL); },
         bare(HardwareVersion));
   }
-  add(
-      calls, "memory written from nothing",
-      [](Hands& hands) { return hands.grabber.WriteEEPROM(nullptr, hands.size); },
-      bare(NotSupported));
-  add(
-      calls, "memory written",
-      [](Hands& hands) { return hands.grabber.WriteEEPROM(hands.room.data(), hands.size); },
-      bare(NotSupported));
-  add(
-      calls, "memory read into nothing",
-      [](Hands& hands) { return hands.grabber.ReadEEPROM(nullptr, hands.size); },
-      bare(NotSupported));
-  add(
-      calls, "memory read",
-      [](Hands& hands) { return hands.grabber.ReadEEPROM(hands.room.data(), hands.size); },
-      bare(NotSupported));
+  for (const unsigned long size : {0UL, 1UL, ~0UL}) {
+    add_missing_buffers(calls, size);
+  }
   return calls;
 }
 

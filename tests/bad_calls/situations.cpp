@@ -32,6 +32,11 @@ std::ostream& operator<<(std::ostream& out, const State& state) {
   return out;
 }
 
+InSituation::InSituation() {
+  bench.set_authorization_code(0, {1, 2, 3, 4, 5, 6, 7});
+  bench.set_secret(0, {7, 6, 5, 4, 3, 2, 1});
+}
+
 void InSituation::before_the_first_opening() {
   disconnect();
   connect();
@@ -49,6 +54,8 @@ void InSituation::after_a_disconnection() {
 }
 
 void InSituation::with_a_dead_handle() {
+  disconnect();
+  connect();
   open_with_settings();
   bench.unplug(0);
   bench.plug_in_again(0);
@@ -89,14 +96,19 @@ void InSituation::capture_until_error(unsigned int number) {
 }
 
 State InSituation::state() {
-  State state;
-  state.device = bench.state(0);
-  state.base_interface = bench.base_interface();
+  State state = scanner_state();
   EXPECT_EQ(grabber->GetActiveDevice(state.active_device), 0U);
   EXPECT_EQ(plugin.frame_info()(0, 0, 1, state.frame_information.data()), 0U);
   if (state.device.open_handles > 0) {
     state.properties = property_values();
   }
+  return state;
+}
+
+State InSituation::scanner_state() const {
+  State state;
+  state.device = bench.state(0);
+  state.base_interface = bench.base_interface();
   return state;
 }
 

@@ -28,13 +28,21 @@ std::ostream& operator<<(std::ostream& out, const State& state);
 
 class InSituation;
 
+enum class eScanner {
+  There,  ///< what opens it succeeds
+  Gone,
+  Replugged  ///< since it was opened: its handle is dead
+};
+
 /// One situation.
 struct Situation {
   const char* name;
   void (InSituation::*enter)();
 
-  /// A scanner of the family is there, so that what opens it succeeds.
-  bool scanner = true;
+  eScanner scanner = eScanner::There;
+
+  /// The channel captures, or would if it had not ended with an error.
+  bool captures = false;
 
   /// Frames come to the callback meanwhile.
   bool frames = false;
@@ -50,6 +58,9 @@ inline std::ostream& operator<<(std::ostream& out, const Situation& situation) {
 /// A client in one of the situations.
 class InSituation : public ClientTest {
  public:
+  /// The scanner's protected bytes are under a code that no row has.
+  InSituation();
+
   /// @name Entering
   /// @{
   void before_the_first_opening();
@@ -66,6 +77,9 @@ class InSituation : public ClientTest {
   void enter(const Situation& situation) { (this->*situation.enter)(); }
 
   State state();
+
+  /// The part of it that there is without a frame grabber.
+  State scanner_state() const;
 
  private:
   /// Opens the scanner, and gives settings values that they don't have at first.

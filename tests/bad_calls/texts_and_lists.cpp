@@ -75,6 +75,8 @@ void add_description(BadCalls& calls) {
   for (std::size_t row = first; row < calls.size(); ++row) {
     calls[row].opens = true;
     calls[row].without_scanner = reported(NotConnected, lx::error_text::MoreData);
+    calls[row].with_dead_handle =
+        reported(NotConnected, "Could not read the serial number of the scanner.");
   }
 }
 
@@ -107,6 +109,11 @@ BadCalls texts() {
   BadCalls calls;
   add_description(calls);
   add_version(calls);
+  return calls;
+}
+
+BadCalls last_errors() {
+  BadCalls calls;
   add(calls, {"the last error",
               [](Hands& hands, bool null) {
                 return hands.grabber.GetLastError(null ? nullptr : hands.text(), hands.size);
@@ -151,6 +158,9 @@ BadCalls devices() {
                      [index](Hands& hands) { return hands.grabber.SetActiveDevice(index); },
                      reported(lx::error_number::DeviceIndex, lx::error_text::DeviceIndex)});
   }
+  calls.push_back({"the chosen device",
+                   [](Hands& hands) { return hands.grabber.GetActiveDevice(hands.size); },
+                   writes(0)});
   return calls;
 }
 
