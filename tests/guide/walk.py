@@ -6,8 +6,9 @@ the top of the tree, with BUILD as build/default, it goes through the fenced blo
 - `sh` is run, and has to succeed;
 - `text` right behind it is what it prints, whatever stands where a line is "...".
 
-What the tree is built with has been run already, so commands of scripts/ only have to be there. The
-tool has simulated scanners, nothing becomes root, and the reader has a picture: print.png."""
+What builds and tests the tree has been run already, so commands of scripts/ and .ci/ only have to
+be there, and presets to be known. The tool has simulated scanners, nothing becomes root, and the
+reader has a picture: print.png."""
 import os
 import pathlib
 import re
@@ -18,7 +19,15 @@ import tempfile
 BLOCK = re.compile(r"^```(\w+)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 SAVED = re.compile(r"`([\w/.-]+)`:\s*\Z")
 
+KNOWS_ITS_PRESET = """
+for word in "$@"; do
+  [ "$before" != --preset ] || exec grep --quiet "\\"name\\": \\"$word\\"" CMakePresets.json
+  before=$word
+done
+exit 1"""
+
 STAND_INS = {
+    "cmake": KNOWS_ITS_PRESET,
     "hvk3": 'exec build/default/bin/hvk3 "$@" --simulate --pace unlimited',
     "sudo": "exit 0",
     "your-client": "exec build/default/bin/ostrevanhvk3_capture",
@@ -31,14 +40,15 @@ def write_program(path, line):
 
 
 def furnish(folder, sources, build):
-    for name in ("include", "simulator", "docs"):
+    for name in ("include", "simulator", "docs", "CMakePresets.json"):
         (folder / name).symlink_to(sources / name)
     (folder / "build").mkdir()
     (folder / "build/default").symlink_to(build)
-    (folder / "scripts").mkdir()
-    for script in (sources / "scripts").iterdir():
-        if os.access(script, os.X_OK):
-            write_program(folder / "scripts" / script.name, "exit 0")
+    for scripts in ("scripts", ".ci"):
+        (folder / scripts).mkdir()
+        for script in (sources / scripts).iterdir():
+            if os.access(script, os.X_OK):
+                write_program(folder / scripts / script.name, "exit 0")
     (folder / "stand-ins").mkdir()
     for name, line in STAND_INS.items():
         write_program(folder / "stand-ins" / name, line)
