@@ -45,10 +45,15 @@ void close_end(int& file) {
   }
 }
 
-pid_t spawn(const std::vector<std::string>& command, const Pipe& out, const Pipe& error) {
+pid_t spawn(const std::vector<std::string>& command, const Pipe& in, const Pipe& out,
+            const Pipe& error) {
   posix_spawn_file_actions_t actions = {};
   ::posix_spawn_file_actions_init(&actions);
-  ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+  if (in.read_end >= 0) {
+    ::posix_spawn_file_actions_adddup2(&actions, in.read_end, STDIN_FILENO);
+  } else {
+    ::posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+  }
   ::posix_spawn_file_actions_adddup2(&actions, out.write_end, STDOUT_FILENO);
   ::posix_spawn_file_actions_adddup2(&actions, error.write_end, STDERR_FILENO);
   std::vector<char*> arguments;
@@ -74,12 +79,15 @@ int status_of(int wait_status) {
 
 }  // namespace
 
-Process::Process(const std::vector<std::string>& command, Terminals terminals) {
+Process::Process(const std::vector<std::string>& command, Terminals terminals, eInput input) {
+  Pipe in = input == eInput::Written ? make_pipe() : Pipe();
   Pipe out = terminals.out ? make_terminal() : make_pipe();
   Pipe error = terminals.error ? make_terminal() : make_pipe();
-  m_nProcess = spawn(command, out, error);
+  m_nProcess = spawn(command, in, out, error);
+  close_end(in.read_end);
   close_end(out.write_end);
   close_end(error.write_end);
+  m_nIn = in.write_end;
   m_nOut = out.read_end;
   m_nError = error.read_end;
 }
@@ -89,6 +97,7 @@ Process::~Process() {
     send(SIGKILL);
     wait();
   }
+  close_end(m_nIn);
 }
 
 bool Process::read_some() {
@@ -119,7 +128,30 @@ bool Process::wait_for_error_text(const std::string& text) {
   return true;
 }
 
-void Process::send(int signal) const { ::kill(m_nProcess, signal); }
+bool Process::wait_for_output_text(const std::string& text) {
+  std::size_t found = m_cOutcome.out.find(text, m_nSeen);
+  while (found == std::string::npos) {
+    if (!read_some()) {
+      return false;
+    }
+    found = m_cOutcome.out.find(text, m_nSeen);
+  }
+  m_nSeen = found + text.size();
+  return true;
+}
+
+void Process::write(const std::string& text) const {
+  if (::write(m_nIn, text.data(), text.size()) != static_cast<ssize_t>(text.size())) {
+    throw std::runtime_error("the program reads no more");
+  }
+}
+
+/// A process that has ended has no number any more, and -1 would be everybody.
+void Process::send(int signal) const {
+  if (m_nProcess > 0) {
+    ::kill(m_nProcess, signal);
+  }
+}
 
 Outcome Process::wait() {
   while (read_some()) {

@@ -23,11 +23,16 @@ struct Terminals {
   bool error = false;
 };
 
-/// A running program. Its standard input is empty.
+/// What a program reads from its standard input.
+enum class eInput { Empty, Written };
+
+/// A running program.
 class Process {
  public:
   /// @param command path of the program and its arguments
-  explicit Process(const std::vector<std::string>& command, Terminals terminals = {});
+  /// @param input written: what `write` is given, without an end
+  explicit Process(const std::vector<std::string>& command, Terminals terminals = {},
+                   eInput input = eInput::Empty);
 
   /// Ends the program if nobody waited for it.
   ~Process();
@@ -36,6 +41,15 @@ class Process {
 
   /// Reads standard error until this text stands in it. @return false when the program ended before
   [[nodiscard]] bool wait_for_error_text(const std::string& text);
+
+  /// Reads standard output until this text stands behind what the last such wait has found.
+  /// @return false when the program ended before
+  [[nodiscard]] bool wait_for_output_text(const std::string& text);
+
+  /// What standard output has had so far, as far as it was read.
+  const std::string& output() const { return m_cOutcome.out; }
+
+  void write(const std::string& text) const;
 
   void send(int signal) const;
 
@@ -46,9 +60,11 @@ class Process {
   bool read_some();
 
   pid_t m_nProcess = -1;
+  int m_nIn = -1;
   int m_nOut = -1;
   int m_nError = -1;
   Outcome m_cOutcome;
+  std::size_t m_nSeen = 0;  // of standard output
 };
 
 /// Runs a program to its end.
