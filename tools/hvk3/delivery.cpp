@@ -1,6 +1,5 @@
 #include "hvk3/delivery.h"
 
-#include <filesystem>
 #include <iomanip>
 #include <sstream>
 
@@ -13,9 +12,7 @@ std::string file_name(const Options& options, unsigned int number) {
   if (options.out.empty() || options.count == 1) {
     return options.out;
   }
-  std::filesystem::path path(options.out);
-  const std::string stem = path.stem().string() + '-' + std::to_string(number);
-  return path.replace_filename(stem + path.extension().string()).string();
+  return numbered_path(options.out, number);
 }
 
 nlohmann::ordered_json to_json(const Image& image, const std::string& file) {

@@ -50,6 +50,12 @@ bool is_image_path(const std::string& path) { return writer_for(path) != nullptr
 
 bool is_record_path(const std::string& path) { return extension_of(path) == ".fir"; }
 
+std::string numbered_path(const std::string& path, unsigned int number) {
+  const std::filesystem::path whole(path);
+  const std::string stem = whole.stem().string() + '-' + std::to_string(number);
+  return std::filesystem::path(whole).replace_filename(stem + whole.extension().string()).string();
+}
+
 void write_image(const Image& image, const std::string& path, const RecordDetails& details) {
   AtomicFile file(path);
   if (!writer_for(path)(image, details, file.stream())) {

@@ -17,6 +17,9 @@ bool is_image_path(const std::string& path);
 /// Whether it is one of a finger image record: .fir.
 bool is_record_path(const std::string& path);
 
+/// The path with -1, -2, ... in front of its extension.
+std::string numbered_path(const std::string& path, unsigned int number);
+
 /// Writes an 8-bit gray PNG, BMP, PGM or finger image record, by the extension of `path`, with its
 /// resolution. The file appears whole, with mode 0600, or not at all.
 /// @param details only a record has them
