@@ -1,0 +1,49 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "support/process.h"
+
+/// @file
+/// A display of a test's own, and a user in front of it.
+
+namespace hvk3::test {
+
+struct Place {
+  int x = 0;
+  int y = 0;
+};
+
+/// An X server without a screen to look at. Programs that are run while it lives show their windows
+/// there, drawn by software.
+class Display {
+ public:
+  Display();
+  ~Display();
+  Display(const Display&) = delete;
+  Display& operator=(const Display&) = delete;
+
+  /// @name What a user does, with one window that is there
+  /// @{
+  /// @param name of the key, as X has it
+  void press_key(const std::string& name);
+  void click(const Place& in_window);
+  void close_window();
+  /// @}
+
+  /// Nothing is drawn until it is let go on.
+  void hang() const;
+  void go_on() const;
+
+  /// The server ends.
+  void vanish();
+
+ private:
+  struct Connection;
+
+  Process m_cServer;
+  std::unique_ptr<Connection> m_pConnection;
+};
+
+}  // namespace hvk3::test

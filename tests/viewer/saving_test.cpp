@@ -1,0 +1,65 @@
+#include "view/saving.h"
+#include "tools/files.h"
+#include "viewer/viewer_fixture.h"
+
+namespace hvk3::test {
+namespace {
+
+class Saving : public Viewer {
+ protected:
+  void start_saving(const std::string& name = "image.png") {
+    start_capturing({"--out", m_cFolder.file(name)});
+  }
+};
+
+TEST_F(Saving, WritesASnapForTheUserAlone) {
+  start_saving();
+  press("n", "snap");
+  const std::string path = m_cFolder.file("image-1.png");
+  press("s", "saved " + path);
+  EXPECT_EQ(mode_of(path), 0600U);
+  EXPECT_EQ(Picture(path).width(), 498);
+}
+
+TEST_F(Saving, TakesTheNextNumberThatIsFree) {
+  std::ofstream(m_cFolder.file("image-1.png")) << "of another day";
+  start_saving();
+  press("n", "snap");
+  press("s", "saved " + m_cFolder.file("image-2.png"));
+  press("s", "saved " + m_cFolder.file("image-3.png"));
+  EXPECT_EQ(read_file(m_cFolder.file("image-1.png")), "of another day");
+}
+
+TEST_F(Saving, WritesTheSettledFinger) {
+  start_saving();
+  say("finger on");
+  wait_for("settled");
+  const std::string path = m_cFolder.file("image-1.png");
+  press("s", "saved " + path);
+  EXPECT_GT(Picture(path).turns({0, 0, 498, 438}), 24);
+}
+
+TEST_F(Saving, KeepsASnapAsLongAsTheSameFingerLies) {
+  start_saving();
+  say("finger on");
+  wait_for("settled");
+  press("n", "snap");
+  const int titled = picture().drawn(layout().kept.title);
+  wait_for("settled");
+  EXPECT_EQ(picture().drawn(layout().kept.title), titled);
+}
+
+TEST_F(Saving, SaysThatThereIsNothingToSave) {
+  start_saving();
+  press("s", "nothing to save");
+}
+
+TEST_F(Saving, SaysThatTheFileCantBeWritten) {
+  start_saving("absent/image.bmp");
+  press("n", "snap");
+  press("s", "error");
+  EXPECT_GT(picture().count(layout().notice, kRed), 20);
+}
+
+}  // namespace
+}  // namespace hvk3::test

@@ -1,0 +1,101 @@
+#include "viewer/viewer_fixture.h"
+
+namespace hvk3::test {
+namespace {
+
+using Scanner = Viewer;
+
+TEST_F(Scanner, IsTheFirstOneUnlessAnotherIsNamed) {
+  start();
+  wait_for("started 0 HVK30001");
+}
+
+TEST_F(Scanner, IsTheOneThatIsNamed) {
+  start({"--scanners", "2", "--device", "1"});
+  wait_for("started 1 HVK30002");
+}
+
+TEST_F(Scanner, IsChosenOneAfterTheOther) {
+  start_capturing({"--scanners", "2"});
+  press("Tab", "started 1 HVK30002");
+  press("Tab", "started 0 HVK30001");
+}
+
+TEST_F(Scanner, HasNoSuccessorWhenItIsAlone) {
+  start_capturing();
+  press("Tab", "no other scanner");
+}
+
+TEST_F(Scanner, ThatIsUnpluggedIsToldAndComesBackByItself) {
+  start_capturing();
+  say("unplug 0");
+  wait_for("unplugged");
+  EXPECT_EQ(state_of(picture()), kRed);
+  say("plug 0");
+  wait_for("back 0 HVK30001");
+  wait_for("live");
+  EXPECT_EQ(state_of(picture()), kBlue);
+}
+
+TEST_F(Scanner, MayComeBackAtAnotherInterfaceWithSmallerFrames) {
+  start_capturing();
+  say("unplug 0");
+  wait_for("unplugged");
+  say("plug 5 small");
+  wait_for("live");
+  say("finger on");
+  wait_for("settled");
+  EXPECT_TRUE(shows_print(picture(), layout().live));
+}
+
+TEST_F(Scanner, ThatIsUnpluggedWhileFrozenIsMissed) {
+  start_capturing();
+  press("space", "frozen");
+  say("unplug 0");
+  wait_for("unplugged");
+}
+
+TEST_F(Scanner, ThatIsFrozenIsSoStillWhenItComesBack) {
+  start_capturing();
+  press("space", "frozen");
+  say("unplug 0");
+  wait_for("unplugged");
+  say("plug 0");
+  wait_for("back 0 HVK30001");
+  EXPECT_EQ(state_of(picture()), kAmber);
+}
+
+TEST_F(Scanner, MayComeAfterTheViewer) {
+  start({"--scanners", "0"});
+  wait_for("no scanner");
+  EXPECT_EQ(state_of(picture()), kRed);
+  say("plug 0");
+  wait_for("live");
+}
+
+TEST_F(Scanner, ThatFailsIsStoppedUntilItIsStartedAgain) {
+  start_capturing();
+  say("fault ftrScanGetImageByVariableDose always fails with 87");
+  wait_for("stopped");
+  EXPECT_EQ(state_of(picture()), kRed);
+  say("faults off");
+  press("Return", "live");
+}
+
+TEST_F(Scanner, ThatIsMissingTakesNoSnap) {
+  start({"--scanners", "0"});
+  wait_for("no scanner");
+  press("n", "refused");
+}
+
+TEST_F(Scanner, IsMeasuredForDirt) {
+  start_capturing();
+  say("dirt 40");
+  press("d");
+  EXPECT_TRUE(m_pViewer->wait_for_output_text("contamination level "));
+  wait_for("");
+  EXPECT_GT(std::stod(m_pViewer->output().substr(m_pViewer->output().rfind(' '))), 20.0);
+}
+
+}  // namespace
+}  // namespace hvk3::test

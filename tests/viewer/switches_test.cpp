@@ -1,0 +1,155 @@
+#include "viewer/viewer_fixture.h"
+
+namespace hvk3::test {
+namespace {
+
+using Switches = Viewer;
+
+bool is_lit(const Picture& picture, const SDL_Rect& button) {
+  return picture.at(button.x, button.y) == kGreen;
+}
+
+TEST_F(Switches, AKeySwitchesAnLedOnAndOff) {
+  start_capturing();
+  press("r", "red LED on");
+  EXPECT_TRUE(is_lit(picture(), button(eAction::RedLed)));
+  press("r", "red LED off");
+  EXPECT_FALSE(is_lit(picture(), button(eAction::RedLed)));
+}
+
+TEST_F(Switches, AButtonSwitchesAnLedOn) {
+  start_capturing();
+  click(eAction::GreenLed);
+  wait_for("green LED on");
+  EXPECT_TRUE(is_lit(picture(), button(eAction::GreenLed)));
+}
+
+TEST_F(Switches, ShowWhatTheCommandLineHasSwitchedOn) {
+  start_capturing({"--set", "green-led=on"});
+  EXPECT_TRUE(is_lit(picture(), button(eAction::GreenLed)));
+}
+
+TEST_F(Switches, StayOverAScannerThatComesBack) {
+  start_capturing();
+  press("r", "red LED on");
+  say("unplug 0");
+  wait_for("unplugged");
+  say("plug 0");
+  wait_for("live");
+  EXPECT_TRUE(is_lit(picture(), button(eAction::RedLed)));
+  press("r", "red LED off");
+}
+
+TEST_F(Switches, FreezeKeepsThePictureWhateverComes) {
+  start_capturing();
+  press("space", "frozen");
+  say("finger on");
+  press("n", "snap");
+  const Picture seen = picture();
+  EXPECT_FALSE(shows_print(seen, layout().live));
+  EXPECT_EQ(state_of(seen), kAmber);
+}
+
+TEST_F(Switches, ThePictureGoesOnAfterAFreeze) {
+  start_capturing();
+  press("space", "frozen");
+  say("finger on");
+  press("space", "going on");
+  wait_for("settled");
+  EXPECT_TRUE(shows_print(picture(), layout().live));
+}
+
+TEST_F(Switches, LowContrastFindsNoFingerAndSaysSo) {
+  start_capturing();
+  press("c", "low contrast on");
+  say("finger on\nwait 40 frames\nunplug 0");
+  EXPECT_EQ(state_of(picture()), kAmber);
+  wait_for("unplugged");
+  EXPECT_THAT(m_pViewer->output(), Not(HasSubstr("finger\n")));
+}
+
+TEST_F(Switches, WithoutLowContrastTheFingerIsFoundAgain) {
+  start_capturing();
+  press("c", "low contrast on");
+  say("finger on");
+  press("c", "low contrast off");
+  wait_for("settled");
+}
+
+/// The score's curve.
+class Detection : public Viewer {
+ protected:
+  /// @param kind of the finger that lies there when its image has settled
+  void detect(const std::string& kind) {
+    start_capturing();
+    say("kind " + kind);
+    press("f", "fake finger detection on");
+    say("finger on");
+  }
+
+  static SDL_Rect plot() { return layout().plot.picture; }
+};
+
+TEST_F(Detection, IsOffAtFirst) {
+  start_capturing();
+  EXPECT_EQ(picture().count(plot(), kAmber), 0);
+}
+
+TEST_F(Detection, DrawsTheThreshold) {
+  start_capturing();
+  press("f", "fake finger detection on");
+  EXPECT_GT(picture().count(plot(), kAmber), plot().w / 2);
+}
+
+TEST_F(Detection, DrawsTheScoresOfALiveFinger) {
+  detect("live");
+  wait_for("settled");
+  const Picture seen = picture();
+  EXPECT_GT(seen.count(plot(), kGreen), 20);
+  EXPECT_EQ(seen.count(plot(), kRed), 0);
+}
+
+TEST_F(Detection, DrawsTheScoresOfAFakeAndNamesItBesideTheImage) {
+  detect("printed");
+  wait_for("settled fake");
+  const Picture seen = picture();
+  EXPECT_GT(seen.count(plot(), kRed), 20);
+  EXPECT_GT(seen.count(layout().kept.title, kRed), 20);
+}
+
+TEST_F(Detection, ShowsNoOldFakeWhenItIsSwitchedOnAgain) {
+  detect("printed");
+  wait_for("settled fake");
+  press("f", "fake finger detection off");
+  say("finger off");
+  wait_for("lifted");
+  say("kind live\nfinger on");
+  press("f", "fake finger detection on");
+  wait_for("settled");
+  EXPECT_EQ(picture().count(plot(), kRed), 0);
+}
+
+TEST_F(Detection, TellsAFakeOfASnapFromThatOfAFrame) {
+  detect("printed");
+  wait_for("settled fake");
+  press("n", "snap");
+  EXPECT_GT(picture().count(layout().kept.title, kRed), 20);
+}
+
+TEST_F(Detection, StaysOverAScannerThatComesBack) {
+  detect("printed");
+  wait_for("settled fake");
+  say("unplug 0");
+  wait_for("unplugged");
+  say("plug 0");
+  wait_for("settled fake");
+}
+
+TEST_F(Detection, SaysThatTheDetectorFails) {
+  start_capturing({"--faults", "FakeFingerDetectionCreateHandle fails with -8"});
+  press("f", "error");
+  EXPECT_GT(picture().count(layout().notice, kRed), 20);
+}
+
+}  // namespace
+}  // namespace hvk3::test

@@ -1,0 +1,349 @@
+#include "view/scanner_desk.h"
+
+#include <algorithm>
+#include <array>
+#include <iomanip>
+#include <sstream>
+#include <utility>
+
+#include "hvk3/scanner.h"
+#include "hvk3/settings.h"
+#include "ostrevanhvk3/errors.h"
+
+namespace hvk3::view {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr unsigned int kChannel = 1;
+constexpr unsigned int kNoInterface = 128;
+
+/// A switch that is a property.
+struct PropertySwitch {
+  eAction action;
+  ePropertyIDs property;
+  bool Switches::*on;
+  const char* name;
+};
+
+constexpr std::array kPropertySwitches = {
+    PropertySwitch{eAction::RedLed, ePropRedLED, &Switches::red_led, "red LED"},
+    PropertySwitch{eAction::GreenLed, ePropGreenLED, &Switches::green_led, "green LED"},
+    PropertySwitch{eAction::Detection, ePropLiveliness, &Switches::detection,
+                   "fake finger detection"},
+    PropertySwitch{eAction::LowContrast, ePropLowContrastImage, &Switches::low_contrast,
+                   "low contrast"}};
+
+const PropertySwitch* find_switch(eAction action) {
+  const auto found =
+      std::find_if(kPropertySwitches.begin(), kPropertySwitches.end(),
+                   [=](const PropertySwitch& each) { return each.action == action; });
+  return found != kPropertySwitches.end() ? &*found : nullptr;
+}
+
+bool read_switch(Osv::lx::ClFramegrabber& grabber, ePropertyIDs property) {
+  unsigned int value = 0;
+  check(grabber, grabber.GetFGProperty(property, value));
+  return value != 0;
+}
+
+std::string in_words(const std::string& name, bool on) { return name + (on ? " on" : " off"); }
+
+}  // namespace
+
+ScannerDesk::ScannerDesk(Context& context, Board& board, EventLog& events, const Wakeup& wakeup)
+    : m_cContext(context),
+      m_cBoard(board),
+      m_cEvents(events),
+      m_cWakeup(wakeup),
+      m_nWanted(context.options().device) {}
+
+void ScannerDesk::open() {
+  m_cContext.plugin();
+  begin();
+}
+
+void ScannerDesk::begin() {
+  try {
+    const ListedScanner scanner = choose_scanner(grabber(), m_nWanted);
+    look_for_scanners();
+    m_cFeed.emplace(m_cContext.plugin(), m_cBoard, m_cEvents, m_cWakeup,
+                    m_cContext.options().settle);
+    prepare();
+    m_cFeed->start();
+    const bool back = std::exchange(m_eConnection, eConnection::Capturing) == eConnection::Missing;
+    m_cBoard.update([&](Status& status) {
+      status.connection = m_eConnection;
+      status.scanner = scanner;
+      status.scanners = m_cSeen.size();
+    });
+    tell("",
+         (back ? "back " : "started ") + std::to_string(scanner.interface) + ' ' + scanner.serial);
+  } catch (const Failure& failure) {
+    lose(failure);
+  }
+}
+
+/// A frame grabber that was got anew has no memory of the scanner that went, whatever call was
+/// under way then.
+void ScannerDesk::lose(const Failure& failure) {
+  const bool gone = is_gone(failure);
+  if (const std::optional<ListedScanner> scanner = m_cBoard.status().scanner; scanner && gone) {
+    m_cSeen.erase(scanner->interface);
+  }
+  part_from_scanner();
+  const eConnection before =
+      std::exchange(m_eConnection, gone ? eConnection::Missing : eConnection::Stopped);
+  m_cBoard.update([&](Status& status) { status.connection = m_eConnection; });
+  if (before == eConnection::Missing && gone) {
+    return;  // it went again before it could be opened
+  }
+  complain(failure);
+  if (gone) {
+    m_cEvents.tell(before == eConnection::Capturing ? "unplugged" : "no scanner");
+  } else {
+    m_cEvents.tell("stopped");
+  }
+}
+
+void ScannerDesk::part_from_scanner() {
+  m_cFeed.reset();
+  m_cContext.plugin().get_anew();
+  m_cBoard.update([](Status& status) {
+    status.finger = false;
+    status.scores.clear();
+    status.rate.forget();
+  });
+}
+
+/// Whatever the number: the operation that met the unplugging gave its own.
+bool ScannerDesk::is_gone(const Failure& failure) {
+  try {
+    return failure.status() == ExitStatus::NoScanner ||
+           (failure.number() && !is_attached(grabber(), m_nWanted));
+  } catch (const Failure&) {
+    return false;  // who knows: the user starts again
+  }
+}
+
+void ScannerDesk::prepare() {
+  apply(grabber(), m_cContext.options().settings);
+  if (m_cWanted) {
+    restore_switches();
+  } else {
+    read_switches();
+  }
+  set_detection(m_cWanted->detection);
+  check(grabber(), grabber().Freeze(kChannel, m_cWanted->frozen));
+  m_cBoard.update([&](Status& status) { status.switches = *m_cWanted; });
+}
+
+/// The user may have set some with --set.
+void ScannerDesk::read_switches() {
+  m_cWanted.emplace();
+  for (const PropertySwitch& each : kPropertySwitches) {
+    (*m_cWanted).*each.on = read_switch(grabber(), each.property);
+  }
+}
+
+void ScannerDesk::restore_switches() {
+  for (const PropertySwitch& each : kPropertySwitches) {
+    const bool wanted = (*m_cWanted).*each.on;
+    if (each.action != eAction::Detection && read_switch(grabber(), each.property) != wanted) {
+      check(grabber(), grabber().SetFGProperty(each.property, wanted ? 1 : 0));
+    }
+  }
+}
+
+void ScannerDesk::perform(eAction action) {
+  try {
+    if (action == eAction::NextScanner) {
+      go_to_next_scanner();
+    } else if (action == eAction::Restart) {
+      restart();
+    } else if (m_eConnection != eConnection::Capturing) {
+      tell("not while no scanner captures", "refused");
+    } else if (action == eAction::Snap) {
+      snap();
+    } else if (action == eAction::Contamination) {
+      measure_dirt();
+    } else {
+      toggle(action);
+    }
+  } catch (const Failure& failure) {
+    if (is_gone(failure)) {
+      lose(failure);
+    } else {
+      complain(failure);
+    }
+  }
+}
+
+void ScannerDesk::toggle(eAction action) {
+  const bool on = !is_on(action, *m_cWanted);
+  if (action == eAction::Freeze) {
+    freeze(on);
+    return;
+  }
+  const PropertySwitch& property = *find_switch(action);
+  set(action, on);
+  (*m_cWanted).*property.on = on;
+  m_cBoard.update([&](Status& status) { status.switches = *m_cWanted; });
+  tell(in_words(property.name, on), in_words(property.name, on));
+}
+
+void ScannerDesk::set(eAction action, bool on) {
+  if (action == eAction::Detection) {
+    set_detection(on);
+  } else {
+    check(grabber(), grabber().SetFGProperty(find_switch(action)->property, on ? 1 : 0));
+  }
+}
+
+/// Scores of before are gone: what detection has said of another finger says nothing of this one.
+void ScannerDesk::set_detection(bool on) {
+  m_cFeed->judge(std::nullopt);
+  m_cBoard.update([](Status& status) {
+    status.scores.clear();
+    status.threshold = 0;
+  });
+  if (read_switch(grabber(), ePropLiveliness) != on) {
+    check(grabber(), grabber().SetFGProperty(ePropLiveliness, on ? m_cContext.options().level : 0));
+  }
+  if (on) {
+    unsigned int threshold = 0;
+    check(grabber(), grabber().GetFGProperty(ePropFakeDetection, threshold));
+    m_cFeed->judge(threshold);
+    m_cBoard.update([&](Status& status) { status.threshold = threshold; });
+  }
+}
+
+void ScannerDesk::freeze(bool on) {
+  check(grabber(), grabber().Freeze(kChannel, on));
+  m_cWanted->frozen = on;
+  m_cLastLook = Clock::now();
+  m_cBoard.update([&](Status& status) {
+    status.switches = *m_cWanted;
+    status.rate.forget();
+  });
+  tell("", on ? "frozen" : "going on");
+}
+
+void ScannerDesk::snap() {
+  m_cFeed->took_fake();
+  Image image = take_image(grabber());
+  std::ostringstream text;
+  text << "image of " << image.view().width() << " x " << image.view().height()
+       << " pixels taken; S saves it";
+  m_cBoard.kept.put({std::move(image), true, m_cBoard.status().touch, m_cFeed->took_fake()});
+  tell(text.str(), "snap");
+}
+
+void ScannerDesk::measure_dirt() {
+  const bool finger = m_cBoard.status().finger;
+  std::ostringstream text;
+  text << "contamination level " << std::fixed << std::setprecision(1)
+       << measure_contamination(grabber());
+  tell(text.str() + (finger ? ", with the finger that lies there" : ""), text.str());
+}
+
+/// The scanner library's list may leave out what stands before the chosen one, so those count too
+/// that were seen once.
+void ScannerDesk::look_for_scanners() {
+  for (const ListedScanner& scanner : list_scanners(grabber())) {
+    m_cSeen.insert(scanner.interface);
+  }
+}
+
+/// Those behind the present one first, then those before it.
+std::vector<unsigned int> ScannerDesk::other_scanners() const {
+  const std::optional<ListedScanner> now = m_cBoard.status().scanner;
+  const auto behind = now ? m_cSeen.upper_bound(now->interface) : m_cSeen.begin();
+  std::vector<unsigned int> others(behind, m_cSeen.end());
+  others.insert(others.end(), m_cSeen.begin(), behind);
+  others.erase(std::remove(others.begin(), others.end(), now ? now->interface : kNoInterface),
+               others.end());
+  return others;
+}
+
+void ScannerDesk::go_to_next_scanner() {
+  look_for_scanners();
+  const std::vector<unsigned int> others = other_scanners();
+  if (others.empty()) {
+    tell("there is no other scanner", "no other scanner");
+    return;
+  }
+  part_from_scanner();
+  const auto next = std::find_if(others.begin(), others.end(),
+                                 [this](unsigned int interface) { return choose(interface); });
+  if (next != others.end()) {
+    m_nWanted = *next;
+  }
+  begin();
+}
+
+/// @return false when it has gone since it was seen
+bool ScannerDesk::choose(unsigned int interface) {
+  using Osv::lx::error_number::DeviceIndex;
+  if (Osv::lx::ErrorNumber(grabber().SetActiveDevice(interface)) == DeviceIndex) {
+    m_cSeen.erase(interface);
+    return false;
+  }
+  return true;
+}
+
+void ScannerDesk::restart() {
+  part_from_scanner();
+  begin();
+}
+
+void ScannerDesk::look() {
+  m_cLastLook = Clock::now();
+  try {
+    look_at_scanner();
+  } catch (const Failure& failure) {
+    lose(failure);
+  }
+}
+
+void ScannerDesk::look_at_scanner() {
+  if (m_eConnection == eConnection::Missing) {
+    if (is_attached(grabber(), m_nWanted)) {
+      begin();
+    }
+  } else if (m_eConnection == eConnection::Capturing) {
+    if (const std::optional<std::string> error = m_cFeed->error()) {
+      lose(Failure::of_capture(*error));
+    } else if (m_cWanted->frozen && !is_attached(grabber(), m_nWanted)) {
+      lose(Failure(ExitStatus::NoScanner, "the scanner was unplugged while frozen"));
+    }
+  }
+}
+
+/// Nothing fails while frozen, so nothing would tell of an unplugging then.
+Wakeup::Deadline ScannerDesk::next_look() const {
+  if (m_eConnection == eConnection::Missing) {
+    return m_cLastLook + std::chrono::milliseconds(250);
+  }
+  if (m_eConnection == eConnection::Capturing && m_cWanted->frozen) {
+    return m_cLastLook + std::chrono::seconds(1);
+  }
+  return std::nullopt;
+}
+
+void ScannerDesk::tell(const std::string& text, const std::string& event) {
+  m_cBoard.update([&](Status& status) { status.notice = {text, ""}; });
+  m_cEvents.tell(event);
+}
+
+void ScannerDesk::complain(const Failure& failure) {
+  const std::string number =
+      failure.number() ? "error " + std::to_string(*failure.number()) + ": " : "";
+  m_cContext.console().message(number + failure.what());
+  m_cBoard.update([&](Status& status) {
+    status.notice = {number + failure.what(), remedy_for(failure)};
+  });
+  m_cEvents.tell("error");
+}
+
+}  // namespace hvk3::view

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <set>
+#include <vector>
+
+#include "hvk3/context.h"
+#include "hvk3/wakeup.h"
+#include "view/board.h"
+#include "view/controls.h"
+#include "view/event_log.h"
+#include "view/live_feed.h"
+
+/// @file
+/// What is done with the scanner.
+
+namespace hvk3::view {
+
+/// Captures, switches, and comes back by itself when the scanner was unplugged. One thread works
+/// with it; what it has to tell stands on the board.
+class ScannerDesk {
+ public:
+  /// @param wakeup is notified when there is something to look at
+  ScannerDesk(Context& context, Board& board, EventLog& events, const Wakeup& wakeup);
+
+  /// Begins to capture, or to wait for a scanner.
+  /// @throws Failure `PluginUnavailable`
+  void open();
+
+  /// What the user asks for. Failures are told on the board.
+  void perform(eAction action);
+
+  /// Sees to an error of capture, an unplugging, a scanner that has come back.
+  void look();
+
+  /// When to look again without a notification.
+  Wakeup::Deadline next_look() const;
+
+ private:
+  void begin();
+  void look_at_scanner();
+  void lose(const Failure& failure);
+  void part_from_scanner();
+  void prepare();
+  void read_switches();
+  void restore_switches();
+  void toggle(eAction action);
+  void set(eAction action, bool on);
+  void set_detection(bool on);
+  void freeze(bool on);
+  void snap();
+  void measure_dirt();
+  void look_for_scanners();
+  std::vector<unsigned int> other_scanners() const;
+  void go_to_next_scanner();
+  bool choose(unsigned int interface);
+  void restart();
+  void tell(const std::string& text, const std::string& event);
+  void complain(const Failure& failure);
+  bool is_gone(const Failure& failure);
+  Osv::lx::ClFramegrabber& grabber() { return m_cContext.grabber(); }
+
+  Context& m_cContext;
+  Board& m_cBoard;
+  EventLog& m_cEvents;
+  const Wakeup& m_cWakeup;
+  std::optional<unsigned int> m_nWanted;  // interface; none: the first of the list
+  std::set<unsigned int> m_cSeen;         // interfaces with a scanner
+  std::optional<Switches> m_cWanted;      // kept over a scanner that comes back
+  std::optional<LiveFeed> m_cFeed;        // while capture runs, or has ended with an error
+  eConnection m_eConnection = eConnection::Starting;
+  std::chrono::steady_clock::time_point m_cLastLook = {};
+};
+
+}  // namespace hvk3::view

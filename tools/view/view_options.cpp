@@ -1,0 +1,63 @@
+#include "view/view_options.h"
+
+#include "hvk3/image_file.h"
+#include "view/controls.h"
+
+namespace hvk3::view {
+namespace {
+
+constexpr char kExamples[] =
+    "Examples:\n"
+    "  hvk3-view                          the first scanner\n"
+    "  hvk3-view --device 2               the one at interface 2\n"
+    "  hvk3-view --out ~/thumb.png        saves thumb-1.png, thumb-2.png and so on\n"
+    "  hvk3-view --simulate               without a scanner\n"
+    "  hvk3-view --simulate --script -    steers the simulated finger in words\n"
+    "\n";
+
+constexpr char kExitStatus[] =
+    "\n"
+    "Exit status: 0 the user has quit, 1 internal error, 2 usage, 6 no display, or it has gone, "
+    "or\n"
+    "standard output can't be written, 7 plug-in or simulator can't be loaded, 128+N ended by\n"
+    "signal N (130 for Ctrl-C).";
+
+std::string footer() {
+  constexpr std::size_t kSignWidth = 8;
+  std::string text = std::string(kExamples) + "Keys:\n";
+  for (const Control& control : controls()) {
+    std::string sign = control.sign;
+    sign.resize(kSignWidth, ' ');
+    text += "  " + sign + control.help + '\n';
+  }
+  return text + kExitStatus;
+}
+
+}  // namespace
+
+void add_view_options(CLI::App& app, ViewOptions& options) {
+  options.out = "finger.png";
+  options.picture = "hvk3-view.png";
+  add_plugin_options(app, options.tool);
+  app.remove_option(app.get_option("--json"));  // a window has no result
+  add_device_option(app, options.tool);
+  add_setting_option(app, options.tool);
+  add_level_option(app, options.tool);
+  add_settle_option(app, options.tool, "Show the darkest of so many images of a finger");
+  const CLI::Validator image_path(
+      [](const std::string& path) {
+        return is_image_path(path) ? "" : "the file name has no extension of an image";
+      },
+      "FILE");
+  app.add_option("--out", options.out,
+                 "Where to save images: -1, -2, ... join the file name, whatever is free")
+      ->check(image_path)
+      ->capture_default_str();
+  app.add_option("--window-picture", options.picture, "Where to save pictures of the window")
+      ->type_name("FILE")
+      ->capture_default_str();
+  app.add_flag("--events", options.events, "Print a line for each event on standard output");
+  app.footer(footer());
+}
+
+}  // namespace hvk3::view

@@ -1,0 +1,107 @@
+#include "view/window.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "view/layout.h"
+
+namespace hvk3::view {
+namespace {
+
+std::optional<eAction> action_of(SDL_Keycode key) {
+  const auto all = controls();
+  const auto found = std::find_if(all.begin(), all.end(), [=](const Control& control) {
+    return SDL_GetKeyFromName(control.key) == key;
+  });
+  return found != all.end() ? std::optional(found->action) : std::nullopt;
+}
+
+Input input_of_key(const SDL_KeyboardEvent& event) {
+  Input input;
+  if (event.repeat == 0) {
+    input.action = action_of(event.keysym.sym);
+    input.escape = event.keysym.sym == SDLK_ESCAPE;
+  }
+  return input;
+}
+
+/// The question mark stands on another key in each country.
+Input input_of_text(const char* text) {
+  Input input;
+  if (std::strcmp(text, "?") == 0) {
+    input.action = eAction::Help;
+  }
+  return input;
+}
+
+Input input_of(const SDL_Event& event) {
+  Input input;
+  switch (event.type) {
+    case SDL_KEYDOWN:
+      return input_of_key(event.key);
+    case SDL_TEXTINPUT:
+      return input_of_text(event.text.text);
+    case SDL_MOUSEBUTTONDOWN:
+      if (event.button.button == SDL_BUTTON_LEFT) {
+        input.pressed = SDL_Point{event.button.x, event.button.y};
+      }
+      break;
+    case SDL_MOUSEMOTION:
+      input.pointed = SDL_Point{event.motion.x, event.motion.y};
+      break;
+    case SDL_QUIT:
+      input.close = true;
+      break;
+    case SDL_WINDOWEVENT:
+      input.exposed = true;
+      break;
+    default:
+      break;
+  }
+  return input;
+}
+
+}  // namespace
+
+Screen::Screen() {
+  SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
+  SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
+  SDL_SetHint(SDL_HINT_RENDER_SCALE_QUALITY, "linear");
+  if (SDL_Init(SDL_INIT_VIDEO) != 0) {
+    fail_with_sdl("there is no display to show a window on");
+  }
+  if (TTF_Init() != 0) {
+    SDL_Quit();
+    fail_with_sdl("no text can be drawn");
+  }
+}
+
+Screen::~Screen() {
+  TTF_Quit();
+  SDL_Quit();
+}
+
+Window::Window(const char* title)
+    : m_pWindow(SDL_CreateWindow(title, SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED,
+                                 kUsualWidth, kUsualHeight, SDL_WINDOW_RESIZABLE)) {
+  if (!m_pWindow) {
+    fail_with_sdl("the window can't be opened");
+  }
+  SDL_SetWindowMinimumSize(get(), kLeastWidth, kLeastHeight);
+}
+
+SDL_Point Window::size() const {
+  SDL_Point size = {};
+  SDL_GetWindowSize(m_pWindow.get(), &size.x, &size.y);
+  return size;
+}
+
+std::optional<Input> Window::wait(int milliseconds) {
+  SDL_Event event = {};
+  if (SDL_WaitEventTimeout(&event, milliseconds) == 0) {
+    return std::nullopt;
+  }
+  return input_of(event);
+}
+
+}  // namespace hvk3::view
