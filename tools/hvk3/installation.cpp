@@ -14,7 +14,7 @@ fs::path prefix() { return fs::read_symlink("/proc/self/exe").parent_path().pare
 
 fs::path plugin_path() {
   for (const char* const folder : {HVK3_LIBRARY_DIR, "lib"}) {
-    if (const fs::path beside = prefix() / folder / kPlugin; fs::exists(beside)) {
+    if (fs::path beside = prefix() / folder / kPlugin; fs::exists(beside)) {
       return beside;
     }
   }
