@@ -4,6 +4,7 @@
 #include <poll.h>
 #include <pty.h>
 #include <spawn.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -28,8 +29,9 @@ Pipe make_pipe() {
   return {ends[0], ends[1]};
 }
 
-Pipe make_terminal() {
-  const winsize size = {.ws_row = 25, .ws_col = 80, .ws_xpixel = 0, .ws_ypixel = 0};
+Pipe make_terminal(const Terminals& terminals) {
+  const winsize size = {
+      .ws_row = terminals.rows, .ws_col = terminals.columns, .ws_xpixel = 0, .ws_ypixel = 0};
   Pipe ends;
   if (::openpty(&ends.read_end, &ends.write_end, nullptr, nullptr, &size) != 0) {
     throw std::runtime_error("no terminal");
@@ -81,8 +83,8 @@ int status_of(int wait_status) {
 
 Process::Process(const std::vector<std::string>& command, Terminals terminals, eInput input) {
   Pipe in = input == eInput::Written ? make_pipe() : Pipe();
-  Pipe out = terminals.out ? make_terminal() : make_pipe();
-  Pipe error = terminals.error ? make_terminal() : make_pipe();
+  Pipe out = terminals.out ? make_terminal(terminals) : make_pipe();
+  Pipe error = terminals.error ? make_terminal(terminals) : make_pipe();
   m_nProcess = spawn(command, in, out, error);
   close_end(in.read_end);
   close_end(out.write_end);
@@ -101,7 +103,8 @@ Process::~Process() {
 }
 
 bool Process::read_some() {
-  std::array<pollfd, 2> files = {pollfd{m_nOut, POLLIN, 0}, pollfd{m_nError, POLLIN, 0}};
+  std::array<pollfd, 2> files = {pollfd{m_bReadsOutput ? m_nOut : -1, POLLIN, 0},
+                                 pollfd{m_nError, POLLIN, 0}};
   if ((m_nOut < 0 && m_nError < 0) || ::poll(files.data(), files.size(), -1) <= 0) {
     return false;
   }
@@ -146,6 +149,17 @@ void Process::write(const std::string& text) const {
   }
 }
 
+void Process::resize(unsigned short columns, unsigned short rows) const {
+  const winsize size = {.ws_row = rows, .ws_col = columns, .ws_xpixel = 0, .ws_ypixel = 0};
+  ::ioctl(m_nOut, TIOCSWINSZ, &size);
+  send(SIGWINCH);  // which comes by itself only where the terminal controls the program
+}
+
+bool Process::wait_for_suspension() const {
+  int wait_status = 0;
+  return ::waitpid(m_nProcess, &wait_status, WUNTRACED) == m_nProcess && WIFSTOPPED(wait_status);
+}
+
 /// A process that has ended has no number any more, and -1 would be everybody.
 void Process::send(int signal) const {
   if (m_nProcess > 0) {
@@ -154,6 +168,7 @@ void Process::send(int signal) const {
 }
 
 Outcome Process::wait() {
+  m_bReadsOutput = true;
   while (read_some()) {
   }
   int wait_status = 0;

@@ -17,10 +17,12 @@ struct Outcome {
   std::string error;
 };
 
-/// Which of a program's streams are a terminal, of 80 columns and 25 rows. The others are pipes.
+/// Which of a program's streams are a terminal. The others are pipes.
 struct Terminals {
   bool out = false;
   bool error = false;
+  unsigned short columns = 80;
+  unsigned short rows = 25;
 };
 
 /// What a program reads from its standard input.
@@ -51,6 +53,15 @@ class Process {
 
   void write(const std::string& text) const;
 
+  /// Reads no more from standard output, until `wait`.
+  void leave_output() { m_bReadsOutput = false; }
+
+  /// Gives the terminal of standard output another size, and tells the program.
+  void resize(unsigned short columns, unsigned short rows) const;
+
+  /// Waits until the program is suspended. @return false when it ended
+  [[nodiscard]] bool wait_for_suspension() const;
+
   void send(int signal) const;
 
   /// Waits for the end.
@@ -63,6 +74,7 @@ class Process {
   int m_nIn = -1;
   int m_nOut = -1;
   int m_nError = -1;
+  bool m_bReadsOutput = true;
   Outcome m_cOutcome;
   std::size_t m_nSeen = 0;  // of standard output
 };

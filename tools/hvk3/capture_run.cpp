@@ -7,6 +7,8 @@
 
 #include "hvk3/capture_session.h"
 #include "hvk3/interruption.h"
+#include "hvk3/live_screen.h"
+#include "hvk3/preview.h"
 #include "hvk3/scanner.h"
 
 namespace hvk3 {
@@ -18,12 +20,17 @@ using Clock = std::chrono::steady_clock;
 class CaptureRun {
  public:
   CaptureRun(Context& context, const CaptureTask& task)
-      : m_cContext(context), m_cTask(task), m_cInterruption(m_cWakeup) {}
+      : m_cContext(context), m_cTask(task), m_cInterruption(m_cWakeup) {
+    if (context.options().preview) {
+      m_cPreview.emplace(context.options().shades);
+    }
+  }
 
   void run();
 
  private:
   void start();
+  std::function<void(const unsigned char*)> observer();
   [[nodiscard]] bool completes(const Wakeup::Deadline& deadline);
   void come_back(const Wakeup::Deadline& deadline);
   [[nodiscard]] bool starts_again();
@@ -31,8 +38,10 @@ class CaptureRun {
   bool is_worth_waiting(const Failure& failure);
   bool is_listed();
   void collect(const Wakeup::Deadline& deadline);
+  [[nodiscard]] bool wait(const Wakeup::Deadline& deadline, LiveScreen* screen);
   bool hand_over();
   void tell();
+  void tell_warnings(const Progress& progress);
   Progress whole_progress() const;
   void summarise(Clock::duration duration);
 
@@ -40,6 +49,7 @@ class CaptureRun {
   const CaptureTask& m_cTask;
   Wakeup m_cWakeup;
   Interruption m_cInterruption;
+  std::optional<Preview> m_cPreview;
   std::optional<CaptureSession> m_cSession;
   Progress m_cPast;             // of the sessions before this one
   std::size_t m_nWarnings = 0;  // told so far
@@ -64,8 +74,22 @@ void CaptureRun::run() {
 
 void CaptureRun::start() {
   m_bRunning = false;
-  m_cSession.emplace(m_cContext.grabber(), m_cTask.mode, m_cWakeup, m_cTask.observe);
+  m_cSession.emplace(m_cContext.grabber(), m_cTask.mode, m_cWakeup, observer());
   m_cSession->start();
+}
+
+/// The preview gets the images of live mode as they are handed over, without a copy of its own in
+/// the callback.
+std::function<void(const unsigned char*)> CaptureRun::observer() {
+  if (!m_cPreview || m_cTask.mode == eCaptureLive) {
+    return m_cTask.observe;
+  }
+  return [this](const unsigned char* image) {
+    if (m_cTask.observe) {
+      m_cTask.observe(image);
+    }
+    m_cPreview->offer(image);
+  };
 }
 
 /// @return false when the scanner has gone and may come back
@@ -135,6 +159,10 @@ bool CaptureRun::is_listed() {
 }
 
 void CaptureRun::collect(const Wakeup::Deadline& deadline) {
+  std::optional<LiveScreen> screen;  // given back before capture stops, which may take a while
+  if (m_cPreview) {
+    screen.emplace(m_cWakeup);
+  }
   while (true) {
     const Progress progress = m_cSession->progress();
     tell();
@@ -145,15 +173,29 @@ void CaptureRun::collect(const Wakeup::Deadline& deadline) {
     if (progress.error) {
       throw Failure::of_capture(*progress.error);
     }
-    if (!m_cWakeup.wait(deadline)) {
+    if (!wait(deadline, screen ? &*screen : nullptr)) {
       throw Failure(ExitStatus::Timeout, "the images did not come in time");
     }
   }
 }
 
+/// Draws and waits. @return false when the deadline has passed
+bool CaptureRun::wait(const Wakeup::Deadline& deadline, LiveScreen* screen) {
+  if (screen == nullptr) {
+    return m_cWakeup.wait(deadline);
+  }
+  m_cPreview->draw_on(*screen);
+  const Wakeup::Deadline next = m_cPreview->next(*screen);
+  const bool draws_first = next && (!deadline || *next < *deadline);
+  return m_cWakeup.wait(draws_first ? next : deadline, screen->awaited_file()) || draws_first;
+}
+
 /// @return true when the task has enough
 bool CaptureRun::hand_over() {
   while (std::optional<Image> image = m_cSession->take()) {
+    if (m_cPreview && m_cTask.mode == eCaptureLive) {
+      m_cPreview->offer(image->block().data());
+    }
     if (m_cTask.take(std::move(*image))) {
       return true;
     }
@@ -168,11 +210,20 @@ void CaptureRun::tell() {
     m_bRunning = true;
     console.detail("capturing");
   }
-  for (; m_nWarnings < progress.warnings.size(); ++m_nWarnings) {
-    console.message("warning: " + progress.warnings[m_nWarnings]);
+  const std::string line = std::to_string(progress.frames) + " frames, " +
+                           std::to_string(progress.fingers) + " finger images";
+  if (m_cPreview) {
+    m_cPreview->set_status(line);
+    return;  // messages would stand in the picture
   }
-  console.progress(std::to_string(progress.frames) + " frames, " +
-                   std::to_string(progress.fingers) + " finger images");
+  tell_warnings(progress);
+  console.progress(line);
+}
+
+void CaptureRun::tell_warnings(const Progress& progress) {
+  for (; m_nWarnings < progress.warnings.size(); ++m_nWarnings) {
+    m_cContext.console().message("warning: " + progress.warnings[m_nWarnings]);
+  }
 }
 
 /// What all sessions together have had.
@@ -189,6 +240,7 @@ Progress CaptureRun::whole_progress() const {
 
 void CaptureRun::summarise(Clock::duration duration) {
   const Progress progress = whole_progress();
+  tell_warnings(progress);
   Report& report = m_cContext.report();
   report["frames"] = progress.frames;
   report["finger_images"] = progress.fingers;

@@ -19,7 +19,7 @@ struct CaptureTask {
 
   /// Runs for each live image before it is an image to take, on the plug-in's worker thread and
   /// inside its callback. May be empty.
-  std::function<void()> observe = {};
+  std::function<void(const unsigned char* image)> observe = {};
 
   /// Makes a frame grabber that was got anew ready for capture. With it the options may ask to keep
   /// going: when the scanner was unplugged, capture begins again as soon as it is back. May be

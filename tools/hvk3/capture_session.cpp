@@ -16,7 +16,8 @@ CaptureSession& session_of(void* user) { return *static_cast<CaptureSession*>(us
 }  // namespace
 
 CaptureSession::CaptureSession(Osv::lx::ClFramegrabber& grabber, eCaptureModeIDs mode,
-                               const Wakeup& wakeup, std::function<void()> observe)
+                               const Wakeup& wakeup,
+                               std::function<void(const unsigned char*)> observe)
     : m_cGrabber(grabber), m_eMode(mode), m_cWakeup(wakeup), m_cObserve(std::move(observe)) {}
 
 CaptureSession::~CaptureSession() { end_capture(); }
@@ -88,7 +89,7 @@ void CaptureSession::on_frame(int /*handle*/, unsigned int /*channel*/, unsigned
                               void* user) {
   CaptureSession& session = session_of(user);
   if (session.m_cObserve) {
-    session.m_cObserve();
+    session.m_cObserve(image);
   }
   session.update([&] { ++session.m_cProgress.frames; });
   if (session.m_eMode == eCaptureLive) {

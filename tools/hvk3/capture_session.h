@@ -36,7 +36,7 @@ class CaptureSession {
   ///   may be empty
   /// @param grabber, wakeup outlive the session
   CaptureSession(Osv::lx::ClFramegrabber& grabber, eCaptureModeIDs mode, const Wakeup& wakeup,
-                 std::function<void()> observe);
+                 std::function<void(const unsigned char*)> observe);
 
   /// Stops capture if it still runs.
   ~CaptureSession();
@@ -73,8 +73,8 @@ class CaptureSession {
   Osv::lx::ClFramegrabber& m_cGrabber;
   const eCaptureModeIDs m_eMode;
   const Wakeup& m_cWakeup;
-  const std::function<void()> m_cObserve;  // worker thread
-  bool m_bStarted = false;                 // main thread only
+  const std::function<void(const unsigned char*)> m_cObserve;  // worker thread
+  bool m_bStarted = false;                                     // main thread only
 
   mutable std::mutex m_cLock;  // guards everything below
   std::condition_variable m_cRoom;

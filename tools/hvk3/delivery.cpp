@@ -34,14 +34,6 @@ std::string to_text(const Image& image, const std::string& file) {
   return line.str();
 }
 
-std::string drawing(const Image& image, eShades shades) {
-  Canvas canvas = terminal_canvas();
-  if (shades != eShades::Auto) {
-    canvas.shades = shades;
-  }
-  return draw(image.view(), canvas);
-}
-
 }  // namespace
 
 void deliver(Context& context, const Image& image, unsigned int number) {
@@ -53,7 +45,7 @@ void deliver(Context& context, const Image& image, unsigned int number) {
   context.report()["images"].push_back(to_json(image, file));
   context.report().text(to_text(image, file));
   if (options.show) {
-    context.report().text(drawing(image, options.shades));
+    context.report().text(draw(image.view(), terminal_canvas(options.shades)));
   }
 }
 

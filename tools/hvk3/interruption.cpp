@@ -5,6 +5,7 @@
 #include <csignal>
 
 #include "hvk3/failure.h"
+#include "hvk3/live_screen.h"
 
 namespace hvk3 {
 namespace {
@@ -16,7 +17,12 @@ std::atomic<const Wakeup*> s_pWakeup = nullptr;
 std::atomic<int> s_nSignal = 0;
 
 extern "C" void take_signal(int number) {
-  s_nSignal = number;
+  if (s_nSignal.exchange(number) != 0) {
+    LiveScreen::give_back_now();
+    std::signal(number, SIG_DFL);
+    ::raise(number);  // comes when this handler returns
+    return;
+  }
   if (const Wakeup* const wakeup = s_pWakeup) {
     wakeup->notify();
   }
@@ -34,7 +40,7 @@ Interruption::Interruption(const Wakeup& wakeup) {
   s_pWakeup = &wakeup;
   struct sigaction action = {};
   action.sa_handler = &take_signal;
-  action.sa_flags = static_cast<int>(SA_RESETHAND) | SA_RESTART;
+  action.sa_flags = SA_RESTART;
   for (const int number : kSignals) {
     if (!is_ignored(number)) {
       ::sigaction(number, &action, nullptr);

@@ -78,7 +78,8 @@ void run(Context& context) {
     protocol.add(judge.take());
     return protocol.frames() == context.options().count;
   };
-  run_capture(context, {eCaptureLive, take, [&judge] { judge.observe(); }});
+  run_capture(context,
+              {eCaptureLive, take, [&judge](const unsigned char* /*image*/) { judge.observe(); }});
 }
 
 void add_options(CLI::App& app, Options& options) {

@@ -90,6 +90,14 @@ void add_scene_options(CLI::App& command, Options& options, CLI::Option* simulat
       ->type_name("FILE");
 }
 
+/// Options that would have no effect are no good ones.
+void refuse_what_gets_lost(const CLI::App& command, const Options& options) {
+  if (command.count("--shades") > 0 && !options.show && !options.preview) {
+    throw CLI::ValidationError("--shades", "only for an image that is drawn");
+  }
+  refuse_record_options(command, options.out);
+}
+
 }  // namespace
 
 void add_plugin_options(CLI::App& command, Options& options) {
@@ -121,16 +129,21 @@ void add_image_options(CLI::App& command, Options& options) {
           "Write the image, by the extension as PNG, BMP, PGM or finger image record (.fir)")
       ->check(image_path);
   add_record_options(command, options);
-  CLI::Option* const show =
-      command.add_flag("--show", options.show, "Draw the image with characters")
-          ->excludes("--json");
+  command.add_flag("--show", options.show, "Draw the image with characters")->excludes("--json");
   add_choice(command, "--shades", options.shades,
              {{"auto", eShades::Auto},
               {"24bit", eShades::TrueColour},
               {"256", eShades::Palette},
               {"plain", eShades::Plain}},
-             "How --show draws (default: auto, by the terminal)")
-      ->needs(show);
+             "How images are drawn (default: auto, by the terminal)");
+  command.final_callback([&command, &options] { refuse_what_gets_lost(command, options); });
+}
+
+void add_preview_option(CLI::App& command, Options& options) {
+  command
+      .add_flag("--preview", options.preview,
+                "Draw the live image on the terminal while capture runs")
+      ->excludes("--json");
 }
 
 void add_count_option(CLI::App& command, Options& options, const std::string& description) {

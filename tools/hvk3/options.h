@@ -30,6 +30,7 @@ struct Options {
 
   std::string out;  ///< image file; empty: none
   bool show = false;
+  bool preview = false;
   eShades shades = eShades::Auto;
   RecordDetails record;
 
@@ -62,6 +63,7 @@ void add_plugin_options(CLI::App& command, Options& options);
 void add_device_option(CLI::App& command, Options& options);
 void add_image_options(CLI::App& command, Options& options);
 void add_record_options(CLI::App& command, Options& options);
+void add_preview_option(CLI::App& command, Options& options);
 void add_capture_options(CLI::App& command, Options& options);
 void add_settle_option(CLI::App& command, Options& options, const std::string& description);
 void add_count_option(CLI::App& command, Options& options, const std::string& description);
@@ -78,5 +80,9 @@ void add_code_option(CLI::App& command, Options& options, const std::string& wha
 void add_secret_option(CLI::App& command, Options& options);
 void add_secret_output_options(CLI::App& command, Options& options);
 /// @}
+
+/// Refuses the options of finger image records where none is written.
+/// @throws CLI::ValidationError
+void refuse_record_options(const CLI::App& command, const std::string& out);
 
 }  // namespace hvk3

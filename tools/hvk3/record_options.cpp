@@ -15,15 +15,7 @@ const std::map<std::string, eFingerPosition> kPositions = {
     {"left-middle", eFingerPosition::LeftMiddle}, {"left-ring", eFingerPosition::LeftRing},
     {"left-little", eFingerPosition::LeftLittle}};
 
-/// Details that would get lost are refused.
-void refuse_without_record(const std::vector<CLI::Option*>& details, const std::string& out) {
-  for (const CLI::Option* const option : details) {
-    if (option->count() > 0 && !is_record_path(out)) {
-      throw CLI::ValidationError(option->get_name(),
-                                 "only for --out with a name that ends in .fir");
-    }
-  }
-}
+constexpr char kGroup[] = "Finger image record";
 
 }  // namespace
 
@@ -46,9 +38,17 @@ void add_record_options(CLI::App& command, Options& options) {
           ->check(CLI::Range(0U, kLargestId))
           ->capture_default_str()};
   for (CLI::Option* const option : details) {
-    option->group("Finger image record");
+    option->group(kGroup);
   }
-  command.final_callback([details, &options] { refuse_without_record(details, options.out); });
+}
+
+void refuse_record_options(const CLI::App& command, const std::string& out) {
+  for (const CLI::Option* const option : command.get_options()) {
+    if (option->get_group() == kGroup && option->count() > 0 && !is_record_path(out)) {
+      throw CLI::ValidationError(option->get_name(),
+                                 "only for --out with a name that ends in .fir");
+    }
+  }
 }
 
 }  // namespace hvk3

@@ -131,9 +131,9 @@ eShades terminal_shades() {
 
 }  // namespace
 
-Canvas terminal_canvas() {
+Canvas terminal_canvas(eShades shades) {
   Canvas canvas;
-  canvas.shades = terminal_shades();
+  canvas.shades = shades == eShades::Auto ? terminal_shades() : shades;
   winsize size = {};
   if (::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 && size.ws_row > 1) {
     canvas.columns = size.ws_col;

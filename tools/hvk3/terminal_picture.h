@@ -25,8 +25,9 @@ struct Canvas {
   eShades shades = eShades::Plain;
 };
 
-/// The canvas that standard output offers. What isn't a terminal gets plain signs.
-Canvas terminal_canvas();
+/// The canvas that standard output offers. `Auto` shows gray levels as the terminal can; what isn't
+/// a terminal gets plain signs.
+Canvas terminal_canvas(eShades shades);
 
 /// The image as lines of text, as large as the canvas allows and never enlarged. A character shows
 /// two pixels, one above the other, so that pixels are about square.

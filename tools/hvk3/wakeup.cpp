@@ -43,9 +43,9 @@ void Wakeup::notify() const {
   errno = before;
 }
 
-bool Wakeup::wait(const Deadline& deadline) const {
-  pollfd file = {m_nFile, POLLIN, 0};
-  const int ready = ::poll(&file, 1, milliseconds_until(deadline));
+bool Wakeup::wait(const Deadline& deadline, int written_file) const {
+  std::array<pollfd, 2> files = {pollfd{m_nFile, POLLIN, 0}, pollfd{written_file, POLLOUT, 0}};
+  const int ready = ::poll(files.data(), files.size(), milliseconds_until(deadline));
   if (ready > 0) {
     std::uint64_t count = 0;
     [[maybe_unused]] const auto got = ::read(m_nFile, &count, sizeof(count));

@@ -22,8 +22,9 @@ class Wakeup {
   /// Ends the present or the next wait. Safe in a signal handler.
   void notify() const;
 
-  /// Waits for a `notify` since the last wait. @return false when the deadline has passed
-  [[nodiscard]] bool wait(const Deadline& deadline) const;
+  /// Waits for a `notify` since the last wait, or until a file can be written; -1 for none.
+  /// @return false when the deadline has passed
+  [[nodiscard]] bool wait(const Deadline& deadline, int written_file = -1) const;
 
   /// Waits until a file can be read, or has ended. @return false after a `notify`, which stays for
   ///   the next wait
