@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "bench/words.h"
+#include "ostrevanhvk3_simulator/bench.h"
 
 namespace Osv::simulator {
 namespace {
@@ -20,8 +21,16 @@ constexpr Functions kHandleGivers = {eFunction::ftrScanOpenDeviceOnInterface,
                                      eFunction::FakeFingerDetectionCreateHandle};
 constexpr Functions kDescriptionGivers = {eFunction::CalibrateGetErrorDescription,
                                           eFunction::FakeFingerDetectionGetErrorDescriptionA};
+constexpr Functions kLengthGivers = {eFunction::CalibrateGetOption,
+                                     eFunction::FakeFingerDetectionGetPropertyA};
 constexpr Functions kTextGivers = {eFunction::CalibrateGetOption,
-                                   eFunction::FakeFingerDetectionGetPropertyA};
+                                   eFunction::FakeFingerDetectionGetPropertyA,
+                                   eFunction::ftrScanGetSerialNumber};
+constexpr Functions kReticent = {
+    eFunction::CalibrateGetErrorDescription, eFunction::FakeFingerDetectionGetErrorDescriptionA,
+    eFunction::CalibrateGetOption,           eFunction::FakeFingerDetectionGetPropertyA,
+    eFunction::ftrScanGetSerialNumber,       eFunction::ftrScanGetVersion};
+constexpr Functions kPartGivers = {eFunction::ftrScanGetVersion};
 constexpr Functions kFrameSizeGivers = {eFunction::ftrScanGetImageSize};
 constexpr Functions kMemorySizeGivers = {eFunction::ftrScanGetExtMemorySize};
 constexpr Functions kScoreGivers = {eFunction::ContaminationDetection,
@@ -126,9 +135,8 @@ class FaultReader {
     m_cWords.expect("with");
     if (is_of_scanner() && word_but_for(kWithoutLastError, "error")) {
       m_sFault.effects.error = code();
-    } else if (word_for(kSizeGivers, "size") || word_for(kTextGivers, "length")) {
-      constexpr long kLast = std::numeric_limits<long>::max();
-      m_sFault.effects.number = static_cast<double>(m_cWords.whole_number_between(0, kLast));
+    } else if (word_for(kSizeGivers, "size") || word_for(kLengthGivers, "length")) {
+      m_sFault.effects.size = m_cWords.whole_number();
     } else {
       m_cWords.refuse_here();
     }
@@ -141,10 +149,9 @@ class FaultReader {
       m_sFault.effects.null_handle = true;
     } else if (word_for(kDescriptionGivers, "text")) {
       m_cWords.expect("of");
-      m_sFault.effects.number =
-          static_cast<double>(m_cWords.whole_number_between(0, kLongestDescription));
+      m_sFault.effects.size = m_cWords.whole_number_between(0, kLongestDescription);
       m_cWords.expect("characters");
-    } else if (word_for(kDescriptionGivers, "no")) {
+    } else if (word_for(kReticent, "no")) {
       m_cWords.expect("text");
       m_sFault.effects.no_text = true;
     } else if (is_one_of(kFrameSizeGivers)) {
@@ -152,7 +159,9 @@ class FaultReader {
       m_cWords.expect("x");
       m_sFault.effects.frame_size = {width, signed_32_bits()};
     } else if (is_one_of(kMemorySizeGivers)) {
-      m_sFault.effects.number = signed_32_bits();
+      m_sFault.effects.size = signed_32_bits();
+    } else if (is_one_of(kPartGivers)) {
+      m_sFault.effects.size = m_cWords.whole_number_between(0, kAbsentPart);
     } else if (is_one_of(kScoreGivers)) {
       m_sFault.effects.number = m_cWords.accept("nan") ? std::nan("") : m_cWords.number();
     } else {
@@ -207,6 +216,7 @@ void Effects::add(const Effects& other) {
   take(answer, other.answer);
   take(error, other.error);
   take(number, other.number);
+  take(size, other.size);
   take(frame_size, other.frame_size);
   take(text, other.text);
   take(null_handle, other.null_handle);

@@ -25,7 +25,8 @@ struct Effects {
   std::optional<long> fails_with;  ///< nothing is done; the error of the failure
   std::optional<long> answer;      ///< all is done, then this is answered
   std::optional<long> error;       ///< last error that goes with `answer`
-  std::optional<double> number;    ///< the value that is given out, or a size or length
+  std::optional<double> number;    ///< the value that is given out
+  std::optional<long> size;        ///< the size, length or count of characters
   std::optional<FrameSize> frame_size;
   std::optional<std::string> text;
   bool null_handle = false;

@@ -34,8 +34,8 @@ long on_engine(const RecordedCall& call, void* handle, const void* argument, Wor
 
 /// Puts in what the fault plan wants for a size or length.
 void replace_number(const RecordedCall& call, unsigned long* number) {
-  if (number != nullptr && call.effects().number.has_value()) {
-    *number = static_cast<unsigned long>(*call.effects().number);
+  if (number != nullptr && call.effects().size.has_value()) {
+    *number = static_cast<unsigned long>(*call.effects().size);
   }
 }
 
@@ -45,6 +45,9 @@ unsigned long number_at(const unsigned long* number) { return number == nullptr 
 long option_value(const RecordedCall& call, const CalibrationEngine& engine, const char* name,
                   char* value, unsigned long& length) {
   const auto& text = call.effects().text;
+  if (call.effects().no_text) {
+    return kEngineGood;
+  }
   if (!text.has_value()) {
     return engine.get_option(name, value, length);
   }
@@ -134,6 +137,7 @@ long CalibrateGetOption(void* handle, const char* name, char* value, unsigned lo
     return option_value(call, engine, name, value, *length);
   });
   replace_number(call, length);
-  call.result(code == kEngineGood && value != nullptr ? "%ld, '%s'" : "%ld", code, value);
+  const bool told = code == kEngineGood && value != nullptr && !call.effects().no_text;
+  call.result(told ? "%ld, '%s'" : "%ld", code, value);
   return code;
 }

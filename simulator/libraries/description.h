@@ -23,8 +23,8 @@ inline const char* described(const RecordedCall& call, const char* own) {
   if (effects.no_text) {
     return nullptr;
   }
-  return effects.number.has_value()
-             ? filler.data() + kLongestDescription - static_cast<std::size_t>(*effects.number)
+  return effects.size.has_value()
+             ? filler.data() + kLongestDescription - static_cast<std::size_t>(*effects.size)
              : own;
 }
 

@@ -140,16 +140,19 @@ long FakeFingerDetectionGetPropertyA(void* handle, const char* name, char* value
   call.arguments("handle %u, %s, %s, length %lu", Detectors::number_of(handle),
                  Quoted(name).c_str(), value == nullptr ? "null" : "buffer",
                  length == nullptr ? 0 : *length);
-  return on_detector(call, handle, needed, [&](const LivenessDetector& detector) {
+  return on_detector(call, handle, needed, [&](const LivenessDetector& detector) -> long {
     const Effects& effects = call.effects();
+    if (effects.no_text) {
+      return kDetectorGood;
+    }
     std::string text;
     long code = effects.text.has_value() ? long{kDetectorGood} : detector.property(name, text);
     if (code == kDetectorGood) {
       const bool fits = give_text(effects.text.value_or(text), value, *length);
       code = fits ? kDetectorGood : kDetectorSmallBuffer;
     }
-    if (effects.number.has_value()) {
-      *length = static_cast<unsigned long>(*effects.number);
+    if (effects.size.has_value()) {
+      *length = static_cast<unsigned long>(*effects.size);
     }
     return code;
   });

@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <cstring>
 #include <numeric>
+#include <optional>
+#include <string>
 
 #include "bench/recorded_call.h"
 #include "bench/scene.h"
@@ -132,6 +134,18 @@ int transfer_memory(eFunction function, void* handle, const void* data, unsigned
     }
     return error;
   });
+}
+
+/// @param part every part of the versions, in place of the unit's own
+void give_version(const std::optional<long>& part, const Unit& unit,
+                  ftrScanVersionRecord& version) {
+  version.first = {1, 0, kAbsentPart, kAbsentPart};
+  version.second = unit.second_version();
+  version.third = unit.third_version();
+  if (part.has_value()) {
+    version.second.fill(static_cast<std::uint16_t>(*part));
+    version.third = version.second;
+  }
 }
 
 std::uint32_t store_serial(Unit& unit, const unsigned char* block) {
@@ -316,7 +330,11 @@ int ftrScanGetSerialNumber(void* handle, void* serial) {
   RecordedCall call(eFunction::ftrScanGetSerialNumber);
   handle_and_buffer(call, handle, serial);
   return finish_on_unit(call, handle, serial, [&](Unit& unit) {
-    std::memcpy(serial, unit.serial().data(), kSerialSize);
+    std::string bytes = call.effects().text.value_or(unit.serial());
+    bytes.resize(kSerialSize);
+    if (!call.effects().no_text) {
+      std::memcpy(serial, bytes.data(), kSerialSize);
+    }
     return 0U;
   });
 }
@@ -339,9 +357,8 @@ int ftrScanGetExtMemorySize(void* handle, std::int32_t* size) {
   RecordedCall call(eFunction::ftrScanGetExtMemorySize);
   handle_and_buffer(call, handle, size);
   return finish_on_unit(call, handle, size, [&](Unit& unit) {
-    const auto& number = call.effects().number;
-    *size = static_cast<std::int32_t>(number.has_value() ? static_cast<long>(*number)
-                                                         : static_cast<long>(unit.memory().size()));
+    const auto own = static_cast<long>(unit.memory().size());
+    *size = static_cast<std::int32_t>(call.effects().size.value_or(own));
     return 0U;
   });
 }
@@ -363,9 +380,9 @@ int ftrScanGetVersion(void* handle, ftrScanVersionRecord* version) {
     if (version->size != sizeof(*version)) {
       return kInvalidParameter;
     }
-    version->first = {1, 0, kAbsentPart, kAbsentPart};
-    version->second = unit.second_version();
-    version->third = unit.third_version();
+    if (!call.effects().no_text) {
+      give_version(call.effects().size, unit, *version);
+    }
     return 0U;
   });
 }

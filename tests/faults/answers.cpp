@@ -19,6 +19,7 @@ void merge(Effect& effect, const Effect& other) {
   take(effect.number, other.number);
   take(effect.frame_size, other.frame_size);
   take(effect.text, other.text);
+  take(effect.no_text, other.no_text);
   take(effect.null_handle, other.null_handle);
   take(effect.not_a_number, other.not_a_number);
   take(effect.description, other.description);
@@ -188,7 +189,7 @@ void Answers::unplug(eReturn comes_back) {
   } else if (comes_back == eReturn::Elsewhere) {
     plug_in_again(kElsewhere);
   } else if (comes_back == eReturn::Another) {
-    replace({.frames = kLargerFrames});
+    replace({.frames = kLargerFrames, .serial = kSerialOfAnother});
   }
 }
 

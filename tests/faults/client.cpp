@@ -237,7 +237,9 @@ unsigned long Client::list(std::string& value) {
   unsigned long count = devices.size();
   const unsigned long result = m_pGrabber->AvailableDevices(devices.data(), count);
   for (std::size_t i = 0; result == 0 && i < std::min(count, kRoom); ++i) {
-    value += std::to_string(devices[i].nInterface) + ' ';
+    constexpr std::size_t kSerial = 8;
+    const char* const serial = devices[i].szSerialNumber;
+    value += listed_in_words(devices[i].nInterface, {serial, strnlen(serial, kSerial)});
   }
   return result;
 }

@@ -162,8 +162,8 @@ bool DriverModel::is_family(unsigned int interface) {
   return member;
 }
 
-std::vector<unsigned int> DriverModel::list() {
-  std::vector<unsigned int> found;
+std::vector<DriverModel::Listed> DriverModel::list() {
+  std::vector<Listed> found;
   const std::vector<unsigned int> listed = m_cAnswers.listed();
   if (!m_cAnswers.succeeds(ftrScanGetInterfaces)) {
     return found;
@@ -173,19 +173,31 @@ std::vector<unsigned int> DriverModel::list() {
     if (!handle.open) {
       continue;
     }
-    if (is_family(handle) &&
-        m_cAnswers.succeeds(ftrScanGetSerialNumber, m_cAnswers.error_of(handle))) {
-      found.push_back(interface);
+    std::string serial;
+    if (is_family(handle) && read_serial(handle, serial)) {
+      found.push_back({interface, serial});
     }
     m_cAnswers.close(handle);
   }
   return found;
 }
 
+/// The bytes in front of the first zero.
+bool DriverModel::read_serial(const Handle& handle, std::string& serial) {
+  const std::optional<Attached> device = m_cAnswers.device_at(handle.interface);
+  const std::optional<std::string> own = device.has_value() ? device->serial : std::nullopt;
+  Effect effect;
+  const bool known =
+      m_cAnswers.status(ftrScanGetSerialNumber, m_cAnswers.error_of(handle), effect) != 0;
+  const std::string told = own.value_or(serial_of(handle.interface));
+  serial = effect.no_text ? "" : effect.text.value_or(told);
+  return known;
+}
+
 bool DriverModel::initialize_device() {
   close_device();
-  for (const unsigned int interface : list()) {
-    m_s.handle = m_cAnswers.open(interface);
+  for (const Listed& scanner : list()) {
+    m_s.handle = m_cAnswers.open(scanner.interface);
     if (m_s.handle.open) {
       break;
     }
@@ -258,8 +270,8 @@ long DriverModel::open() {
   }
   m_s.format = 1;
   if (!m_s.chosen.has_value()) {
-    const std::vector<unsigned int> found = list();
-    return found.empty() ? long{number::NotConnected} : choose(found.front());
+    const std::vector<Listed> found = list();
+    return found.empty() ? long{number::NotConnected} : choose(found.front().interface);
   }
   if (!initialize_device()) {
     return device_error();

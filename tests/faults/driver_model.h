@@ -51,6 +51,10 @@ class DriverModel {
   struct DetectorFailure : Failure {
     long code = 0;
   };
+  struct Listed {
+    unsigned int interface = 0;
+    std::string serial;
+  };
   struct Engine {
     bool sensitive = false;
     std::pair<int, int> raw;  ///< size of the frames that it corrects
@@ -95,7 +99,7 @@ class DriverModel {
   long device_error();
   bool is_family(const Handle& handle);
   bool is_family(unsigned int interface);
-  std::vector<unsigned int> list();
+  std::vector<Listed> list();
   bool initialize_device();
   void close_device();
   bool select_interface(unsigned int interface);
@@ -104,6 +108,7 @@ class DriverModel {
   bool fetch_lit_frame(eFunction function);
   std::pair<int, int> frames_of(const Handle& handle) const;
   bool read_size(std::pair<int, int>& size);
+  bool read_serial(const Handle& handle, std::string& serial);
 
   // opening
   long open();

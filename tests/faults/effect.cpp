@@ -1,6 +1,7 @@
 #include "faults/effect.h"
 
 #include <array>
+#include <limits>
 #include <string_view>
 
 namespace Osv::faults {
@@ -14,6 +15,7 @@ constexpr std::array<long, 3> kEngineCodes = {-1, -21, -37};
 constexpr std::array<long, 6> kDetectorCodes = {-15, -21, -767, -768, -799, -800};
 constexpr std::array<unsigned int, 4> kLengths = {0, 1023, 1024, 5000};
 constexpr long kAbsurd = 1L << 62;
+constexpr long kLowest = std::numeric_limits<long>::min();
 
 std::vector<Effect> failures(const auto& numbers) {
   std::vector<Effect> effects;
@@ -23,25 +25,32 @@ std::vector<Effect> failures(const auto& numbers) {
   return effects;
 }
 
-/// A failure of an engine or detector, with each text that it may have for it.
-void add_descriptions(std::vector<Effect>& effects, long code) {
-  effects.push_back({.fails_with = code, .description = Description()});
-  for (const unsigned int length : kLengths) {
-    effects.push_back({.fails_with = code, .description = Description{length}});
+/// Codes of an engine or detector, each that is an error with each text that it may have.
+/// @param is_error tells whether the library is asked for a text
+std::vector<Effect> coded_failures(const auto& codes, bool (*is_error)(long code)) {
+  std::vector<Effect> effects = failures(codes);
+  for (const long code : codes) {
+    if (!is_error(code)) {
+      continue;
+    }
+    effects.push_back({.fails_with = code, .description = Description()});
+    for (const unsigned int length : kLengths) {
+      effects.push_back({.fails_with = code, .description = Description{length}});
+    }
   }
-}
-
-std::vector<Effect> engine_failures() {
-  std::vector<Effect> effects = failures(kEngineCodes);
-  add_descriptions(effects, -1);
   return effects;
 }
 
-std::vector<Effect> detector_failures() {
-  std::vector<Effect> effects = failures(kDetectorCodes);
-  add_descriptions(effects, -800);
-  return effects;
-}
+bool is_always(long /*code*/) { return true; }
+
+std::vector<Effect> engine_failures() { return coded_failures(kEngineCodes, &is_always); }
+
+std::vector<Effect> detector_failures() { return coded_failures(kDetectorCodes, &is_always); }
+
+bool is_missing_option(long code) { return code == -37; }
+
+/// Of an evaluation, whose other codes are states.
+bool is_failed_evaluation(long code) { return code < -799 || code > -768; }
 
 std::vector<Effect> with(std::vector<Effect> effects, const std::vector<Effect>& more) {
   effects.insert(effects.end(), more.begin(), more.end());
@@ -61,7 +70,7 @@ std::vector<Effect> frame_sizes() {
 std::vector<Effect> engine_sizes() {
   std::vector<Effect> effects;
   for (const long code : {0L, -21L}) {
-    for (const long size : {0L, 1L, kAbsurd}) {
+    for (const long size : {0L, 1L, kAbsurd, -1L, kLowest}) {
       effects.push_back({.answer = code, .number = size});
     }
   }
@@ -70,13 +79,40 @@ std::vector<Effect> engine_sizes() {
 
 std::vector<Effect> property_answers() {
   std::vector<Effect> effects = {{.answer = 0}};
-  for (const long length : {0L, 1L, 1023L, 1024L, 5000L, kAbsurd}) {
+  effects.push_back({.no_text = true});
+  for (const long length : {0L, 1L, 1023L, 1024L, 5000L, kAbsurd, -1L, kLowest}) {
     effects.push_back({.answer = -21, .number = length});
   }
   for (const unsigned int length : kLengths) {
     effects.push_back({.text = std::string(length, 'x')});
   }
   return effects;
+}
+
+/// A serial number has 8 bytes, and its end is not marked.
+std::vector<Effect> serial_numbers() {
+  return {{.no_text = true}, {.text = ""}, {.text = "x"}, {.text = "xxxxxxxx"}};
+}
+
+/// The longest parts that are there, and the shortest version.
+std::vector<Effect> versions() {
+  constexpr long kLargest = 65534;
+  constexpr long kAbsent = 65535;
+  return {{.no_text = true}, {.number = kLargest}, {.number = kAbsent}};
+}
+
+std::vector<Effect> option_values() {
+  return {{.text = ""},
+          {.text = "Enabled"},
+          {.text = "EnabledX"},
+          {.text = "enabled"},
+          {.text = std::string(1023, 'x')},
+          {.text = std::string(1024, 'x')},
+          {.text = std::string(5000, 'x')},
+          {.no_text = true},
+          {.answer = 0, .number = 5000},
+          {.answer = 0, .number = -1},
+          {.answer = -21, .number = 0}};
 }
 
 /// All kinds, by the function's number.
@@ -91,11 +127,12 @@ std::vector<std::vector<Effect>> all_kinds() {
         ftrScanGetDarkImage, ftrScanSetDiodesStatus, ftrScanGetInterfaces, ftrSetBaseInterface,
         ftrScanGetImageByVariableDose, ftrScanGetExtMemorySize, ftrScanRestoreExtMemory,
         ftrScanGetSerialNumber, ftrScanGetVersion, ftrScanSetNewAuthorizationCode,
-        ftrScanSaveSecret7Bytes, ftrScanRestoreSecret7Bytes, ftrScanOpenDeviceOnInterface}) {
-    of(function) = failures(kScannerNumbers);
+        ftrScanSaveSecret7Bytes, ftrScanRestoreSecret7Bytes, ftrScanOpenDeviceOnInterface,
+        ftrScanCloseDevice}) {
+    of(function) = failures(kScannerNumbers);  // a closing, too, can leave its number behind
   }
-  // Nobody looks at how a closing went, but it can leave an error number behind.
-  of(ftrScanCloseDevice) = failures(std::array{0L, 259L, 1460L});
+  of(ftrScanGetSerialNumber) = with(of(ftrScanGetSerialNumber), serial_numbers());
+  of(ftrScanGetVersion) = with(of(ftrScanGetVersion), versions());
   of(ftrScanOpenDeviceOnInterface).push_back({.null_handle = true});
   of(ftrScanGetImageSize) = with(of(ftrScanGetImageSize), frame_sizes());
   for (const long size : {0L, 1L, -1L, -2147483648L, 2147483647L}) {
@@ -109,20 +146,14 @@ std::vector<std::vector<Effect>> all_kinds() {
     of(ftrScanGetLastError).push_back({.answer = number});
   }
   of(CalibrateCreate) = {{.null_handle = true}};
-  for (const eFunction function : {Calibrate, CalibrateSetData, ContaminationDetection,
-                                   CalibrateSetOption, CalibrateGetOption}) {
+  for (const eFunction function :
+       {Calibrate, CalibrateSetData, ContaminationDetection, CalibrateSetOption}) {
     of(function) = engine_failures();
   }
   of(Calibrate) = with(of(Calibrate), engine_sizes());
-  of(CalibrateGetOption) = with(of(CalibrateGetOption), {{.text = ""},
-                                                         {.text = "Enabled"},
-                                                         {.text = "EnabledX"},
-                                                         {.text = "enabled"},
-                                                         {.text = std::string(1023, 'x')},
-                                                         {.text = std::string(1024, 'x')},
-                                                         {.text = std::string(5000, 'x')},
-                                                         {.answer = 0, .number = 5000},
-                                                         {.answer = -21, .number = 0}});
+  of(CalibrateGetOption) =
+      with(coded_failures(kEngineCodes, [](long code) { return !is_missing_option(code); }),
+           option_values());
   for (const eFunction function :
        {FakeFingerDetectionInitialize, FakeFingerDetectionCreateHandle, FakeFingerDetectionReset,
         FakeFingerDetectionEvaluateLiveliness, FakeFingerDetectionSetImage,
@@ -130,8 +161,10 @@ std::vector<std::vector<Effect>> all_kinds() {
     of(function) = detector_failures();
   }
   of(FakeFingerDetectionCreateHandle).push_back({.null_handle = true});
-  of(FakeFingerDetectionDestroyHandle) = failures(std::array{-1L});
-  of(FakeFingerDetectionUninitialize) = failures(std::array{-1L});
+  of(FakeFingerDetectionEvaluateLiveliness) = coded_failures(kDetectorCodes, &is_failed_evaluation);
+  // Nobody looks at how these went.
+  of(FakeFingerDetectionDestroyHandle) = failures(kDetectorCodes);
+  of(FakeFingerDetectionUninitialize) = failures(kDetectorCodes);
   for (const eFunction function : {ContaminationDetection, FakeFingerDetectionEvaluateLiveliness}) {
     of(function) = with(of(function),
                         {{.number = 0}, {.number = -1}, {.number = 1000}, {.not_a_number = true}});
@@ -181,6 +214,9 @@ std::string Effect::in_words(eFunction function) const {
   if (frame_size.has_value()) {
     return "gives " + std::to_string(frame_size->first) + " x " +
            std::to_string(frame_size->second);
+  }
+  if (no_text) {
+    return "gives no text";
   }
   return null_handle ? "gives a null handle" : "answers text '" + text.value_or("") + "'";
 }

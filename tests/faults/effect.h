@@ -27,7 +27,8 @@ struct Effect {
   std::optional<long> number = {};      ///< the size, length or value that is given out
   bool not_a_number = false;            ///< is given out as the value
   std::optional<std::pair<int, int>> frame_size = {};
-  std::optional<std::string> text = {};  ///< the value of a property or option
+  std::optional<std::string> text = {};  ///< the value of a property or option, a serial number
+  bool no_text = false;                  ///< all is done but for the value, which is not written
   bool null_handle = false;
   std::optional<Description> description = {};  ///< of every error while the plan stands
 

@@ -140,7 +140,9 @@ void make_runs(Sweep& sweep, const std::vector<Attempt>& runs, const Share& shar
     if (runs[i].incident.has_value()) {
       findings += findings_of_unplugging(sweep.lines(), *runs[i].incident);
     }
-    count(runs[i], sweep.lines(), figures);
+    if (!sweep.was_repeat()) {
+      count(runs[i], sweep.lines(), figures);
+    }
     if (!findings.empty()) {
       std::printf("%s", findings.c_str());
       ++figures.findings;

@@ -233,7 +233,7 @@ bool DriverModel::is_sensitive() {
   constexpr long kNoOption = -37;
   const std::string own = m_s.engine->sensitive ? "Enabled" : "Disabled";
   Effect effect = m_cAnswers.call(CalibrateGetOption);
-  const std::string value = effect.text.value_or(own);
+  const std::string value = effect.no_text ? "" : effect.text.value_or(own);
   const long own_code = value.size() < kRoom ? 0 : kSmallBuffer;
   const long code = effect.fails_with.value_or(effect.answer.value_or(own_code));
   if (code == kNoOption) {
@@ -320,9 +320,9 @@ double DriverModel::rate_at(unsigned int score, double sign) {
 }
 
 std::string DriverModel::read_property(const std::string& own) {
-  constexpr long kLongest = 1L << 24;
+  constexpr std::size_t kLongest = 1U << 24;
   Effect effect = m_cAnswers.call(FakeFingerDetectionGetPropertyA);
-  const long own_code = m_s.detector_alive ? kSmallBuffer : kBadHandle;
+  const long own_code = !m_s.detector_alive ? kBadHandle : effect.no_text ? 0 : kSmallBuffer;
   const long code = effect.fails_with.value_or(effect.answer.value_or(own_code));
   if (code != kSmallBuffer) {
     if (code != 0) {
@@ -331,17 +331,19 @@ std::string DriverModel::read_property(const std::string& own) {
     return "";
   }
   const auto own_length = static_cast<long>(effect.text.value_or(own).size()) + 1;
-  const long length = effect.number.value_or(effect.fails_with.has_value() ? 0 : own_length);
+  const auto length = static_cast<std::size_t>(
+      effect.number.value_or(effect.fails_with.has_value() ? 0 : own_length));
   if (length > kLongest) {
     throw unnumbered(kNoMemory, 1);
   }
-  return length == 0 ? "" : read_property_into(own, static_cast<std::size_t>(length));
+  return length == 0 ? "" : read_property_into(own, length);
 }
 
 std::string DriverModel::read_property_into(const std::string& own, std::size_t room) {
   const Effect effect = m_cAnswers.call(FakeFingerDetectionGetPropertyA);
-  const std::string value = effect.text.value_or(own);
-  const long own_code = value.size() < room ? 0 : kSmallBuffer;
+  // Where nothing is written, the zeros stay of which the plug-in's text is made.
+  const std::string value = effect.no_text ? std::string(room, '0') : effect.text.value_or(own);
+  const long own_code = effect.no_text || value.size() < room ? 0 : kSmallBuffer;
   const long code = effect.fails_with.value_or(effect.answer.value_or(own_code));
   if (code != 0) {
     throw_detector(effect, code);

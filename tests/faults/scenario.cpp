@@ -173,6 +173,11 @@ std::string value_in_words(double value) {
   return std::isnan(value) ? "nan" : own ? "some" : std::to_string(static_cast<long>(value));
 }
 
+std::string listed_in_words(unsigned int interface, const std::string& serial) {
+  return std::to_string(interface) + (serial == serial_of(interface) ? "" : '[' + serial + ']') +
+         ' ';
+}
+
 std::string score_in_words(double score, long state) {
   return value_in_words(score) + ", state " + std::to_string(state);
 }

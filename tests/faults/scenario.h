@@ -55,6 +55,7 @@ enum class eReturn {
 constexpr eReturn kReturns[] = {eReturn::Never, eReturn::Here, eReturn::Elsewhere,
                                 eReturn::Another};
 constexpr unsigned int kElsewhere = 3;
+constexpr char kSerialOfAnother[] = "HVK30001";
 
 /// The lines of a scenario for the bench that do it.
 std::string unplugging_in_words(eReturn comes_back);
@@ -84,7 +85,8 @@ struct Attached {
   unsigned char model = 1;
   simulator::eMemory memory = simulator::eMemory::Calibrated;
   std::pair<int, int> frames = kTinyFrames;
-  bool away = false;  ///< it is known at the interface, and not plugged in
+  bool away = false;                       ///< it is known at the interface, and not plugged in
+  std::optional<std::string> serial = {};  ///< nothing: that of the interface
 };
 
 struct Scenario {
@@ -111,6 +113,9 @@ std::string in_words(const Step& step, unsigned long result, const std::string& 
 std::string value_in_words(double value);
 
 std::string score_in_words(double score, long state);
+
+/// A scanner in the list, with its serial number when that is not its own.
+std::string listed_in_words(unsigned int interface, const std::string& serial);
 
 /// What a property that is not read reads as.
 constexpr unsigned int kUnread = 7;

@@ -21,6 +21,16 @@ bool is_format_read(const Step& step) {
   return step.what == eStep::GetFeature && step.number == eFeatureImageDataFormat;
 }
 
+std::string version_in_words(const Effect& effect, const char* own) {
+  constexpr long kAbsent = 65535;
+  if (!effect.no_text && !effect.number.has_value()) {
+    return own;
+  }
+  const std::string part = std::to_string(effect.number.value_or(0));
+  const std::string first = part + '.' + part;
+  return effect.number == kAbsent ? first : first + '.' + first;
+}
+
 }  // namespace
 
 unsigned long DriverModel::translated(const std::function<unsigned long()>& operation) {
@@ -113,8 +123,8 @@ std::string DriverModel::run(const Step& step) {
 }
 
 unsigned long DriverModel::run_list(std::string& value) {
-  for (const unsigned int interface : list()) {
-    value += std::to_string(interface) + ' ';
+  for (const Listed& scanner : list()) {
+    value += listed_in_words(scanner.interface, scanner.serial);
   }
   return 0;
 }
@@ -136,12 +146,16 @@ unsigned long DriverModel::run_info(std::string& value) {
 void DriverModel::read_info() {
   m_cAnswers.allocate(eThread::Client);
   m_s.info.emplace_back("Ostrevan KR9 scanner");
-  if (!m_cAnswers.succeeds(ftrScanGetSerialNumber, m_cAnswers.error_of(m_s.handle))) {
+  std::string serial;
+  if (!read_serial(m_s.handle, serial)) {
     throw_device("Could not read the serial number of the scanner.");
   }
   m_cAnswers.allocate(eThread::Client);
-  m_s.info.push_back(serial_of(m_s.handle.interface));
-  if (!m_cAnswers.succeeds(ftrScanGetVersion, m_cAnswers.error_of(m_s.handle))) {
+  if (!serial.empty()) {
+    m_s.info.push_back(serial);
+  }
+  Effect effect;
+  if (m_cAnswers.status(ftrScanGetVersion, m_cAnswers.error_of(m_s.handle), effect) == 0) {
     m_s.info.push_back(m_s.engine.has_value() ? "simulated unit 1" : "1");
     return;
   }
@@ -151,7 +165,8 @@ void DriverModel::read_info() {
     m_s.info.back() += '*';  // with or without the first version
     throw;
   }
-  m_s.info.insert(m_s.info.end(), {"2.1", "3.4.5"});
+  m_s.info.push_back(version_in_words(effect, "2.1"));
+  m_s.info.push_back(version_in_words(effect, "3.4.5"));
 }
 
 unsigned long DriverModel::run_snap(std::string& value) {

@@ -16,6 +16,7 @@ namespace {
 
 using enum simulator::eFunction;
 
+constexpr long kGone = 2;
 constexpr long kOrdinary = 1460;
 
 simulator::Bench& bench() { return *ostrevan_simulator_bench(); }
@@ -30,13 +31,26 @@ const Faults& second_faults() {
   return all;
 }
 
-/// A failure of a call that is neither told by value nor without a number, if there is one.
-const Effect& ordinary_kind(eFunction function) {
-  const std::vector<Effect>& kinds = kinds_of(function);
-  const auto found = std::find_if(kinds.begin(), kinds.end(), [](const Effect& kind) {
-    return kind.fails_with == kOrdinary || kind.answer == kOrdinary;
-  });
-  return found == kinds.end() ? kinds.front() : *found;
+/// The first faults of a run with two: a failure that is told by value as a disconnection, and one
+/// that is not; the first kind where there is neither.
+std::vector<Effect> first_kinds(eFunction function) {
+  std::vector<Effect> found;
+  for (const Effect& kind : kinds_of(function)) {
+    for (const long number : {kGone, kOrdinary}) {
+      if (kind.fails_with == number || (function == ftrScanGetLastError && kind.answer == number)) {
+        found.push_back(kind);
+      }
+    }
+  }
+  return found.empty() ? std::vector{kinds_of(function).front()} : found;
+}
+
+/// Whether faults give a text that nobody has asked for since the scene was laid out.
+bool gives_text_in_vain(const Faults& faults) {
+  return bench().count(simulator::name_of(CalibrateGetErrorDescription)) == 0 &&
+         bench().count(simulator::name_of(FakeFingerDetectionGetErrorDescriptionA)) == 0 &&
+         std::any_of(faults.begin(), faults.end(),
+                     [](const Fault& fault) { return fault.effect.description.has_value(); });
 }
 
 }  // namespace
@@ -92,8 +106,10 @@ std::vector<Attempt> Sweep::double_faults() const {
   for (const Site& site : m_vSites) {
     for (Fault second : second_faults()) {
       second.first = site.before.at(second.function) + 1;
-      const Fault first{site.function, site.call, false, ordinary_kind(site.function)};
-      runs.push_back({.faults = {first, second}, .twice = true});
+      for (const Effect& kind : first_kinds(site.function)) {
+        const Fault first{site.function, site.call, false, kind};
+        runs.push_back({.faults = {first, second}, .twice = true});
+      }
     }
   }
   return runs;
@@ -180,6 +196,7 @@ Sweep::Run Sweep::run(const Attempt& attempt) {
   m_cDeadline.begin(name);
   made.findings = pass(attempt);
   made.lines = std::exchange(m_vLines, {});
+  m_bRepeat = gives_text_in_vain(attempt.faults);
   m_cDeadline.begin("behind " + name);
   const std::string behind = pass({});
   m_vLines = {};

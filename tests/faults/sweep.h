@@ -50,6 +50,10 @@ class Sweep {
   /// What the client had of the steps of the last run, fault-free ones left aside.
   const std::vector<std::string>& lines() const { return m_vLines; }
 
+  /// Whether the last run was one again that is made without the text of its fault: no library was
+  /// asked for a text.
+  bool was_repeat() const { return m_bRepeat; }
+
   /// Runs the scenario with faults, and then without.
   /// @return what was wrong, empty for nothing
   std::string findings_of(const Attempt& attempt);
@@ -80,6 +84,7 @@ class Sweep {
   std::vector<Site> m_vFirstCalls;              // all calls up to the end of the first capture
   std::vector<unsigned int> m_vFirstCallbacks;  // of the first capture, each kind once
   std::vector<std::string> m_vLines;
+  bool m_bRepeat = false;
 };
 
 }  // namespace Osv::faults

@@ -7,7 +7,9 @@ namespace {
 
 constexpr std::size_t kBehind = 7;  // steps behind the capture that was met
 
-bool has(const std::string& line, const char* text) { return line.find(text) != std::string::npos; }
+bool has(const std::string& line, const std::string& text) {
+  return line.find(text) != std::string::npos;
+}
 
 /// What the client had: the capture that was met, and the steps behind it.
 struct Story {
@@ -54,15 +56,17 @@ bool is_right_behind(const Story& story, const Incident& incident) {
   return noticed(story.first) == eNoticed::OnAFrame ? closed : told_again;
 }
 
-const char* in_list(eReturn comes_back) {
+/// The list behind it. A unit that was replaced is a ghost if its serial number is there.
+std::string in_list(eReturn comes_back) {
   switch (comes_back) {
     case eReturn::Never:
       return "0x0  '";
+    case eReturn::Here:
+      break;
     case eReturn::Elsewhere:
       return "0x0 3  '";
-    case eReturn::Here:
     case eReturn::Another:
-      break;
+      return "0x0 " + listed_in_words(0, kSerialOfAnother) + " '";
   }
   return "0x0 0  '";
 }

@@ -151,11 +151,15 @@ TEST_F(Faults, TheEngineAnswersWhatThePlanSays) {
   const Engine engine(payload_of_scanner(bench, 0));
   Block input(kRawWidth, kRawHeight);
   unsigned long size = 0;
-  bench.set_faults("Calibrate call 2 fails with -5; Calibrate call 3 answers 0 with size 0");
+  bench.set_faults(
+      "Calibrate call 2 fails with -5; Calibrate call 3 answers 0 with size 0;"
+      "Calibrate call 4 answers 0 with size -1");
   EXPECT_EQ(Calibrate(engine.handle(), input.header(), input.size(), nullptr, &size), -21);
   EXPECT_EQ(Calibrate(engine.handle(), input.header(), input.size(), nullptr, &size), -5);
   EXPECT_EQ(Calibrate(engine.handle(), input.header(), input.size(), nullptr, &size), 0);
   EXPECT_EQ(size, 0U);
+  EXPECT_EQ(Calibrate(engine.handle(), input.header(), input.size(), nullptr, &size), 0);
+  EXPECT_EQ(size, ~0UL);
 }
 
 TEST_F(Faults, AnOptionHasAnotherValue) {
@@ -173,6 +177,40 @@ TEST_F(Faults, ACodeHasNoText) {
       "FakeFingerDetectionGetErrorDescriptionA gives no text");
   EXPECT_EQ(CalibrateGetErrorDescription(-21), nullptr);
   EXPECT_EQ(FakeFingerDetectionGetErrorDescriptionA(-21), nullptr);
+}
+
+TEST_F(Faults, AnOptionIsGivenWithoutAText) {
+  const Engine engine(payload_of_scanner(bench, 0));
+  std::array<char, 10> value = {'x'};
+  unsigned long length = 10;
+  bench.set_faults("CalibrateGetOption gives no text");
+  EXPECT_EQ(CalibrateGetOption(engine.handle(), "SensitiveMode", value.data(), &length), 0);
+  EXPECT_STREQ(value.data(), "x");
+}
+
+TEST_F(Faults, ASerialNumberHasEightBytesOfAText) {
+  std::array<char, 9> serial = {};
+  bench.set_faults(
+      "ftrScanGetSerialNumber call 1 answers text '123456789';"
+      "ftrScanGetSerialNumber call 2 gives no text;"
+      "ftrScanGetSerialNumber call 3 answers text '1'");
+  EXPECT_EQ(ftrScanGetSerialNumber(m_hScanner, serial.data()), 1);
+  EXPECT_STREQ(serial.data(), "12345678");
+  EXPECT_EQ(ftrScanGetSerialNumber(m_hScanner, serial.data()), 1);
+  EXPECT_STREQ(serial.data(), "12345678");
+  EXPECT_EQ(ftrScanGetSerialNumber(m_hScanner, serial.data()), 1);
+  EXPECT_EQ(serial, (std::array<char, 9>{'1'}));
+}
+
+TEST_F(Faults, AVersionHasThePartsOfThePlanOrNone) {
+  ftrScanVersionRecord version{};
+  version.size = sizeof(version);
+  bench.set_faults("ftrScanGetVersion call 1 gives no text; ftrScanGetVersion call 2 gives 65534");
+  EXPECT_EQ(ftrScanGetVersion(m_hScanner, &version), 1);
+  EXPECT_EQ(version.second, Version());
+  EXPECT_EQ(ftrScanGetVersion(m_hScanner, &version), 1);
+  EXPECT_EQ(version.second, (Version{65534, 65534, 65534, 65534}));
+  EXPECT_EQ(version.third, version.second);
 }
 
 TEST_F(Faults, ContaminationIsWhatThePlanSays) {
@@ -222,6 +260,13 @@ TEST_F(DetectorFaults, APropertyAsksForNoLength) {
   bench.set_faults("FakeFingerDetectionGetPropertyA answers -21 with length 0");
   EXPECT_EQ(FakeFingerDetectionGetPropertyA(m_hDetector, "Version", nullptr, &m_nLength), -21);
   EXPECT_EQ(m_nLength, 0U);
+}
+
+TEST_F(DetectorFaults, APropertyIsGivenWithoutAText) {
+  m_aText.fill('x');
+  bench.set_faults("FakeFingerDetectionGetPropertyA gives no text");
+  EXPECT_EQ(FakeFingerDetectionGetPropertyA(m_hDetector, "Version", m_aText.data(), &m_nLength), 0);
+  EXPECT_EQ(m_aText.front(), 'x');
 }
 
 TEST_F(DetectorFaults, OnePropertyHasAnotherValue) {
@@ -323,8 +368,10 @@ TEST_F(Faults, ANumberThatDoesNotFitIsRefused) {
     EXPECT_EQ(refusal("ftrScanGetImageSize gives 640 x " + number), at(number));
     EXPECT_EQ(refusal("ftrScanGetExtMemorySize gives " + number), at(number));
   }
-  EXPECT_EQ(refusal("Calibrate answers 0 with size -1"), at("-1"));
-  EXPECT_EQ(refusal("CalibrateGetOption answers 0 with length -1"), at("-1"));
+  EXPECT_EQ(refusal("CalibrateGetErrorDescription gives text of -1 characters"), at("-1"));
+  for (const std::string number : {"65536", "-1"}) {
+    EXPECT_EQ(refusal("ftrScanGetVersion gives " + number), at(number));
+  }
 }
 
 TEST_F(Faults, ASizeOfMemoryIsAWholeNumber) {
