@@ -11,7 +11,8 @@ from matplotlib import pyplot  # noqa: E402, the backend comes first
 
 MEBIBYTE = 1 << 20
 CURVES = [("resident", MEBIBYTE, "resident, MiB"), ("heap", MEBIBYTE, "allocated, MiB"),
-          ("descriptors", 1, "descriptors"), ("threads", 1, "threads")]
+          ("blocks", 1, "blocks"), ("descriptors", 1, "descriptors"),
+          ("threads", 1, "threads")]
 
 with open(sys.argv[1], newline="") as table:
     rows = [{name: int(value) for name, value in row.items()} for row in csv.DictReader(table)]

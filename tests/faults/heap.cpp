@@ -13,6 +13,8 @@
 
 #if HVK3_OWN_ALLOCATOR
 
+#include <malloc.h>
+
 #include <atomic>
 #include <cerrno>
 #include <cstddef>
@@ -21,11 +23,19 @@ namespace {
 
 using Osv::faults::Refusal;
 
-std::atomic<long> s_nLive = 0;
+std::atomic<long> s_nBlocks = 0;
+std::atomic<long> s_nBytes = 0;
 std::atomic<Refusal> s_pfnRefuses = nullptr;
 
+void count(void* block, long sign) {
+  if (block != nullptr) {
+    s_nBlocks += sign;
+    s_nBytes += sign * static_cast<long>(malloc_usable_size(block));
+  }
+}
+
 void* counted(void* block) {
-  s_nLive += block == nullptr ? 0 : 1;
+  count(block, 1);
   return block;
 }
 
@@ -80,7 +90,7 @@ HVK3_EXPORTED int posix_memalign(void** block, std::size_t alignment, std::size_
 }
 
 HVK3_EXPORTED void free(void* block) noexcept {
-  s_nLive -= block == nullptr ? 0 : 1;
+  count(block, -1);
   __libc_free(block);
 }
 
@@ -92,8 +102,10 @@ HVK3_EXPORTED void* realloc(void* block, std::size_t size) noexcept {
   if (size != 0 && is_refused(caller)) {
     return nullptr;
   }
-  s_nLive -= size == 0 ? 1 : 0;
-  return __libc_realloc(block, size);
+  count(block, -1);
+  void* const grown = __libc_realloc(block, size);
+  count(grown == nullptr && size != 0 ? block : grown, 1);
+  return grown;
 }
 
 }  // extern "C"
@@ -101,7 +113,9 @@ HVK3_EXPORTED void* realloc(void* block, std::size_t size) noexcept {
 
 namespace Osv::faults {
 
-std::optional<long> live_blocks() { return s_nLive; }
+std::optional<long> live_blocks() { return s_nBlocks; }
+
+std::optional<long> live_bytes() { return s_nBytes; }
 
 void refuse_allocations(Refusal refuses) { s_pfnRefuses = refuses; }
 
@@ -109,9 +123,42 @@ void refuse_allocations(Refusal refuses) { s_pfnRefuses = refuses; }
 
 #else
 
-namespace Osv::faults {
+#include <sanitizer/allocator_interface.h>
 
-std::optional<long> live_blocks() { return std::nullopt; }
+#include <atomic>
+
+namespace Osv::faults {
+namespace {
+
+std::atomic<long> s_nBlocks = 0;
+std::atomic<long> s_nBytes = 0;
+
+void count(const volatile void* block, long sign) {
+  s_nBlocks += sign;
+  s_nBytes +=
+      sign * static_cast<long>(__sanitizer_get_allocated_size(const_cast<const void*>(block)));
+}
+
+void on_malloc(const volatile void* block, std::size_t /*size*/) {
+  if (block != nullptr) {
+    count(block, 1);
+  }
+}
+
+void on_free(const volatile void* block) {
+  if (block != nullptr) {
+    count(block, -1);
+  }
+}
+
+[[maybe_unused]] const int s_nInstalled =
+    __sanitizer_install_malloc_and_free_hooks(&on_malloc, &on_free);
+
+}  // namespace
+
+std::optional<long> live_blocks() { return s_nBlocks; }
+
+std::optional<long> live_bytes() { return s_nBytes; }
 
 }  // namespace Osv::faults
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 
 /// @file
@@ -7,9 +8,14 @@
 
 namespace Osv::faults {
 
-/// Blocks that were allocated and not yet freed, by anybody in this process; nothing where a
-/// sanitizer allocates, which looks for leaks itself.
+/// Blocks that were allocated and not yet freed, by anybody in this process; nothing where they are
+/// not counted.
 std::optional<long> live_blocks();
+
+/// The bytes in them, as they can be used: a block may have some more than were asked for, at one
+/// time and not at another.
+std::optional<long> live_bytes();
+constexpr std::size_t kMoreThanAsked = 16;
 
 /// Whether an allocation fails, asked on the thread that makes it.
 /// @param caller the place that the block goes to

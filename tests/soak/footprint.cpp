@@ -1,19 +1,19 @@
 #include "soak/footprint.h"
 
-#include <malloc.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 
+#include "faults/heap.h"
+
 namespace Osv::soak {
 namespace {
 
-// Where freed memory lies in the allocator's blocks differs a little from round to round.
-constexpr std::size_t kDisorderResident = std::size_t{1} << 20;
-constexpr std::size_t kDisorderHeap = std::size_t{64} << 10;
+// Pages come and go with the system's needs, a thread's stack and the libraries' files; what is
+// allocated is counted beside it.
+constexpr double kRisingResident = 1 << 20;  // bytes over the second half
 
 std::size_t entries(const char* folder) {
   const std::filesystem::directory_iterator found(folder);
@@ -27,16 +27,44 @@ std::size_t resident_memory() {
   return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
 }
 
-/// "" when the largest of the second half lies within `slack` of the largest of the first.
-std::string grown(const std::vector<Footprint>& points, std::size_t Footprint::*value,
-                  std::size_t slack, const std::string& name) {
+/// How much a line through the points rises from the first to the last, by least squares.
+double rise(const std::vector<Footprint>& points, std::size_t Footprint::*value) {
+  const auto count = static_cast<double>(points.size());
+  double frames = 0;
+  double values = 0;
+  for (const Footprint& point : points) {
+    frames += static_cast<double>(point.frames) / count;
+    values += static_cast<double>(point.*value) / count;
+  }
+  double products = 0;
+  double squares = 0;
+  for (const Footprint& point : points) {
+    const double distance = static_cast<double>(point.frames) - frames;
+    products += distance * (static_cast<double>(point.*value) - values);
+    squares += distance * distance;
+  }
+  return products / squares * static_cast<double>(points.back().frames - points.front().frames);
+}
+
+/// "" when the resident memory keeps its size through the second half.
+std::string risen(const std::vector<Footprint>& points) {
   const auto half = points.begin() + static_cast<std::ptrdiff_t>(points.size() / 2);
-  const auto less = [value](const Footprint& a, const Footprint& b) { return a.*value < b.*value; };
-  const std::size_t before = (*std::max_element(points.begin(), half, less)).*value;
-  const std::size_t after = (*std::max_element(half, points.end(), less)).*value;
-  return after <= before + slack ? ""
-                                 : name + " grew from " + std::to_string(before) + " to " +
-                                       std::to_string(after) + " bytes. ";
+  const double rising = rise({half, points.end()}, &Footprint::resident);
+  return rising <= kRisingResident
+             ? ""
+             : "Resident memory rises by " + std::to_string(rising) + " bytes. ";
+}
+
+/// "" when no point has more bytes than the first but for what blocks may have at will.
+std::string grown(const std::vector<Footprint>& points) {
+  const std::size_t most = points.front().heap + points.front().blocks * faults::kMoreThanAsked;
+  for (const Footprint& point : points) {
+    if (point.heap > most) {
+      return std::to_string(points.front().heap) + " allocated bytes became " +
+             std::to_string(point.heap) + " at frame " + std::to_string(point.frames) + ". ";
+    }
+  }
+  return "";
 }
 
 /// "" when all points have what the first has.
@@ -54,18 +82,23 @@ std::string changed(const std::vector<Footprint>& points, std::size_t Footprint:
 }  // namespace
 
 Footprint footprint(long frames) {
-  return {frames, resident_memory(), mallinfo2().uordblks, entries("/proc/self/fd"),
+  return {frames,
+          resident_memory(),
+          static_cast<std::size_t>(faults::live_bytes().value_or(0)),
+          static_cast<std::size_t>(faults::live_blocks().value_or(0)),
+          entries("/proc/self/fd"),
           entries("/proc/self/task")};
 }
 
 std::string Curve::growth() const {
-  if (m_vPoints.size() < 4) {
+  constexpr std::ptrdiff_t kWarming = 4;  // rounds until every cache is filled
+  if (m_vPoints.size() < 2 * kWarming) {
     return "The run was too short to tell. ";
   }
-  return changed(m_vPoints, &Footprint::descriptors, "descriptors") +
-         changed(m_vPoints, &Footprint::threads, "threads") +
-         grown(m_vPoints, &Footprint::heap, kDisorderHeap, "The heap") +
-         grown(m_vPoints, &Footprint::resident, kDisorderResident, "Resident memory");
+  const std::vector<Footprint> warm(m_vPoints.begin() + kWarming, m_vPoints.end());
+  return changed(warm, &Footprint::descriptors, "descriptors") +
+         changed(warm, &Footprint::threads, "threads") +
+         changed(warm, &Footprint::blocks, "blocks of memory") + grown(warm) + risen(warm);
 }
 
 }  // namespace Osv::soak

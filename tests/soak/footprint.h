@@ -14,6 +14,7 @@ struct Footprint {
   long frames = 0;           ///< delivered up to now
   std::size_t resident = 0;  ///< bytes of memory that are in use and in the machine's memory
   std::size_t heap = 0;      ///< bytes that are allocated
+  std::size_t blocks = 0;    ///< that they are in
   std::size_t descriptors = 0;
   std::size_t threads = 0;
 };
@@ -23,11 +24,14 @@ Footprint footprint(long frames);
 /// Footprints of the same point of a work that repeats.
 class Curve {
  public:
+  /// @param points that come at most: their own memory is not to grow meanwhile
+  explicit Curve(std::size_t points) { m_vPoints.reserve(points); }
+
   void add(const Footprint& footprint) { m_vPoints.push_back(footprint); }
 
-  /// What grew, in words; empty when nothing did. Descriptors and threads stay what they were at
-  /// the first point. Memory has the first half of the run to reach its size; what it holds at most
-  /// in the second half may lie above that by no more than an allocator's disorder.
+  /// What changed, in words; empty when nothing did. Behind the first rounds descriptors, threads
+  /// and blocks of memory stay the same, the bytes in them but for what the allocator adds; the
+  /// resident memory doesn't rise.
   std::string growth() const;
 
  private:

@@ -20,8 +20,9 @@ int main(int count, char** arguments) {
   }
   try {
     Osv::soak::ClientLoop client;
-    Osv::soak::Curve curve;
-    std::cout << "frames,resident,heap,descriptors,threads\n";
+    constexpr long kLeastFrames = 100;  // of a round
+    Osv::soak::Curve curve(static_cast<std::size_t>(frames / kLeastFrames + 1));
+    std::cout << "frames,resident,heap,blocks,descriptors,threads\n";
     while (client.frames() < frames) {
       {
         // Their records of a round end with it, so that only the plug-in's own memory is seen.
@@ -30,8 +31,8 @@ int main(int count, char** arguments) {
         client.round();
       }
       const Osv::soak::Footprint now = Osv::soak::footprint(client.frames());
-      std::cout << now.frames << ',' << now.resident << ',' << now.heap << ',' << now.descriptors
-                << ',' << now.threads << '\n';
+      std::cout << now.frames << ',' << now.resident << ',' << now.heap << ',' << now.blocks << ','
+                << now.descriptors << ',' << now.threads << '\n';
       curve.add(now);
     }
     const std::string growth = curve.growth();
