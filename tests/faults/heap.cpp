@@ -117,6 +117,8 @@ std::optional<long> live_blocks() { return s_nBlocks; }
 
 std::optional<long> live_bytes() { return s_nBytes; }
 
+bool is_sanitized() { return false; }
+
 void refuse_allocations(Refusal refuses) { s_pfnRefuses = refuses; }
 
 }  // namespace Osv::faults
@@ -159,6 +161,8 @@ void on_free(const volatile void* block) {
 std::optional<long> live_blocks() { return s_nBlocks; }
 
 std::optional<long> live_bytes() { return s_nBytes; }
+
+bool is_sanitized() { return true; }
 
 }  // namespace Osv::faults
 

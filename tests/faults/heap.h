@@ -17,6 +17,9 @@ std::optional<long> live_blocks();
 std::optional<long> live_bytes();
 constexpr std::size_t kMoreThanAsked = 16;
 
+/// Whether a sanitizer allocates.
+bool is_sanitized();
+
 /// Whether an allocation fails, asked on the thread that makes it.
 /// @param caller the place that the block goes to
 using Refusal = bool (*)(const void* caller);
