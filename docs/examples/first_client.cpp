@@ -15,13 +15,14 @@
 namespace {
 
 constexpr unsigned int kChannel = 1;
+constexpr int kImages = 10;  // the first ones show a finger that is only touching down
 
 // What the callbacks, on the plug-in's thread, leave for the main thread.
 struct Capture {
   std::mutex lock;
   std::condition_variable changed;
   int images = 0;
-  std::vector<unsigned char> finger;  // the newest image
+  std::vector<unsigned char> finger;  // the last of them
   std::string error;
 };
 
@@ -29,6 +30,9 @@ struct Capture {
 void finger_came(int, unsigned int, int, unsigned char* image, void* user) {
   Capture& capture = *static_cast<Capture*>(user);
   std::lock_guard<std::mutex> guard(capture.lock);
+  if (capture.images == kImages) {
+    return;  // one more, before capture has stopped
+  }
   capture.finger.assign(image, image + Osv::lx::ImageView(image).block_size());
   ++capture.images;
   capture.changed.notify_one();
@@ -42,10 +46,9 @@ void capture_failed(int, unsigned int, const char* text, void* user) {
   capture.changed.notify_one();
 }
 
-// The first images show a finger that is only touching down: waits for the tenth.
 void wait_for_finger(Capture& capture) {
   std::unique_lock<std::mutex> guard(capture.lock);
-  capture.changed.wait(guard, [&] { return capture.images >= 10 || !capture.error.empty(); });
+  capture.changed.wait(guard, [&] { return capture.images == kImages || !capture.error.empty(); });
 }
 
 // A sign for 4 x 8 pixels, the darker the denser; ridges are dark.

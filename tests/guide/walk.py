@@ -4,7 +4,8 @@ the top of the tree, with BUILD as build/default, it goes through the fenced blo
 
 - `cpp` behind a paragraph that ends with "`FILE`:" is saved under that name;
 - `sh` is run, and has to succeed;
-- `text` right behind it is what it prints, whatever stands where a line is "...".
+- `text` right behind it is what it prints, but for blanks at the end of a line; where a line is
+  "..." there may be any others.
 
 What builds and tests the tree has been run already, so commands of scripts/ and .ci/ only have to
 be there, and presets to be known. The tool has simulated scanners, nothing becomes root, and the
@@ -68,7 +69,7 @@ def run(folder, commands):
 def compare(commands, printed, promised):
     pattern = "".join(".*" if line == "...\n" else re.escape(line)
                       for line in promised.splitlines(keepends=True))
-    if not re.fullmatch(pattern, printed, re.DOTALL):
+    if not re.fullmatch(pattern, re.sub(" +$", "", printed, flags=re.MULTILINE), re.DOTALL):
         sys.exit(f"{commands}promises:\n{promised}but prints:\n{printed}")
 
 
