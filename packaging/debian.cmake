@@ -78,4 +78,15 @@ hvk3_package(
   DEPENDS libostrevanhvk3
   SUGGESTS ostrevanhvk3-simulator)
 
+# Apart from the tool, which needs no display.
+if(HVK3_VIEWER)
+  hvk3_package(
+    viewer ostrevanhvk3-viewer graphics
+    DESCRIPTION "window with the live image of an HVK3 fingerprint scanner"
+                "Shows the live image as it comes, the settled finger beside it and how live"
+                "it is, and has switches for what the scanner can do."
+    DEPENDS libostrevanhvk3
+    SUGGESTS ostrevanhvk3-simulator)
+endif()
+
 include(CPack)
