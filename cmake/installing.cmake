@@ -8,8 +8,9 @@ if(NOT DEFINED CMAKE_INSTALL_LIBDIR
 endif()
 include(GNUInstallDirs)
 
-# No folder of the loader's: the stand-ins have the file names of the closed libraries.
+# No folders of the loader's: stand-ins and forwarders have the file names of the closed libraries.
 set(HVK3_INSTALL_SIMULATOR_DIR "${CMAKE_INSTALL_LIBDIR}/ostrevanhvk3/simulator")
+set(HVK3_INSTALL_RECORDER_DIR "${CMAKE_INSTALL_LIBDIR}/ostrevanhvk3/recorder")
 set(HVK3_INSTALL_CONFIG_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/OstrevanHVK3")
 set(HVK3_INSTALL_PC_DIR "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 set(HVK3_INSTALL_COMPLETION_DIR "${CMAKE_INSTALL_DATADIR}/bash-completion/completions")
@@ -19,7 +20,7 @@ set(HVK3_INSTALL_DESKTOP_DIR "${CMAKE_INSTALL_DATADIR}/applications")
 # that are missing are made before.
 set(HVK3_INSTALL_FOLDERS
     "${CMAKE_INSTALL_BINDIR}" "${CMAKE_INSTALL_INCLUDEDIR}" "${CMAKE_INSTALL_DOCDIR}/simulator"
-    "${HVK3_INSTALL_SIMULATOR_DIR}" "${HVK3_INSTALL_CONFIG_DIR}" "${HVK3_INSTALL_PC_DIR}"
-    "${HVK3_INSTALL_COMPLETION_DIR}" "${HVK3_INSTALL_DESKTOP_DIR}")
+    "${HVK3_INSTALL_SIMULATOR_DIR}" "${HVK3_INSTALL_RECORDER_DIR}" "${HVK3_INSTALL_CONFIG_DIR}"
+    "${HVK3_INSTALL_PC_DIR}" "${HVK3_INSTALL_COMPLETION_DIR}" "${HVK3_INSTALL_DESKTOP_DIR}")
 configure_file("${CMAKE_CURRENT_LIST_DIR}/make_folders.cmake.in" make_folders.cmake @ONLY)
 install(SCRIPT "${CMAKE_CURRENT_BINARY_DIR}/make_folders.cmake")

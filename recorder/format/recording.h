@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+#include "recorder/format/block_file.h"
+#include "recorder/format/entries.h"
+
+/// @file
+/// A recording that is read.
+
+namespace Osv::recorder {
+
+/// Knows all calls of a file; their answers, which may be many and large, stay in it until they are
+/// asked for.
+class Recording {
+ public:
+  struct Call {
+    CallHead head;
+    const std::string* arguments;  ///< encoded; equal ones are one
+    std::uint64_t position;
+  };
+
+  /// @throws DamagedRecording for what is no recording, or a damaged one. One that ends within a
+  ///   block is read up to there.
+  explicit Recording(const std::string& path);
+
+  const Header& header() const { return m_cHeader; }
+  const std::vector<Call>& calls() const { return m_vCalls; }
+
+  /// Why the recording ended early; empty for a usual end.
+  const std::string& end() const { return m_sEnd; }
+
+  /// Whether it ends within a block, as behind a crash of the system.
+  bool torn() const { return m_cFile.torn(); }
+
+  /// Reads an answer. @throws DamagedRecording
+  void read_answer(const Call& call, Bytes& answer);
+
+ private:
+  void take(ByteReader reader, std::uint64_t position);
+  const std::string* keep(ByteView arguments);
+
+  BlockReader m_cFile;
+  Header m_cHeader;
+  std::vector<Call> m_vCalls;
+  std::unordered_set<std::string> m_cArguments;
+  std::size_t m_nArgumentBytes = 0;
+  std::string m_sEnd;
+};
+
+/// A call in words, as in "ftrScanSetOptions(handle 1, 4, 4)".
+std::string in_words(eFunction function, ByteView arguments);
+
+}  // namespace Osv::recorder

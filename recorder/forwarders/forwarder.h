@@ -1,0 +1,48 @@
+#pragma once
+
+#include "recorder/session/session.h"
+
+/// @file
+/// What the forwarders are made of: functions with the names of a closed library's, which describe
+/// their arguments and answers once, for recording and for playing.
+///
+/// Nothing of the caller's memory is written down behind a call that failed: it is as it was, and
+/// stays so when the call is played.
+
+/// Goes before each function of a closed library.
+#define OSV_FORWARDER extern "C" __attribute__((visibility("default")))
+
+namespace Osv::recorder {
+
+/// The real function behind one of these.
+template <class Function>
+Function* real(Function& /*forwarder*/, eFunction function) {
+  return reinterpret_cast<Function*>(Session::get().real(function));
+}
+
+/// A function that nobody calls, and of which nobody knows what it takes. It is passed on with as
+/// much as registers hold, and its answer can't be played.
+inline long pass_on(eFunction function, long first, long second, long third, long fourth) {
+  using Function = long (*)(long, long, long, long);
+  return exchange<long>(
+      function, Arguments(),
+      [&] {
+        return reinterpret_cast<Function>(Session::get().real(function))(first, second, third,
+                                                                         fourth);
+      },
+      [](Answer& answer, long& result) {
+        answer.number(result);
+        throw RecordingEnds("its outputs are not known");
+      });
+}
+
+/// The handles of one library.
+inline HandleBook& handles(eLibrary library) { return Session::get().handles(library); }
+
+/// An image that is given in. Where images were not recorded it can only be compared by its size.
+inline Arguments& add_image(Arguments& arguments, const void* image, std::size_t size) {
+  return image != nullptr && Session::get().pixels() ? arguments.data(image, size)
+                                                     : arguments.pointer(image).data_of_size(size);
+}
+
+}  // namespace Osv::recorder

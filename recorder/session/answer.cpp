@@ -1,0 +1,95 @@
+#include "recorder/session/answer.h"
+
+#include <algorithm>
+#include <cstring>
+#include <mutex>
+#include <set>
+
+#include "recorder/format/block_file.h"
+
+namespace Osv::recorder {
+namespace {
+
+constexpr std::size_t kLongestText = 4096;
+constexpr std::uint16_t kNull = 0xFFFF;
+
+/// The text for good. Nothing is destroyed while the process ends: calls may still come then.
+const char* keep(const ByteView text) {
+  static auto& lock = *new std::mutex;
+  static auto& texts = *new std::set<std::string>;
+  const std::lock_guard<std::mutex> guard(lock);
+  return texts.emplace(text.begin(), text.end()).first->c_str();
+}
+
+}  // namespace
+
+void Answer::new_handle(void*& handle, HandleBook& book) {
+  std::uint32_t number = m_pTarget != nullptr ? book.give(handle) : 0;
+  this->number(number);
+  if (m_pTarget == nullptr) {
+    handle = book.take(number);
+  }
+}
+
+void Answer::bytes(void* memory, std::size_t size) {
+  if (m_pTarget != nullptr) {
+    append(*m_pTarget, memory, size);
+  } else {
+    std::memcpy(memory, m_cSource.take(size).data(), size);
+  }
+}
+
+/// Number of bytes of a piece, from this call or from the recording.
+std::size_t Answer::checked_size(std::size_t size, std::size_t room) {
+  std::uint64_t checked = std::min(size, room);
+  if (m_pTarget != nullptr && checked > kLargestPiece) {
+    throw RecordingEnds("an answer of " + std::to_string(checked) + " bytes is too large for it");
+  }
+  number(checked);
+  if (checked > room) {
+    throw DamagedRecording("an answer in the recording is larger than the memory for it");
+  }
+  return checked;
+}
+
+void Answer::some_bytes(void* memory, std::size_t size, std::size_t room) {
+  const std::size_t checked = checked_size(size, room);
+  if (checked != 0) {
+    bytes(memory, checked);
+  }
+}
+
+void Answer::image(void* memory, std::size_t front, std::size_t size, std::size_t room) {
+  const std::size_t checked = checked_size(size, room);
+  if (m_bPixels && checked != 0) {
+    bytes(memory, checked);
+    return;
+  }
+  const std::size_t described = checked_size(front, checked);
+  if (described != 0) {
+    bytes(memory, described);
+  }
+  if (is_played() && described < checked) {
+    std::memset(static_cast<unsigned char*>(memory) + described, 0, checked - described);
+  }
+}
+
+void Answer::text(const char*& text) {
+  auto size = text == nullptr
+                  ? kNull
+                  : static_cast<std::uint16_t>(std::min(std::strlen(text), kLongestText));
+  number(size);
+  if (m_pTarget != nullptr) {
+    append(*m_pTarget, text, size == kNull ? 0 : size);
+  } else {
+    text = size == kNull ? nullptr : keep(m_cSource.take(size));
+  }
+}
+
+void Answer::finish() const {
+  if (is_played() && !m_cSource.rest().empty()) {
+    throw DamagedRecording("an answer in the recording is longer than one of this call");
+  }
+}
+
+}  // namespace Osv::recorder

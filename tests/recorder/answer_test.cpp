@@ -1,0 +1,110 @@
+#include "recorder/session/answer.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+#include "recorder/format/block_file.h"
+
+namespace Osv::recorder::test {
+namespace {
+
+using Block = std::array<unsigned char, 6>;
+
+constexpr Block kBlock = {1, 2, 3, 4, 5, 6};
+constexpr std::size_t kFront = 2;
+
+/// What an image is after it was written down and played.
+Block image(bool pixels, std::size_t size) {
+  Bytes written;
+  Block recorded = kBlock;
+  Answer(written, pixels).image(recorded.data(), kFront, size, recorded.size());
+  Block played = {9, 9, 9, 9, 9, 9};
+  Answer answer(ByteView(written), pixels);
+  answer.image(played.data(), 0, 0, played.size());
+  answer.finish();
+  return played;
+}
+
+TEST(Answer, GivesAnImageBack) { EXPECT_EQ(image(true, 6), kBlock); }
+
+TEST(Answer, TouchesNoMoreThanTheImage) { EXPECT_EQ(image(true, 4), (Block{1, 2, 3, 4, 9, 9})); }
+
+TEST(Answer, GivesABlackImageWithoutPixels) {
+  EXPECT_EQ(image(false, 5), (Block{1, 2, 0, 0, 0, 9}));
+  EXPECT_EQ(image(false, 1), (Block{1, 9, 9, 9, 9, 9}));
+}
+
+TEST(Answer, WritesNoPixelsDownThatAreNotWanted) {
+  Bytes written;
+  Block block = kBlock;
+  Answer(written, false).image(block.data(), kFront, block.size(), block.size());
+  EXPECT_EQ(written.size(), 2 * sizeof(std::uint64_t) + kFront);
+}
+
+TEST(Answer, FitsIntoTheCallersMemory) {
+  Bytes written;
+  Block block = kBlock;
+  Answer(written, true).some_bytes(block.data(), block.size(), block.size());
+  EXPECT_THROW(Answer(ByteView(written), true).some_bytes(block.data(), 5, 5), DamagedRecording);
+}
+
+TEST(Answer, CutShortIsRefused) {
+  Block block = {};
+  EXPECT_THROW(Answer(ByteView(kBlock).first(5), true).bytes(block.data(), 6), DamagedRecording);
+}
+
+TEST(Answer, TooLargeForARecordingEndsIt) {
+  Bytes written;
+  Bytes memory(kLargestPiece + 1);
+  EXPECT_THROW(Answer(written, true).some_bytes(memory.data(), memory.size(), memory.size()),
+               RecordingEnds);
+}
+
+TEST(Answer, ATextStaysWhereItIs) {
+  Bytes written;
+  const char* text = "busy";
+  Answer(written, true).text(text);
+  const char* played = nullptr;
+  Answer(ByteView(written), true).text(played);
+  const char* again = nullptr;
+  Answer(ByteView(written), true).text(again);
+  EXPECT_STREQ(played, "busy");
+  EXPECT_EQ(again, played);
+}
+
+TEST(Answer, NoTextIsNone) {
+  Bytes written;
+  const char* text = nullptr;
+  Answer(written, true).text(text);
+  text = "other";
+  Answer(ByteView(written), true).text(text);
+  EXPECT_EQ(text, nullptr);
+}
+
+TEST(Answer, ANewHandleHasTheNextNumber) {
+  HandleBook book;
+  Bytes written;
+  std::array<int, 2> devices = {};
+  void* first = devices.data();
+  void* second = &devices[1];
+  Answer(written, true).new_handle(first, book);
+  book.forget(first);
+  EXPECT_EQ(book.number_of(first), kUnknownHandle);
+  Answer(written, true).new_handle(second, book);
+  Answer(written, true).new_handle(first, book);
+  EXPECT_EQ(book.number_of(first), 3U);
+}
+
+TEST(Answer, APlayedHandleIsItsNumber) {
+  HandleBook book;
+  Bytes written;
+  append_number(written, std::uint32_t{7});
+  void* handle = nullptr;
+  Answer(ByteView(written), true).new_handle(handle, book);
+  EXPECT_EQ(book.number_of(handle), 7U);
+  EXPECT_EQ(reinterpret_cast<std::uintptr_t>(handle), 7U);
+}
+
+}  // namespace
+}  // namespace Osv::recorder::test
