@@ -66,13 +66,9 @@ void require_choices(const hvk3::Command& command, const hvk3::Options& options)
 
 /// The tool's own way to deal with a line, but for what the command does.
 void parse(const std::vector<std::string>& words) {
-  std::vector<const char*> arguments;
-  for (const std::string& word : words) {
-    arguments.push_back(word.c_str());
-  }
   hvk3::CommandLine line;
   try {
-    line.app().parse(static_cast<int>(arguments.size()), arguments.data());
+    line.parse(words);
   } catch (const CLI::ParseError& error) {
     std::ostringstream out;
     std::ostringstream problem;
@@ -83,6 +79,8 @@ void parse(const std::vector<std::string>& words) {
   const hvk3::CommandLine::Choice choice = line.choice();
   require_ranges(choice.options);
   require_choices(choice.command, choice.options);
+  require(choice.command.takes_program == !choice.options.recording.program.empty(),
+          "a program is where one is taken");
 }
 
 void read_secret(Input& input) {

@@ -17,7 +17,7 @@ newest() { # kind of version, file...
 # Libraries that come from elsewhere than the compiler, the C library and this tree.
 others() { # file...
   "$readelf" --dynamic --wide "$@" | sed --quiet 's/.*(NEEDED).*\[\(.*\)\]/\1/p' |
-    grep --invert-match --extended-regexp '^lib(c|m|stdc\+\+|gcc_s|ostrevan-simulator)\.so' |
+    grep --invert-match --extended-regexp '^(ld-linux[^.]*|lib(c|m|stdc\+\+|gcc_s|ostrevan-(recorder|simulator)))\.so' |
     sort --unique | paste --serial --delimiters ' '
 }
 

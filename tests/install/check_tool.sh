@@ -11,6 +11,11 @@ trap 'rm --recursive "$folder"' EXIT
   grep --quiet '"status": *"ok"'
 [ "$(head --bytes 4 "$folder/finger.png" | tail --bytes 3)" = PNG ]
 
+# A recording plays on what is installed.
+"$tool" record "$folder/recording" --simulate -- "$tool" list --simulate --pace unlimited \
+  >"$folder/recorded" 2>/dev/null
+"$tool" list --replay "$folder/recording" | diff - "$folder/recorded"
+
 # What the loader maps.
 mapped=$(LD_DEBUG=files "$tool" list --simulate 2>&1 | sed --quiet 's/.*calling init: //p')
 for library in "$libraries/libostrevanhvk3.so" "$simulator/libKR9ScanAPI.so"; do

@@ -16,8 +16,9 @@ constexpr char kFooter[] =
     "\n"
     "Exit status: 0 success, 1 internal error, 2 usage, 3 no scanner, or unplugged meanwhile,\n"
     "4 operation or capture failed for another reason, 5 timeout, 6 output can't be written,\n"
-    "7 plug-in or simulator can't be loaded, 8 doctor found a defect, 128+N ended by signal N\n"
-    "(130 for Ctrl-C).";
+    "7 plug-in or simulator can't be loaded, 8 doctor found a defect, 9 a replay diverged from "
+    "the\n"
+    "recording, 128+N ended by signal N (130 for Ctrl-C).";
 
 }  // namespace
 
@@ -54,6 +55,25 @@ void CommandLine::add(const Command& command) {
   parser->footer(std::string("Examples:\n") + command.examples);
   Entry& entry = m_cEntries.emplace_back(Entry{command, parser, {}});
   command.add_options(*parser, entry.options);
+}
+
+void CommandLine::parse(const std::vector<std::string>& words) {
+  const auto entry = std::find_if(m_cEntries.begin(), m_cEntries.end(), [&](const Entry& each) {
+    return each.command.takes_program && words.size() > 1 && words[1] == each.command.name;
+  });
+  auto end = words.end();
+  if (entry != m_cEntries.end()) {
+    end = std::find(words.begin(), words.end(), "--");
+    entry->options.recording.program.assign(end == words.end() ? end : end + 1, words.end());
+  }
+  std::vector<const char*> arguments;
+  for (auto word = words.begin(); word != end; ++word) {
+    arguments.push_back(word->c_str());
+  }
+  m_cApp.parse(static_cast<int>(arguments.size()), arguments.data());
+  if (entry != m_cEntries.end() && entry->options.recording.program.empty()) {
+    throw CLI::ValidationError(entry->command.name, "the program to run is to stand behind '--'");
+  }
 }
 
 CommandLine::Choice CommandLine::choice() const {

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <deque>
 #include <string>
+#include <vector>
 
 #include "hvk3/commands.h"
 
@@ -19,7 +20,12 @@ class CommandLine {
 
   CLI::App& app() { return m_cApp; }
 
-  /// The command whose words stood on the line that `app` has parsed, with its options.
+  /// Parses a line, the program's name first. What stands behind a word "--" is left alone, if the
+  /// command takes a program there.
+  /// @throws CLI::ParseError
+  void parse(const std::vector<std::string>& words);
+
+  /// The command whose words stood on the line that was parsed, with its options.
   struct Choice {
     const Command& command;
     const Options& options;

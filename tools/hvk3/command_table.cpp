@@ -23,6 +23,8 @@ std::span<const Command* const> all_commands() {
                                            &kSecretReadCommand,
                                            &kSecretWriteCommand,
                                            &kSecretAuthorizeCommand,
+                                           &kRecordCommand,
+                                           &kReplayCommand,
                                            &kCompletionBashCommand};
   return kCommands;
 }

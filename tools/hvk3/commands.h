@@ -19,6 +19,7 @@ struct Command {
   const char* examples;     ///< lines for its help
   void (*add_options)(CLI::App& app, Options& options);
   void (*run)(Context& context);
+  bool takes_program = false;  ///< behind a word of its own, "--"
 };
 
 /// Commands whose names begin with the same word.
@@ -44,6 +45,8 @@ extern const Command kFeatureSetCommand;       ///< sets a feature
 extern const Command kSecretReadCommand;       ///< reads the protected bytes
 extern const Command kSecretWriteCommand;      ///< writes the protected bytes
 extern const Command kSecretAuthorizeCommand;  ///< replaces their authorization code
+extern const Command kRecordCommand;           ///< writes down what a program has of the libraries
+extern const Command kReplayCommand;           ///< runs a program on that
 extern const Command kCompletionBashCommand;   ///< completion for bash
 
 /// All commands in the order of the help.

@@ -1,6 +1,7 @@
 #include "hvk3/context.h"
 
 #include "hvk3/failure.h"
+#include "hvk3/recording/replay.h"
 
 namespace hvk3 {
 
@@ -9,7 +10,9 @@ Context::Context(const Options& options, Console& console, Report& report)
   if (options.scene.script == "-" && (options.code == "-" || options.secret == "-")) {
     throw Failure(ExitStatus::Usage, "standard input can't be a script and a secret at once");
   }
-  if (options.simulate) {
+  if (is_replay()) {
+    console.detail("a recording stands in place of the closed libraries");
+  } else if (options.simulate) {
     Scene scene = options.scene;
     scene.log_to_stderr = options.verbose;
     m_cSimulation.emplace(scene);

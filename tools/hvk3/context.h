@@ -33,12 +33,17 @@ class Context {
   Plugin& plugin();
   Osv::lx::ClFramegrabber& grabber() { return plugin().grabber(); }
 
+  /// Takes another program's exit status for this one's.
+  void end_with(int exit_code) { m_nExitCode = exit_code; }
+  int exit_code() const { return m_nExitCode; }
+
  private:
   const Options& m_cOptions;
   Console& m_cConsole;
   Report& m_cReport;
   std::optional<Simulation> m_cSimulation;
   std::optional<Plugin> m_cPlugin;
+  int m_nExitCode = 0;
 };
 
 }  // namespace hvk3

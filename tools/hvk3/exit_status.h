@@ -15,6 +15,7 @@ enum class ExitStatus {
   OutputFailed = 6,       ///< the image or standard output can't be written
   PluginUnavailable = 7,  ///< the plug-in or the simulator can't be loaded
   DefectFound = 8,        ///< `doctor` found something that keeps a scanner from working
+  Diverged = 9,           ///< a program under `replay` did not do what was recorded
   Interrupted = 128       ///< plus the number of the signal: 130 for Ctrl-C
 };
 

@@ -10,6 +10,12 @@ constexpr char kPlugin[] = "libostrevanhvk3.so";
 /// The folder above the one that holds the executable.
 fs::path prefix() { return fs::read_symlink("/proc/self/exe").parent_path().parent_path(); }
 
+fs::path folder(const char* where_installed, const char* where_built) {
+  const fs::path installed = prefix() / where_installed;
+  const fs::path built = prefix() / where_built;
+  return !fs::exists(installed) && fs::exists(built) ? built : installed;
+}
+
 }  // namespace
 
 fs::path plugin_path() {
@@ -21,10 +27,8 @@ fs::path plugin_path() {
   return kPlugin;
 }
 
-fs::path simulator_folder() {
-  const fs::path installed = prefix() / HVK3_SIMULATOR_DIR;
-  const fs::path built = prefix() / "simulator";
-  return !fs::exists(installed) && fs::exists(built) ? built : installed;
-}
+fs::path simulator_folder() { return folder(HVK3_SIMULATOR_DIR, "simulator"); }
+
+fs::path recorder_folder() { return folder(HVK3_RECORDER_DIR, "recorder"); }
 
 }  // namespace hvk3

@@ -15,4 +15,7 @@ std::filesystem::path plugin_path();
 /// The folder of the simulator, there or not.
 std::filesystem::path simulator_folder();
 
+/// The folder of the forwarders for recording and replay, there or not.
+std::filesystem::path recorder_folder();
+
 }  // namespace hvk3

@@ -1,9 +1,15 @@
+#include <filesystem>
 #include <iostream>
+#include <string>
+#include <vector>
 
 #include "hvk3/command_line.h"
+#include "hvk3/recording/replay.h"
 
 namespace hvk3 {
 namespace {
+
+using Words = std::vector<std::string>;
 
 std::string message_of(const Failure& failure) {
   const std::string number = failure.number() ? ' ' + std::to_string(*failure.number()) : "";
@@ -17,30 +23,44 @@ int end_with(const Failure& failure, Console& console, Report& report) {
   return failure.exit_code();
 }
 
-int run(const Command& command, const Options& options) {
+/// The same command line again, where the loader finds the recording's libraries.
+int run_on_recording(const Options& options, Words words, Console& console, Report& report) {
+  words.front() = std::filesystem::read_symlink("/proc/self/exe").string();
+  const ReplayEnd end = replay(options.replay, words, console);
+  if (end.failure && options.json) {
+    report.fail(*end.failure);
+    report.print();
+  }
+  return end.status;
+}
+
+int run(const Command& command, const Options& options, const Words& words) {
   Console console(options.verbose);
   Report report(command.name, options.json);
   try {
+    if (!options.replay.empty() && !is_replay()) {
+      return run_on_recording(options, words, console, report);
+    }
     Context context(options, console, report);
     command.run(context);
+    report.print();
+    return context.exit_code();
   } catch (const Failure& failure) {
     return end_with(failure, console, report);
   } catch (const std::exception& error) {
     return end_with(Failure(ExitStatus::Internal, error.what()), console, report);
   }
-  report.print();
-  return static_cast<int>(ExitStatus::Ok);
 }
 
-int parse_and_run(int argc, const char* const* argv) {
+int parse_and_run(const Words& words) {
   CommandLine line;
   try {
-    line.app().parse(argc, argv);
+    line.parse(words);
   } catch (const CLI::ParseError& error) {
     return line.app().exit(error) == 0 ? 0 : static_cast<int>(ExitStatus::Usage);
   }
   const CommandLine::Choice choice = line.choice();
-  return run(choice.command, choice.options);
+  return run(choice.command, choice.options, words);
 }
 
 }  // namespace
@@ -48,7 +68,7 @@ int parse_and_run(int argc, const char* const* argv) {
 
 int main(int argc, char** argv) {
   try {
-    return hvk3::parse_and_run(argc, argv);
+    return hvk3::parse_and_run({argv, argv + argc});
   } catch (const hvk3::Failure& failure) {  // standard output is lost, standard error may be there
     std::cerr << "hvk3: " << failure.what() << std::endl;
     return failure.exit_code();

@@ -107,6 +107,9 @@ void add_plugin_options(CLI::App& command, Options& options) {
   command.add_flag("--json", options.json, "Print the result as one JSON object");
   CLI::Option* const simulate =
       command.add_flag("--simulate", options.simulate, "Use simulated scanners");
+  command.add_option("--replay", options.replay, "Work on a recording of 'hvk3 record'")
+      ->type_name("FILE")
+      ->excludes(simulate);
   add_scene_options(command, options, simulate);
 }
 

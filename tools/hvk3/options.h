@@ -20,10 +20,21 @@ namespace hvk3 {
 
 enum class eMode { Live, Plain };
 
+/// What `record` and `replay` are told.
+struct RecordingOptions {
+  std::string file;
+  std::string real_folder;  ///< of the closed libraries; empty: those that the loader finds
+  bool simulate = false;    ///< those of the simulator
+  std::string simulator;    ///< its folder; empty: the one beside this installation
+  bool without_pixels = false;
+  std::vector<std::string> program;  ///< with its arguments
+};
+
 struct Options {
   std::string plugin;  ///< empty: the default one
   Scene scene;
   bool simulate = false;
+  std::string replay;  ///< recording in place of the closed libraries; empty: none
   bool verbose = false;
   bool json = false;
   std::optional<unsigned int> device;  ///< interface of the scanner; none: the first of the list
@@ -55,6 +66,8 @@ struct Options {
   bool hex = false;    ///< they and their code are written as hexadecimal digits
   std::string code;    ///< file with the authorization code, - for standard input
   std::string secret;  ///< file with the protected bytes, likewise
+
+  RecordingOptions recording;
 };
 
 /// @name The options by subject; each command adds those that it uses.

@@ -6,6 +6,7 @@
 
 #include "hvk3/failure.h"
 #include "hvk3/installation.h"
+#include "hvk3/recording/replay.h"
 #include "ostrevanhvk3_simulator/bench.h"
 
 namespace hvk3 {
@@ -72,9 +73,11 @@ void set_scene(Bench& bench, const Scene& scene) {
 
 Simulation::Simulation(const Scene& scene) {
   const std::filesystem::path folder = folder_of(scene);
-  m_vLibraries.reserve(kLibraries.size());
-  for (const char* const name : kLibraries) {
-    m_vLibraries.emplace_back((folder / name).string());
+  // Recorded, the stand-ins are opened by the forwarders that stand in front of them.
+  const std::size_t count = is_recorded_on(folder) ? 1 : kLibraries.size();
+  m_vLibraries.reserve(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    m_vLibraries.emplace_back((folder / kLibraries[i]).string());
   }
   try {
     set_scene(bench(), scene);

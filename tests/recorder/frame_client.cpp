@@ -1,0 +1,18 @@
+// Takes a frame and asks nobody how large it is.
+
+#include <dlfcn.h>
+
+#include <vector>
+
+int main() {
+  void* const library = dlopen("libKR9ScanAPI.so", RTLD_NOW);
+  if (library == nullptr) {
+    return 1;
+  }
+  const auto open =
+      reinterpret_cast<void* (*)(int)>(dlsym(library, "ftrScanOpenDeviceOnInterface"));
+  const auto take =
+      reinterpret_cast<int (*)(void*, int, void*)>(dlsym(library, "ftrScanGetImageByVariableDose"));
+  std::vector<unsigned char> frame(1 << 20);
+  return take(open(0), 60, frame.data()) == 0 ? 1 : 0;
+}

@@ -1,0 +1,94 @@
+#include <CLI/CLI.hpp>
+#include <chrono>
+#include <cstdlib>
+#include <string>
+
+#include "hvk3/commands.h"
+#include "hvk3/installation.h"
+#include "hvk3/recording/child_program.h"
+#include "hvk3/recording/forwarder_folder.h"
+#include "hvk3/recording/real_libraries.h"
+#include "hvk3/recording/recording_file.h"
+#include "recorder/format/recording.h"
+#include "recorder/session/variables.h"
+
+namespace hvk3 {
+namespace {
+
+namespace variable = Osv::recorder::variable;
+
+constexpr char kExamples[] =
+    "  hvk3 record fault.rec -- hvk3 capture --out finger.png\n"
+    "  hvk3 record fault.rec --real-dir /opt/scanner/lib -- your-application\n"
+    "  hvk3 record demo.rec --simulate -- hvk3 snap --simulate\n"
+    "  hvk3 replay fault.rec -- your-application\n"
+    "The file holds fingerprints, unless --no-pixels is given: keep it as you would keep them.\n";
+
+std::string folder_of_libraries(const RecordingOptions& options) {
+  if (!options.simulate) {
+    return options.real_folder;
+  }
+  return options.simulator.empty() ? simulator_folder().string() : options.simulator;
+}
+
+std::string listed(const RealLibraries& libraries) {
+  std::string list;
+  for (const std::string& path : libraries.paths) {
+    list += (&path == &libraries.paths.front() ? "" : ":") + path;
+  }
+  return list;
+}
+
+void warn(Console& console, const RecordingOptions& options) {
+  console.message(
+      options.file +
+      (options.without_pixels ? " will hold no images, but" : " will hold fingerprints,") +
+      " the scanner's memory and serial number; keep it safe");
+}
+
+void tell_result(Console& console, const RecordingOptions& options) {
+  const Osv::recorder::Recording recording(options.file);
+  const std::size_t calls = recording.calls().size();
+  console.message(calls == 0 ? "nothing was recorded, the program called no closed library"
+                             : std::to_string(calls) + " calls are in " + options.file);
+}
+
+void run(Context& context) {
+  const RecordingOptions& options = context.options().recording;
+  RealLibraries libraries = find_real_libraries(folder_of_libraries(options));
+  libraries.header.pixels = !options.without_pixels;
+  libraries.header.seconds = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
+  const ForwarderFolder forwarders(libraries.header);
+  const std::string file = create_recording(options.file, libraries.header);
+  warn(context.console(), options);
+  ::setenv(variable::kRecording, file.c_str(), 1);
+  ::setenv(variable::kLibraries, listed(libraries).c_str(), 1);
+  ::unsetenv(variable::kReplay);
+  context.end_with(run_program(options.program));
+  tell_result(context.console(), options);
+}
+
+void add_options(CLI::App& app, Options& all) {
+  RecordingOptions& options = all.recording;
+  app.add_option("FILE", options.file, "The recording to make")->type_name("")->required();
+  CLI::Option* const folder =
+      app.add_option("--real-dir", options.real_folder,
+                     "Folder of the closed libraries (default: those that the loader finds)")
+          ->type_name("DIR")
+          ->check(CLI::ExistingDirectory);
+  CLI::Option* const simulate =
+      app.add_flag("--simulate", options.simulate, "Record simulated scanners")->excludes(folder);
+  app.add_option("--simulator", options.simulator, "Folder of the simulator")
+      ->type_name("DIR")
+      ->needs(simulate);
+  app.add_flag("--no-pixels", options.without_pixels, "Leave images out");
+}
+
+}  // namespace
+
+const Command kRecordCommand = {
+    "record",  "Run a program and write down what it has of the closed libraries",
+    kExamples, &add_options,
+    &run,      true};
+
+}  // namespace hvk3

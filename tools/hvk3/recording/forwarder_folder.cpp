@@ -1,0 +1,106 @@
+#include "hvk3/recording/forwarder_folder.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "hvk3/failure.h"
+#include "hvk3/installation.h"
+#include "hvk3/recording/elf_symbols.h"
+#include "hvk3/recording/real_libraries.h"
+
+namespace hvk3 {
+namespace {
+
+namespace fs = std::filesystem;
+using Osv::recorder::Header;
+using Osv::recorder::kFunctionCount;
+using Osv::recorder::kFunctionNames;
+using Osv::recorder::kLibraryCount;
+using Osv::recorder::kLibraryNames;
+using Osv::recorder::kLibraryOfFunction;
+
+constexpr char kCommonPart[] = "libostrevan-recorder.so";
+
+fs::path installed_folder() {
+  const fs::path folder = recorder_folder();
+  if (!fs::exists(folder / kCommonPart)) {
+    throw Failure(ExitStatus::PluginUnavailable, "the recorder is not in " + folder.string());
+  }
+  return folder;
+}
+
+std::set<std::string> missing_functions(const Header& header, std::size_t library) {
+  std::set<std::string> missing;
+  for (std::size_t i = 0; i < kFunctionCount; ++i) {
+    if (index_of(kLibraryOfFunction[i]) == library && !header.exported[i]) {
+      missing.insert(kFunctionNames[i]);
+    }
+  }
+  return missing;
+}
+
+void copy_without(const fs::path& from, const fs::path& to, const std::set<std::string>& missing) {
+  std::ifstream in(from, std::ios::binary);
+  std::vector<char> content(std::istreambuf_iterator<char>(in), {});
+  hide_symbols(content, missing);
+  std::ofstream(to, std::ios::binary)
+      .write(content.data(), static_cast<std::streamsize>(content.size()));
+}
+
+/// A library that there was not is not there either, even if this machine has it: a link to itself
+/// is what the loader finds first, and can't open.
+void lay_out(const Header& header, const fs::path& installed, const fs::path& folder) {
+  fs::create_symlink(installed / kCommonPart, folder / kCommonPart);
+  for (std::size_t i = 0; i < kLibraryCount; ++i) {
+    const char* const name = kLibraryNames[i];
+    if (!header.present[i]) {
+      if (loader_finds(name)) {
+        fs::create_symlink(name, folder / name);
+      }
+    } else if (const auto missing = missing_functions(header, i); missing.empty()) {
+      fs::create_symlink(installed / name, folder / name);
+    } else {
+      copy_without(installed / name, folder / name, missing);
+    }
+  }
+}
+
+void put_in_front(const fs::path& folder) {
+  const char* const others = std::getenv("LD_LIBRARY_PATH");
+  const std::string behind = others == nullptr || *others == '\0' ? "" : ':' + std::string(others);
+  ::setenv("LD_LIBRARY_PATH", (folder.string() + behind).c_str(), 1);
+}
+
+}  // namespace
+
+PrivateFolder::PrivateFolder() {
+  std::string name = (fs::temp_directory_path() / "hvk3-XXXXXX").string();
+  if (::mkdtemp(name.data()) == nullptr) {
+    throw Failure(ExitStatus::OutputFailed, "there can be no folder " + name);
+  }
+  m_cPath = name;
+}
+
+PrivateFolder::~PrivateFolder() {
+  std::error_code ignored;
+  fs::remove_all(m_cPath, ignored);
+}
+
+ForwarderFolder::ForwarderFolder(const Header& header) {
+  const fs::path installed = installed_folder();
+  const auto there = [](bool is_there) { return is_there; };
+  if (std::all_of(header.present.begin(), header.present.end(), there) &&
+      std::all_of(header.exported.begin(), header.exported.end(), there)) {
+    put_in_front(installed);  // the same path every time: programs may tell it
+  } else {
+    lay_out(header, installed, m_cFolder.path());
+    put_in_front(m_cFolder.path());
+  }
+}
+
+}  // namespace hvk3

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <filesystem>
+
+#include "recorder/format/entries.h"
+
+/// @file
+/// The folder in which a program's loader finds the forwarders.
+
+namespace hvk3 {
+
+/// A private folder, removed at the end with what is in it.
+class PrivateFolder {
+ public:
+  PrivateFolder();
+  ~PrivateFolder();
+  PrivateFolder(const PrivateFolder&) = delete;
+  PrivateFolder& operator=(const PrivateFolder&) = delete;
+
+  const std::filesystem::path& path() const { return m_cPath; }
+
+ private:
+  std::filesystem::path m_cPath;
+};
+
+/// Forwarders for just the libraries and functions that there are, in front of all other libraries
+/// of the programs that this one runs from now on.
+class ForwarderFolder {
+ public:
+  /// @throws Failure `PluginUnavailable` when the forwarders are not installed
+  explicit ForwarderFolder(const Osv::recorder::Header& header);
+
+ private:
+  PrivateFolder m_cFolder;
+};
+
+}  // namespace hvk3

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <array>
+#include <string>
+
+#include "recorder/format/entries.h"
+
+/// @file
+/// The closed libraries that a recording forwards to.
+
+namespace hvk3 {
+
+/// Where they are and what they have.
+struct RealLibraries {
+  std::array<std::string, Osv::recorder::kLibraryCount> paths;  ///< absolute; empty for none
+  Osv::recorder::Header header;
+};
+
+/// Those of a folder; with an empty one those that the loader finds.
+/// @throws Failure `PluginUnavailable` when there is none at all, `Usage` for a path with a colon
+RealLibraries find_real_libraries(const std::string& folder);
+
+/// Whether the loader finds a library of this name.
+bool loader_finds(const std::string& name);
+
+}  // namespace hvk3

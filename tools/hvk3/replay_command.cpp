@@ -1,0 +1,34 @@
+#include <CLI/CLI.hpp>
+
+#include "hvk3/commands.h"
+#include "hvk3/recording/replay.h"
+
+namespace hvk3 {
+namespace {
+
+constexpr char kExamples[] =
+    "  hvk3 replay fault.rec -- your-application\n"
+    "  hvk3 replay fault.rec -- hvk3 capture --out finger.png\n"
+    "  hvk3 capture --replay fault.rec --out finger.png   the same\n"
+    "A program that does not do what was recorded is ended with status 9.\n";
+
+void run(Context& context) {
+  const RecordingOptions& options = context.options().recording;
+  context.end_with(replay(options.file, options.program, context.console()).status);
+}
+
+void add_options(CLI::App& app, Options& options) {
+  app.add_option("FILE", options.recording.file, "The recording to play")
+      ->type_name("")
+      ->required()
+      ->check(CLI::ExistingFile);
+}
+
+}  // namespace
+
+const Command kReplayCommand = {
+    "replay",  "Run a program on a recording, in place of the closed libraries",
+    kExamples, &add_options,
+    &run,      true};
+
+}  // namespace hvk3
