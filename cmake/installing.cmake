@@ -15,12 +15,14 @@ set(HVK3_INSTALL_CONFIG_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/OstrevanHVK3")
 set(HVK3_INSTALL_PC_DIR "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 set(HVK3_INSTALL_COMPLETION_DIR "${CMAKE_INSTALL_DATADIR}/bash-completion/completions")
 set(HVK3_INSTALL_DESKTOP_DIR "${CMAKE_INSTALL_DATADIR}/applications")
+set(HVK3_INSTALL_ICON_DIR "${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps")
 
 # Files get their modes whatever the umask is, the folders that CMake makes for them do not: those
 # that are missing are made before.
 set(HVK3_INSTALL_FOLDERS
     "${CMAKE_INSTALL_BINDIR}" "${CMAKE_INSTALL_INCLUDEDIR}" "${CMAKE_INSTALL_DOCDIR}/simulator"
     "${HVK3_INSTALL_SIMULATOR_DIR}" "${HVK3_INSTALL_RECORDER_DIR}" "${HVK3_INSTALL_CONFIG_DIR}"
-    "${HVK3_INSTALL_PC_DIR}" "${HVK3_INSTALL_COMPLETION_DIR}" "${HVK3_INSTALL_DESKTOP_DIR}")
+    "${HVK3_INSTALL_PC_DIR}" "${HVK3_INSTALL_COMPLETION_DIR}" "${HVK3_INSTALL_DESKTOP_DIR}"
+    "${HVK3_INSTALL_ICON_DIR}")
 configure_file("${CMAKE_CURRENT_LIST_DIR}/make_folders.cmake.in" make_folders.cmake @ONLY)
 install(SCRIPT "${CMAKE_CURRENT_BINARY_DIR}/make_folders.cmake")

@@ -17,10 +17,11 @@ constexpr char kExamples[] =
 
 constexpr char kExitStatus[] =
     "\n"
-    "Exit status: 0 the user has quit, 1 internal error, 2 usage, 6 no display, or it has gone, "
+    "Exit status: 0 the user has quit, 1 internal error, 2 usage, 4 the user has quit twice, for "
+    "the\n"
+    "plug-in hung, 6 no display, or it has gone, or standard output can't be written, 7 plug-in "
     "or\n"
-    "standard output can't be written, 7 plug-in or simulator can't be loaded, 128+N ended by\n"
-    "signal N (130 for Ctrl-C).";
+    "simulator can't be loaded, 128+N ended by signal N (130 for Ctrl-C).";
 
 std::string footer() {
   constexpr std::size_t kSignWidth = 8;
