@@ -51,6 +51,7 @@ TEST_F(Scanner, MayComeBackAtAnotherInterfaceWithSmallerFrames) {
 TEST_F(Scanner, ThatIsUnpluggedWhileFrozenIsMissed) {
   start_capturing();
   press("space", "frozen");
+  press("n", "snap");  // behind it no frame is under way
   say("unplug 0");
   wait_for("unplugged");
 }

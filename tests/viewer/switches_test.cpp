@@ -37,7 +37,9 @@ TEST_F(Switches, StayOverAScannerThatComesBack) {
   say("plug 0");
   wait_for("live");
   EXPECT_TRUE(is_lit(picture(), button(eAction::RedLed)));
-  press("r", "red LED off");
+  say("show");
+  EXPECT_TRUE(m_pViewer->wait_for_error_text("red o"));
+  EXPECT_THAT(quit().error, HasSubstr("green off, red on"));
 }
 
 TEST_F(Switches, FreezeKeepsThePictureWhateverComes) {
@@ -80,8 +82,8 @@ TEST_F(Switches, WithoutLowContrastTheFingerIsFoundAgain) {
 class Detection : public Viewer {
  protected:
   /// @param kind of the finger that lies there when its image has settled
-  void detect(const std::string& kind) {
-    start_capturing();
+  void detect(const std::string& kind, const Words& more = {}) {
+    start_capturing(more);
     say("kind " + kind);
     press("f", "fake finger detection on");
     say("finger on");
@@ -127,6 +129,19 @@ TEST_F(Detection, ShowsNoOldFakeWhenItIsSwitchedOnAgain) {
   press("f", "fake finger detection on");
   wait_for("settled");
   EXPECT_EQ(picture().count(plot(), kRed), 0);
+}
+
+TEST_F(Detection, CallsAnImageNoFakeForWhatItSawBeforeItWasSwitchedOn) {
+  detect("printed", {"--settle", "60"});
+  wait_for("finger");
+  press("n", "snap");
+  press("n", "snap");
+  say("kind live\nshow");
+  EXPECT_TRUE(m_pViewer->wait_for_error_text("script: print"));
+  press("f", "fake finger detection off");
+  press("f", "fake finger detection on");
+  wait_for("settled");
+  EXPECT_THAT(m_pViewer->output(), Not(HasSubstr("settled fake")));
 }
 
 TEST_F(Detection, TellsAFakeOfASnapFromThatOfAFrame) {
