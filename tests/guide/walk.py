@@ -27,11 +27,25 @@ for word in "$@"; do
 done
 exit 1"""
 
+# What is recorded is simulated too, and what is replayed has no scanner.
+HAS_A_SCANNER = """
+case "$*" in
+  record*) shift && set -- record --simulate "$@" ;;
+  replay* | *--replay*) ;;
+  *) set -- "$@" --simulate --pace unlimited ;;
+esac
+exec build/default/bin/hvk3 "$@\""""
+
+APPLICATION = """
+export LD_LIBRARY_PATH="build/default/lib:$LD_LIBRARY_PATH"
+exec build/default/bin/ostrevanhvk3_capture"""
+
 STAND_INS = {
     "cmake": KNOWS_ITS_PRESET,
-    "hvk3": 'exec build/default/bin/hvk3 "$@" --simulate --pace unlimited',
+    "hvk3": HAS_A_SCANNER,
     "sudo": "exit 0",
-    "your-client": "exec build/default/bin/ostrevanhvk3_capture",
+    "your-application": APPLICATION,
+    "your-client": APPLICATION,
 }
 
 
