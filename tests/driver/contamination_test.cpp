@@ -124,6 +124,17 @@ TEST_F(Contamination, OfAnAbsurdSizeTakesNoFrame) {
   EXPECT_EQ(bench.count("ftrScanGetImageByVariableDose"), 0U);
 }
 
+TEST_F(Contamination, WithoutASideOfItsSizeEndsWithTheFailureThatTheSizeHad) {
+  open();
+  for (const char* size : {"0 x 480", "640 x 0"}) {
+    bench.set_faults(std::string("ftrScanGetImageSize gives ") + size +
+                     ";ftrScanGetImageSize answers 0;ftrScanGetImageSize fails with 31");
+    EXPECT_EQ(failure_of([&] { driver.ContaminationDetection(1, &level); }),
+              (Failure{31, "Capture image failed."}));
+  }
+  EXPECT_EQ(bench.count("ftrScanGetImageByVariableDose"), 0U);
+}
+
 TEST_F(Contamination, ThatTheEngineRefusesIsItsFailure) {
   open();
   bench.set_faults("ContaminationDetection fails with -6");

@@ -190,6 +190,7 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(Change{"FramesAndImagesGrow", {320, 240}, {1000, 800}},
                       Change{"FramesAndImagesShrink", {1000, 800}, {320, 240}},
                       Change{"OnlyFramesGrow", {640, 480}, {1000, 800}},
+                      Change{"FramesGetMoreRowsAlone", {640, 480}, {640, 800}},
                       Change{"OnlyFramesShrink", {1000, 800}, {640, 480}},
                       Change{"FramesOfTheSameAreaGetOtherImages", {480, 640}, {640, 480}}),
     [](const auto& change) { return change.param.name; });

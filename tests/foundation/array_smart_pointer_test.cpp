@@ -34,6 +34,14 @@ TEST(ArrayOwner, StillHasItsElementsWhenTheHookRuns) {
   EXPECT_EQ(story, "hook released released ");
 }
 
+TEST(ArrayOwner, ReleasesTheElementsThatItReplaces) {
+  std::string story;
+  TXArraySmartPointer<Element> array;
+  array.replace(new Element[2]{{&story}, {&story}}, 2);
+  array.replace(nullptr, 0);
+  EXPECT_EQ(story, "released released ");
+}
+
 TEST(ArrayOwner, RunsNoHookWithoutAnArray) {
   int runs = 0;
   {

@@ -197,6 +197,7 @@ INSTANTIATE_TEST_SUITE_P(Sizes, BitmapOfAnAbsurdSize,
                                          Size{1, 1, 8, kHuge}, Size{2147483648UL, 1, 1, 0},
                                          Size{1, 2147483648UL, 1, 0}, Size{65536, 65536, 8, 0},
                                          Size{2147483647, 2147483647, 32, 0},
+                                         Size{2147483647, 2147483647, 65535, 0},
                                          Size{1UL << 32, 1UL << 32, 8, 0}));
 
 TEST_P(BitmapOfAnAbsurdSize, IsRefusedAndLeftEmpty) {
