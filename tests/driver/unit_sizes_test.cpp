@@ -123,6 +123,14 @@ TEST_P(UnitSizes, BehindAReopeningAScoredFrameFits) {
   expect_frame();
 }
 
+TEST_P(UnitSizes, BehindAReopeningAScoredFrameFitsBehindThoseOfTheUnitBefore) {
+  score_frames();
+  fetch();
+  change_unit();
+  fetch();
+  expect_frame();
+}
+
 TEST_P(UnitSizes, WithinAnOpeningASnapHasTheNextFrameFit) {
   change_size();
   snap();

@@ -217,6 +217,11 @@ class InTheMidstOfASnap : public ReentrancyOfEvents {
       EXPECT_EQ(plugin.pointer("m_pFG"), nullptr);
       std::for_each(records.begin(), records.end(), [](CaptureRecord& record) { record.close(); });
     };
+    expect_gone_behind_an_image();
+  }
+
+  /// Takes an image, and gets another frame grabber behind it.
+  void expect_gone_behind_an_image() {
     unsigned char* image = nullptr;
     EXPECT_EQ(grabber->GetImage(kChannel, &image), 0U);
     EXPECT_NE(image, nullptr);
@@ -283,6 +288,17 @@ TEST_F(InTheMidstOfASnap, AnotherScannerCanBeChosenWhichEndsTheCapture) {
 
 TEST_F(InTheMidstOfASnap, TheFrameGrabberGoesWithTheImageInWhoseMidstItIsDestroyed) {
   destroy_in_the_midst();
+  EXPECT_FALSE(snap().empty());
+}
+
+TEST_F(InTheMidstOfASnap, TheFrameGrabberGoesWithTheOuterImageWhenItIsDestroyedInTheMidstOfTwo) {
+  act = [this] {
+    act_again([this] { plugin.destroy(); });
+    EXPECT_FALSE(snap().empty());
+    EXPECT_EQ(plugin.pointer("m_pFG"), nullptr);
+    EXPECT_EQ(bench.census().scanner_handles, 1U);
+  };
+  expect_gone_behind_an_image();
   EXPECT_FALSE(snap().empty());
 }
 
