@@ -399,6 +399,68 @@ def tool_arguments():
             yield f"{name} {hex_digits}", bytes((3, hex_digits)) + content
 
 
+def recording_block(content, size=None, stored=None, check=None):
+    """A block of a recording, its content not compressed any further."""
+    frame = struct.pack("<IBI", 0xFD2FB528, 0xA0, len(content))
+    frame += struct.pack("<I", 1 | len(content) << 3)[:3] + content
+    sizes = struct.pack("<II", len(content) if size is None else size, len(frame) if stored is None else stored)
+    return sizes + struct.pack("<I", zlib.crc32(sizes + frame) if check is None else check) + frame
+
+
+def recorded_call(function, thread=1, arguments=b"", answer=b""):
+    return struct.pack("<BHIQQH", 2, function, thread, 5, 6, len(arguments)) + arguments + answer
+
+
+RECORDING = b"HVK3REC\n\1\0\0\0"
+RECORDING_HEADER = b"\1\1" + bytes(8) + bytes((1,)) * 56
+
+
+def recording():
+    number, handle = b"\1" + bytes(8), b"\0\1\0\0\0"
+    arguments = handle + number + b"\2\3" + b"\4\2\0ab" + b"\5\2\0abSUMS" + b"\6" + bytes(12) + b"\7" + bytes(8)
+    calls = [recorded_call(3, 1, arguments, b"answer"), recorded_call(4, 2), b"\3a full disk"]
+    whole = RECORDING + b"".join(recording_block(entry) for entry in [RECORDING_HEADER, *calls])
+    first = RECORDING + recording_block(RECORDING_HEADER)
+    files = {
+        "whole": whole, "torn": whole[:-3], "torn head": first + b"\1\2", "header": first, "nothing": b"", "magic": RECORDING[:8],
+        "version": RECORDING[:8] + b"\2\0\0\0", "other": b"PK" + whole, "twice": first + recording_block(RECORDING_HEADER),
+        "huge": first + recording_block(calls[0], size=1 << 31), "huge store": first + recording_block(calls[0], stored=1 << 31),
+        "larger": first + recording_block(calls[0], size=1 << 22), "sum": first + recording_block(calls[0], check=1),
+        "no frame": first + struct.pack("<III", 4, 4, zlib.crc32(struct.pack("<II", 4, 4) + b"abcd")) + b"abcd",
+    }
+    for name, content in files.items():
+        yield name, b"\0" + content
+    entries = {
+        "entries": [*calls], "unknown": [b"\7"], "empty": [b""], "function": [recorded_call(900)], "argument": [recorded_call(3, 1, b"\x63")],
+        "cut": [calls[0][:30]], "long": [struct.pack("<BHIQQH", 2, 3, 1, 0, 0, 5000) + bytes(200)], "flag": [b"\1\7"],
+    }
+    for name, contents in entries.items():
+        for begin in range(2):
+            yield f"{name} {begin}", bytes((1, begin)) + b"".join(bytes((len(each),)) + each for each in contents)
+
+
+def replay():
+    # By their places: open, size, frame, memory, serial, secret, close, create, calibrate, option, text, delete, create, score, property, destroy.
+    status, code, some = struct.pack("<i", 1), bytes(8), lambda size: struct.pack("<Q", size) + b"x" * size
+    good = [
+        struct.pack("<I", 1), status + struct.pack("<ii", 4, 3), status + some(12), status + some(64), status + b"HVK30001", status + b"\1", status,
+        struct.pack("<I", 1), code + struct.pack("<Q", 60) + some(60), code + struct.pack("<Q", 8) + some(8), b"\4\0text", b"\1",
+        code + struct.pack("<I", 1), code + bytes(8), code + struct.pack("<Q", 64) + some(64), code + b"\1",
+    ]
+    call = lambda operation, answer, differs=0, thread=0: bytes((operation, differs, thread, len(answer))) + answer
+    session = [call(operation, answer) for operation, answer in enumerate(good)]
+    for pixels in range(2):
+        yield f"session {pixels}", bytes((pixels,)) + b"".join(session)
+        for operation, answer in enumerate(good):
+            front = b"".join(session[:operation])
+            for name, wrong in (("failed", bytes(len(answer))), ("cut", answer[:-1]), ("long", answer + b"x"), ("large", answer[:4] + b"\xff" * 16), ("text", b"\xff\xff")):
+                yield f"{name} {operation} {pixels}", bytes((pixels,)) + front + call(operation, wrong) + session[0]
+            yield f"other {operation} {pixels}", bytes((pixels,)) + front + call(operation, answer, 7)
+    frames = b"".join(call(2, good[2], 0, 1) for _ in range(3))
+    yield "threads", b"\0" + session[0] + session[1] + frames + session[6] + frames
+    yield "black", b"\1" + session[0] + session[1] + call(2, status + struct.pack("<QQ", 12, 0)) + call(8, code + struct.pack("<QQQ", 60, 60, 4) + b"head")
+
+
 TARGETS = {
     "bitmap_file": bitmap_file,
     "calibration_memory": calibration_memory,
@@ -407,6 +469,8 @@ TARGETS = {
     "device": device,
     "feature_records": feature_records,
     "picture_file": picture_file,
+    "recording": recording,
+    "replay": replay,
     "scenario": scenario,
     "session": session,
     "tool_arguments": tool_arguments,

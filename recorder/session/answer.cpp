@@ -13,12 +13,24 @@ namespace {
 constexpr std::size_t kLongestText = 4096;
 constexpr std::uint16_t kNull = 0xFFFF;
 
-/// The text for good. Nothing is destroyed while the process ends: calls may still come then.
+/// Texts for good. Nothing is destroyed while the process ends: calls may still come then.
+struct Texts {
+  std::mutex lock;
+  std::set<std::string> all;
+};
+
+Texts& texts() {
+  static auto& texts = *new Texts;
+  return texts;
+}
+
 const char* keep(const ByteView text) {
-  static auto& lock = *new std::mutex;
-  static auto& texts = *new std::set<std::string>;
-  const std::lock_guard<std::mutex> guard(lock);
-  return texts.emplace(text.begin(), text.end()).first->c_str();
+  constexpr std::size_t kMost = 10000;
+  const std::lock_guard<std::mutex> guard(texts().lock);
+  if (texts().all.size() == kMost) {
+    throw DamagedRecording("the recording has too many texts");
+  }
+  return texts().all.emplace(text.begin(), text.end()).first->c_str();
 }
 
 }  // namespace
@@ -84,6 +96,11 @@ void Answer::text(const char*& text) {
   } else {
     text = size == kNull ? nullptr : keep(m_cSource.take(size));
   }
+}
+
+void Answer::forget_texts() {
+  const std::lock_guard<std::mutex> guard(texts().lock);
+  texts().all.clear();
 }
 
 void Answer::finish() const {

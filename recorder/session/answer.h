@@ -65,6 +65,9 @@ class Answer {
   /// A text of the library's own, or null; a played one stays until the process ends.
   void text(const char*& text);
 
+  /// For a program that plays one recording after another.
+  static void forget_texts();
+
   /// Tells, when played, that this was all. @throws DamagedRecording when it was not
   void finish() const;
 

@@ -61,7 +61,7 @@ void Player::answer(eFunction function, std::uint32_t thread, const Arguments& a
     Answer answer(ByteView(bytes), pixels());
     take_answer(answer);
     answer.finish();
-  } catch (const DamagedRecording& damage) {
+  } catch (const std::exception& damage) {  // nothing of it is to go out through the call
     m_pEnding->damaged("call " + std::to_string(call + 1) + ", " + in_words(function, encoded) +
                        ": " + damage.what());
   }

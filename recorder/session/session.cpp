@@ -110,6 +110,7 @@ Session::Session() {
 void Session::play(std::unique_ptr<Player> player) {
   m_pPlayer = std::move(player);
   m_aState = std::make_unique<State>();
+  Answer::forget_texts();
 }
 
 void Session::open(eLibrary library) {

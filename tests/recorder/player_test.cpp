@@ -100,6 +100,12 @@ TEST_F(Playing, EndsAtAnAnswerOfAnotherForm) {
   EXPECT_THROW(make(1, kList), DamagedRecording);
 }
 
+TEST_F(Playing, EndsAtAnAnswerThatNoCallCanTake) {
+  m_cBuilder.status_call(1, kFrame, {}, 1);
+  EXPECT_THROW(player().answer(kFrame, 1, {}, [](Answer&) { throw RecordingEnds("no size"); }),
+               DamagedRecording);
+}
+
 TEST_F(Playing, LeavesLinesToTheLogOut) {
   m_cBuilder.call(1, eFunction::OsvLFLog).status_call(1, kList, {}, 1);
   EXPECT_EQ(make(1, kList), 1);

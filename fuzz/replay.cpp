@@ -1,0 +1,280 @@
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "libraries/calibration_api.h"
+#include "libraries/detector_api.h"
+#include "libraries/scanner_api.h"
+#include "recorder/session/session.h"
+#include "support/recording_writer.h"
+#include "support/target.h"
+
+/// @file
+/// Answers of any kind, played to a client: each is taken or ends the replay, and no more is
+/// written than there is room for.
+
+namespace Osv::fuzz {
+namespace {
+
+using recorder::Arguments;
+using recorder::eFunction;
+
+struct Ended : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+class ThrowingEnding : public recorder::Ending {
+ public:
+  void diverged(const std::string& how) override { throw Ended(how); }
+  void damaged(const std::string& how) override { throw Ended(how); }
+};
+
+/// Memory for an answer, as large as it has to be and no larger.
+class Room {
+ public:
+  explicit Room(std::size_t size) : m_vBytes(size + kGuard.size()), m_nSize(size) {
+    std::copy(kGuard.begin(), kGuard.end(), m_vBytes.begin() + static_cast<std::ptrdiff_t>(size));
+  }
+  ~Room() noexcept(false) {
+    require(std::equal(kGuard.begin(), kGuard.end(),
+                       m_vBytes.begin() + static_cast<std::ptrdiff_t>(m_nSize)),
+            "an answer stays in its memory");
+  }
+  Room(const Room&) = delete;
+  Room& operator=(const Room&) = delete;
+
+  unsigned char* bytes() { return m_vBytes.data(); }
+  char* text() { return reinterpret_cast<char*>(bytes()); }
+  template <class Record>
+  Record* as() {
+    return reinterpret_cast<Record*>(bytes());
+  }
+
+ private:
+  static constexpr std::array<unsigned char, 8> kGuard = {1, 2, 3, 4, 5, 6, 7, 8};
+
+  std::vector<unsigned char> m_vBytes;
+  std::size_t m_nSize;
+};
+
+constexpr std::size_t kRoom = 64;
+constexpr std::array<unsigned char, 4> kGiven = {1, 2, 3, 4};
+
+/// The client's handles, and its word on the size of frames.
+struct Client {
+  void* scanner = nullptr;
+  void* engine = nullptr;
+  void* detector = nullptr;
+  std::size_t frame = 0;
+};
+
+/// The numbers that the handles are going to have, and whether images are recorded.
+struct Numbers {
+  std::uint32_t scanner = 0;
+  std::uint32_t engine = 0;
+  std::uint32_t detector = 0;
+  bool pixels = true;
+};
+
+void ask_for_size(Client& client) {
+  Room room(sizeof(simulator::__FTRSCAN_IMAGE_SIZE));
+  auto* const size = room.as<simulator::__FTRSCAN_IMAGE_SIZE>();
+  client.frame = 0;
+  if (ftrScanGetImageSize(client.scanner, size) != 0) {
+    const std::int64_t pixels = std::int64_t{size->width} * size->height;
+    constexpr std::int64_t kMost = 1 << 20;
+    client.frame =
+        pixels > 0 && size->width > 0 && pixels <= kMost ? static_cast<std::size_t>(pixels) : 0;
+  }
+}
+
+void take_frame(Client& client) {
+  if (client.frame != 0) {
+    Room frame(client.frame);
+    ftrScanGetImageByVariableDose(client.scanner, 60, frame.bytes());
+  }
+}
+
+void calibrate(Client& client) {
+  Room out(kRoom);
+  unsigned long size = kRoom;
+  auto given = kGiven;
+  Calibrate(client.engine, reinterpret_cast<tagBITMAPINFOHEADER*>(given.data()), given.size(),
+            out.as<tagBITMAPINFOHEADER>(), &size);
+}
+
+Arguments calibrate_arguments(const Numbers& numbers) {
+  Arguments arguments;
+  arguments.handle(numbers.engine);
+  if (numbers.pixels) {
+    arguments.data(kGiven.data(), kGiven.size());
+  } else {
+    arguments.pointer(kGiven.data()).data_of_size(kGiven.size());
+  }
+  return arguments.pointer(&numbers).pointer(&numbers).number(kRoom);
+}
+
+/// A call, and the arguments with which it is recorded.
+struct Operation {
+  eFunction function;
+  Arguments (*arguments)(const Numbers& numbers);
+  void (*make)(Client& client);
+};
+
+const std::array kOperations = {
+    Operation{eFunction::ftrScanOpenDeviceOnInterface,
+              [](const Numbers&) { return Arguments().number(0); },
+              [](Client& client) { client.scanner = ftrScanOpenDeviceOnInterface(0); }},
+    Operation{
+        eFunction::ftrScanGetImageSize,
+        [](const Numbers& numbers) { return Arguments().handle(numbers.scanner).pointer(&kGiven); },
+        &ask_for_size},
+    Operation{eFunction::ftrScanGetImageByVariableDose,
+              [](const Numbers& numbers) {
+                return Arguments().handle(numbers.scanner).number(60).pointer(&kGiven);
+              },
+              &take_frame},
+    Operation{eFunction::ftrScanRestoreExtMemory,
+              [](const Numbers& numbers) {
+                return Arguments().handle(numbers.scanner).pointer(&kGiven).number(0).number(kRoom);
+              },
+              [](Client& client) {
+                Room room(kRoom);
+                ftrScanRestoreExtMemory(client.scanner, room.bytes(), 0, kRoom);
+              }},
+    Operation{
+        eFunction::ftrScanGetSerialNumber,
+        [](const Numbers& numbers) { return Arguments().handle(numbers.scanner).pointer(&kGiven); },
+        [](Client& client) {
+          Room room(8);
+          ftrScanGetSerialNumber(client.scanner, room.bytes());
+        }},
+    Operation{eFunction::ftrScanRestoreSecret7Bytes,
+              [](const Numbers& numbers) {
+                return Arguments().handle(numbers.scanner).pointer(&kGiven).pointer(&kGiven);
+              },
+              [](Client& client) {
+                Room room(7);
+                ftrScanRestoreSecret7Bytes(client.scanner, kGiven.data(), room.bytes());
+              }},
+    Operation{eFunction::ftrScanCloseDevice,
+              [](const Numbers& numbers) { return Arguments().handle(numbers.scanner); },
+              [](Client& client) { ftrScanCloseDevice(client.scanner); }},
+    Operation{eFunction::CalibrateCreate, [](const Numbers&) { return Arguments(); },
+              [](Client& client) { client.engine = CalibrateCreate(); }},
+    Operation{eFunction::Calibrate, &calibrate_arguments, &calibrate},
+    Operation{
+        eFunction::CalibrateGetOption,
+        [](const Numbers& numbers) {
+          return Arguments().handle(numbers.engine).text("name").pointer(&kGiven).number(kRoom);
+        },
+        [](Client& client) {
+          Room room(kRoom);
+          unsigned long size = kRoom;
+          CalibrateGetOption(client.engine, "name", room.text(), &size);
+        }},
+    Operation{eFunction::CalibrateGetErrorDescription,
+              [](const Numbers&) { return Arguments().number(-3); },
+              [](Client&) {
+                const char* const text = CalibrateGetErrorDescription(-3);
+                require(text == nullptr || std::string(text).size() <= 4096, "a text has an end");
+              }},
+    Operation{eFunction::CalibrateDelete,
+              [](const Numbers& numbers) { return Arguments().handle(numbers.engine); },
+              [](Client& client) { CalibrateDelete(&client.engine); }},
+    Operation{eFunction::FakeFingerDetectionCreateHandle,
+              [](const Numbers&) { return Arguments().pointer(&kGiven); },
+              [](Client& client) { FakeFingerDetectionCreateHandle(&client.detector); }},
+    Operation{eFunction::FakeFingerDetectionEvaluateLiveliness,
+              [](const Numbers& numbers) {
+                return Arguments().handle(numbers.detector).pointer(&kGiven);
+              },
+              [](Client& client) {
+                Room room(sizeof(double));
+                FakeFingerDetectionEvaluateLiveliness(client.detector, room.as<double>());
+              }},
+    Operation{
+        eFunction::FakeFingerDetectionGetPropertyA,
+        [](const Numbers& numbers) {
+          return Arguments().handle(numbers.detector).text("name").pointer(&kGiven).number(kRoom);
+        },
+        [](Client& client) {
+          Room room(kRoom);
+          unsigned long size = kRoom;
+          FakeFingerDetectionGetPropertyA(client.detector, "name", room.text(), &size);
+        }},
+    Operation{eFunction::FakeFingerDetectionDestroyHandle,
+              [](const Numbers& numbers) { return Arguments().handle(numbers.detector); },
+              [](Client& client) { FakeFingerDetectionDestroyHandle(&client.detector); }}};
+
+/// The number at a place in an answer; the one before where it is not there.
+void take_number(Bytes answer, std::size_t place, std::uint32_t& number) {
+  if (answer.size() >= place + sizeof(number)) {
+    std::memcpy(&number, answer.data() + place, sizeof(number));
+  }
+}
+
+/// Records an operation with an answer of the input's.
+void record(RecordingWriter& writer, const Operation& operation, Numbers& numbers, Input& input) {
+  recorder::Bytes entry;
+  const std::uint32_t thread = 1 + input.below(2);
+  recorder::append_call(entry, {operation.function, thread, 0, 0},
+                        operation.arguments(numbers).encoded());
+  const std::size_t size = input.byte();
+  const Bytes answer = input.bytes(size);
+  entry.insert(entry.end(), answer.begin(), answer.end());
+  writer.block(entry);
+  if (operation.function == eFunction::ftrScanOpenDeviceOnInterface) {
+    take_number(answer, 0, numbers.scanner);
+  } else if (operation.function == eFunction::CalibrateCreate) {
+    take_number(answer, 0, numbers.engine);
+  } else if (operation.function == eFunction::FakeFingerDetectionCreateHandle) {
+    take_number(answer, sizeof(long), numbers.detector);
+  }
+}
+
+void play(const std::string& path) {
+  recorder::Session::get().play(std::make_unique<recorder::Player>(
+      std::make_unique<recorder::Recording>(path), recorder::Player::Milliseconds(0),
+      std::make_unique<ThrowingEnding>()));
+}
+
+void make(Client& client, const Operation& operation) {
+  try {
+    operation.make(client);
+  } catch (const Ended& end) {
+    require(*end.what() != '\0', "an end tells why");
+  }
+}
+
+}  // namespace
+
+/// Whether images are recorded, then operations, each with whether the client does another in its
+/// place, its thread and its answer.
+void run(Input input) {
+  constexpr std::size_t kMostCalls = 40;
+  Numbers numbers;
+  numbers.pixels = input.below(2) == 0;
+  RecordingWriter writer;
+  writer.header(numbers.pixels);
+  std::vector<std::size_t> operations;
+  while (operations.size() < kMostCalls && input.left() != 0) {
+    const std::size_t operation = input.below(kOperations.size());
+    const std::size_t shift = input.below(8) == 7 ? 1 : 0;
+    record(writer, kOperations[operation], numbers, input);
+    operations.push_back((operation + shift) % kOperations.size());
+  }
+  play(writer.path());
+  Client client;
+  for (const std::size_t operation : operations) {
+    make(client, kOperations[operation]);
+  }
+  make(client, kOperations.front());
+  recorder::Session::get().player()->left_over();
+}
+
+}  // namespace Osv::fuzz
