@@ -29,9 +29,9 @@ class Curve {
 
   void add(const Footprint& footprint) { m_vPoints.push_back(footprint); }
 
-  /// What changed, in words; empty when nothing did. Behind the first rounds descriptors, threads
-  /// and blocks of memory stay the same, the bytes in them but for what the allocator adds; the
-  /// resident memory doesn't rise.
+  /// What grew, in words; empty when nothing did. Behind the first rounds descriptors and threads
+  /// stay the same, blocks of memory and the bytes in them come down to the same, and the resident
+  /// memory doesn't rise.
   std::string growth() const;
 
  private:
