@@ -28,15 +28,16 @@ std::string plain(const std::string& text) {
 std::string bold(const std::string& text) { return "\\fB" + plain(text) + "\\fR"; }
 std::string italic(const std::string& text) { return "\\fI" + plain(text) + "\\fR"; }
 
-std::string replaced(std::string text, char sign, char other) {
-  std::replace(text.begin(), text.end(), sign, other);
-  return text;
-}
-
 std::string upper(std::string text) {
   std::transform(text.begin(), text.end(), text.begin(),
                  [](unsigned char letter) { return static_cast<char>(std::toupper(letter)); });
   return text;
+}
+
+/// As it is called: "hvk3 property get", or "hvk3-view".
+std::string words_of(const CLI::App& command) {
+  const CLI::App* const group = command.get_parent();
+  return (group != nullptr ? words_of(*group) + ' ' : "") + command.get_name();
 }
 
 std::vector<const CLI::App*> commands_below(const CLI::App& command) {
@@ -104,8 +105,8 @@ void add_options(std::ostream& page, const CLI::App& command) {
   }
 }
 
-void add_synopsis(std::ostream& page, const CLI::App& command, const std::string& title) {
-  page << ".SH SYNOPSIS\n" << bold(replaced(title, '-', ' ')) << " [" << italic("OPTIONS") << ']';
+void add_synopsis(std::ostream& page, const CLI::App& command) {
+  page << ".SH SYNOPSIS\n" << bold(words_of(command)) << " [" << italic("OPTIONS") << ']';
   for (const CLI::Option* const option : command.get_options()) {
     if (!option->nonpositional()) {
       const bool needed = option->get_required();
@@ -125,7 +126,12 @@ void add_commands(std::ostream& page, const CLI::App& command, const std::string
   }
 }
 
-/// The end of the help: indented lines are commands, others are prose.
+/// One word and a colon, such as "Examples:".
+bool is_heading(const std::string& line) {
+  return line.ends_with(':') && line.find(' ') == std::string::npos;
+}
+
+/// The end of the help: indented lines stand as they are, others are prose.
 void add_footer(std::ostream& page, const CLI::App& command) {
   const std::string exit_status = "Exit status: ";
   std::istringstream footer(command.get_footer());
@@ -136,8 +142,8 @@ void add_footer(std::ostream& page, const CLI::App& command) {
       page << (is_example ? ".EX\n" : ".EE\n");
       in_example = is_example;
     }
-    if (line == "Examples:") {
-      page << ".SH EXAMPLES\n";
+    if (is_heading(line)) {
+      page << ".SH " << plain(upper(line.substr(0, line.size() - 1))) << '\n';
     } else if (line.starts_with(exit_status)) {
       page << ".SH EXIT STATUS\n" << plain(line.substr(exit_status.size())) << '\n';
     } else if (!line.empty()) {
@@ -154,7 +160,7 @@ std::string man_page(const CLI::App& command, const std::string& title, const Ma
   page << ".TH " << plain(upper(title)) << " 1 " << edition.date << " \"hvk3 " << edition.version
        << "\" \"User Commands\"\n.ad l\n.nh\n.SH NAME\n"
        << plain(title) << " \\- " << plain(command.get_description()) << '\n';
-  add_synopsis(page, command, title);
+  add_synopsis(page, command);
   add_commands(page, command, title);
   add_options(page, command);
   add_footer(page, command);
