@@ -73,13 +73,11 @@ int run(const ViewOptions& options) {
 
 int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);  // a lost standard output ends the viewer in good order
-  CLI::App app("Shows what an HVK3 fingerprint scanner sees.", "hvk3-view");
-  hvk3::view::ViewOptions options;
-  hvk3::view::add_view_options(app, options);
+  hvk3::view::CommandLine line;
   try {
-    app.parse(argc, argv);
+    line.app().parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : static_cast<int>(hvk3::ExitStatus::Usage);
+    return line.app().exit(error) == 0 ? 0 : static_cast<int>(hvk3::ExitStatus::Usage);
   }
-  return hvk3::view::run(options);
+  return hvk3::view::run(line.options());
 }

@@ -34,13 +34,12 @@ std::string footer() {
   return text + kExitStatus;
 }
 
-}  // namespace
-
 void add_view_options(CLI::App& app, ViewOptions& options) {
   options.out = "finger.png";
   options.picture = "hvk3-view.png";
   add_plugin_options(app, options.tool);
-  app.remove_option(app.get_option("--json"));  // a window has no result
+  app.remove_option(app.get_option("--json"));    // a window has no result
+  app.remove_option(app.get_option("--replay"));  // 'hvk3 replay' plays for any program
   add_device_option(app, options.tool);
   add_setting_option(app, options.tool);
   add_level_option(app, options.tool);
@@ -59,6 +58,12 @@ void add_view_options(CLI::App& app, ViewOptions& options) {
       ->capture_default_str();
   app.add_flag("--events", options.events, "Print a line for each event on standard output");
   app.footer(footer());
+}
+
+}  // namespace
+
+CommandLine::CommandLine() : m_cApp("Shows what an HVK3 fingerprint scanner sees.", "hvk3-view") {
+  add_view_options(m_cApp, m_cOptions);
 }
 
 }  // namespace hvk3::view

@@ -17,7 +17,19 @@ struct ViewOptions {
   bool events = false;
 };
 
-/// Adds all options and the help to the command line.
-void add_view_options(CLI::App& app, ViewOptions& options);
+/// The command line with all options and the help.
+class CommandLine {
+ public:
+  CommandLine();
+  CommandLine(const CommandLine&) = delete;
+  CommandLine& operator=(const CommandLine&) = delete;
+
+  CLI::App& app() { return m_cApp; }
+  const ViewOptions& options() const { return m_cOptions; }
+
+ private:
+  CLI::App m_cApp;
+  ViewOptions m_cOptions;  // the parser points to it
+};
 
 }  // namespace hvk3::view
