@@ -45,8 +45,8 @@ void ClOstrevanHVK3Framegrabber::Destroy(ClOstrevanHVK3Framegrabber* grabber) {
     delete grabber;
     return;
   }
+  grabber->StopAllChannel();  // first: an image that its last callback takes is another one
   grabber->m_bGoesWithImage = true;
-  grabber->StopAllChannel();
 }
 
 void ClOstrevanHVK3Framegrabber::FreezeSDK(ClFrameGrabberChannel& /*channel*/, bool /*enable*/) {}

@@ -183,8 +183,9 @@ class InTheMidstOfASnap : public ReentrancyOfEvents {
  protected:
   InTheMidstOfASnap() { of_a_snap = true; }
 
-  CaptureRecord& capture() {
-    CaptureRecord& record = records.emplace_back();
+  CaptureRecord& capture() { return capture_into(records.emplace_back()); }
+
+  CaptureRecord& capture_into(CaptureRecord& record) {
     sleeps.forget();
     EXPECT_EQ(start_into(record, eCaptureLive), 0U);
     EXPECT_TRUE(record.wait_for(eEvent::Live, 1));
@@ -318,6 +319,22 @@ TEST_F(InTheMidstOfASnap, DestroyingTheFrameGrabberEndsItsCaptureAtOnce) {
   CaptureRecord& record = capture();
   destroy_in_the_midst();
   EXPECT_EQ(record.count(eEvent::Stop), 1);
+}
+
+TEST_F(InTheMidstOfASnap, AFrameGrabberThatIsDestroyedStillTakesAnImageInItsLastCallback) {
+  CaptureRecord& record = records.emplace_back();
+  lx::ClFramegrabber* const destroyed = grabber;
+  unsigned long result = ~0UL;
+  record.inside = [&](eEvent kind, int /*number*/) {
+    if (kind == eEvent::Stop) {
+      unsigned char* image = nullptr;
+      result = destroyed->GetImage(kChannel, &image);
+      destroyed->FreeImage(image);
+    }
+  };
+  capture_into(record);
+  destroy_in_the_midst();
+  EXPECT_EQ(result, 0U);
 }
 
 }  // namespace
