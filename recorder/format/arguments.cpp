@@ -21,13 +21,7 @@ void append_text(Bytes& target, const char* text, std::size_t size) {
 
 std::string text_in_words(ByteReader& reader) {
   const auto size = reader.number<std::uint16_t>();
-  std::string text = "'";
-  for (const unsigned char letter : reader.take(size)) {
-    constexpr unsigned char kBlank = 0x20;
-    constexpr unsigned char kDelete = 0x7F;
-    text += letter < kBlank || letter >= kDelete ? '?' : static_cast<char>(letter);
-  }
-  return text + "'";
+  return "'" + printable(reader.take(size)) + "'";
 }
 
 std::string cut_text_in_words(ByteReader& reader) {
@@ -118,6 +112,16 @@ Arguments& Arguments::data_of_size(std::size_t size) {
   append_kind(m_vEncoded, eKind::DataOfSize);
   append_number(m_vEncoded, std::uint64_t{size});
   return *this;
+}
+
+std::string printable(ByteView text) {
+  std::string printable;
+  for (const unsigned char letter : text) {
+    constexpr unsigned char kBlank = 0x20;
+    constexpr unsigned char kDelete = 0x7F;
+    printable += letter < kBlank || letter >= kDelete ? '?' : static_cast<char>(letter);
+  }
+  return printable;
 }
 
 std::string arguments_in_words(ByteView encoded) {

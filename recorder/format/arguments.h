@@ -37,6 +37,9 @@ class Arguments {
   Bytes m_vEncoded;
 };
 
+/// A text of a recording as it may be shown: what can't be printed is a question mark.
+std::string printable(ByteView text);
+
 /// As in "handle 1, 4, 4". @throws DamagedRecording for bytes that are no arguments
 std::string arguments_in_words(ByteView encoded);
 

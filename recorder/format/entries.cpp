@@ -96,8 +96,7 @@ ByteView take_arguments(ByteReader& reader) {
 }
 
 std::string take_end(ByteReader& reader) {
-  const ByteView text = reader.rest().first(std::min(reader.rest().size(), kLongestEnd));
-  return {text.begin(), text.end()};
+  return printable(reader.rest().first(std::min(reader.rest().size(), kLongestEnd)));
 }
 
 }  // namespace Osv::recorder

@@ -151,6 +151,12 @@ TEST(Recording, TellsWhyItEndedEarly) {
   EXPECT_EQ(Recording(builder.path()).end(), "a full disk");
 }
 
+TEST(Recording, EndsWithNothingThatATerminalObeys) {
+  RecordingBuilder builder;
+  builder.end("\x1b]0;owned\a\x1b[31m\nX\x9b");
+  EXPECT_EQ(Recording(builder.path()).end(), "?]0;owned??[31m?X?");
+}
+
 TEST(Recording, TakesNoEntryThatIsTooLarge) {
   RecordingBuilder builder;
   EXPECT_THROW(builder.block(Bytes(kLargestBlock + 1)), std::length_error);
