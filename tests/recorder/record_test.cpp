@@ -91,6 +91,19 @@ TEST_F(Record, EndsAsTheProgramDoes) {
   EXPECT_EQ(record_program({"/bin/sh", "-c", "kill -9 $$"}).status, 137);
 }
 
+TEST_F(Record, EndsAsTheProgramDoesThoughTheFileIsGone) {
+  const Outcome outcome = record_program({"/bin/sh", "-c", "rm '" + recording() + "' && exit 42"});
+  EXPECT_EQ(outcome.status, 42);
+  EXPECT_THAT(outcome.error, HasSubstr("the recording can't be read: "));
+}
+
+TEST_F(Record, EndsAsTheProgramDoesThoughTheFileIsNoRecording) {
+  const Outcome outcome =
+      record_program({"/bin/sh", "-c", "echo a letter > '" + recording() + "'; exit 42"});
+  EXPECT_EQ(outcome.status, 42);
+  EXPECT_THAT(outcome.error, HasSubstr("the recording can't be read: "));
+}
+
 TEST_F(Record, TellsWhenNothingWasRecorded) {
   EXPECT_THAT(record_program({"/bin/true"}).error, HasSubstr("nothing was recorded"));
 }

@@ -1,6 +1,7 @@
 #include <CLI/CLI.hpp>
 #include <chrono>
 #include <cstdlib>
+#include <exception>
 #include <string>
 
 #include "hvk3/commands.h"
@@ -46,11 +47,19 @@ void warn(Console& console, const RecordingOptions& options) {
       " the scanner's memory and serial number; keep it safe");
 }
 
+std::string result_of(const std::string& file) {
+  const std::size_t calls = Osv::recorder::Recording(file).calls().size();
+  return calls == 0 ? "nothing was recorded, the program called no closed library"
+                    : std::to_string(calls) + " calls are in " + file;
+}
+
+/// Throws nothing about the file: the program has ended, and what it ended with is to be told.
 void tell_result(Console& console, const RecordingOptions& options) {
-  const Osv::recorder::Recording recording(options.file);
-  const std::size_t calls = recording.calls().size();
-  console.message(calls == 0 ? "nothing was recorded, the program called no closed library"
-                             : std::to_string(calls) + " calls are in " + options.file);
+  try {
+    console.message(result_of(options.file));
+  } catch (const std::exception& failure) {
+    console.message(std::string("the recording can't be read: ") + failure.what());
+  }
 }
 
 void run(Context& context) {
