@@ -39,13 +39,15 @@ class Room {
   explicit Room(std::size_t size) : m_vBytes(size + kGuard.size()), m_nSize(size) {
     std::copy(kGuard.begin(), kGuard.end(), m_vBytes.begin() + static_cast<std::ptrdiff_t>(size));
   }
-  ~Room() noexcept(false) {
+  ~Room() noexcept(false) { examine(); }
+  Room(const Room&) = delete;
+  Room& operator=(const Room&) = delete;
+
+  void examine() const {
     require(std::equal(kGuard.begin(), kGuard.end(),
                        m_vBytes.begin() + static_cast<std::ptrdiff_t>(m_nSize)),
             "an answer stays in its memory");
   }
-  Room(const Room&) = delete;
-  Room& operator=(const Room&) = delete;
 
   unsigned char* bytes() { return m_vBytes.data(); }
   char* text() { return reinterpret_cast<char*>(bytes()); }
@@ -64,12 +66,13 @@ class Room {
 constexpr std::size_t kRoom = 64;
 constexpr std::array<unsigned char, 4> kGiven = {1, 2, 3, 4};
 
-/// The client's handles, and its word on the size of frames.
+/// The client's handles, and its buffer for frames: made by the first size that an opening tells,
+/// and kept whatever it tells later.
 struct Client {
   void* scanner = nullptr;
   void* engine = nullptr;
   void* detector = nullptr;
-  std::size_t frame = 0;
+  std::unique_ptr<Room> frame;
 };
 
 /// The numbers that the handles are going to have, and whether images are recorded.
@@ -80,22 +83,28 @@ struct Numbers {
   bool pixels = true;
 };
 
+void open(Client& client) {
+  client.scanner = ftrScanOpenDeviceOnInterface(0);
+  client.frame.reset();
+}
+
 void ask_for_size(Client& client) {
   Room room(sizeof(simulator::__FTRSCAN_IMAGE_SIZE));
   auto* const size = room.as<simulator::__FTRSCAN_IMAGE_SIZE>();
-  client.frame = 0;
-  if (ftrScanGetImageSize(client.scanner, size) != 0) {
-    const std::int64_t pixels = std::int64_t{size->width} * size->height;
-    constexpr std::int64_t kMost = 1 << 20;
-    client.frame =
-        pixels > 0 && size->width > 0 && pixels <= kMost ? static_cast<std::size_t>(pixels) : 0;
+  if (ftrScanGetImageSize(client.scanner, size) == 0 || client.frame != nullptr) {
+    return;
+  }
+  const std::int64_t pixels = std::int64_t{size->width} * size->height;
+  constexpr std::int64_t kMost = 1 << 20;
+  if (pixels > 0 && size->width > 0 && pixels <= kMost) {
+    client.frame = std::make_unique<Room>(static_cast<std::size_t>(pixels));
   }
 }
 
 void take_frame(Client& client) {
-  if (client.frame != 0) {
-    Room frame(client.frame);
-    ftrScanGetImageByVariableDose(client.scanner, 60, frame.bytes());
+  if (client.frame != nullptr) {
+    ftrScanGetImageByVariableDose(client.scanner, 60, client.frame->bytes());
+    client.frame->examine();
   }
 }
 
@@ -127,8 +136,7 @@ struct Operation {
 
 const std::array kOperations = {
     Operation{eFunction::ftrScanOpenDeviceOnInterface,
-              [](const Numbers&) { return Arguments().number(0); },
-              [](Client& client) { client.scanner = ftrScanOpenDeviceOnInterface(0); }},
+              [](const Numbers&) { return Arguments().number(0); }, &open},
     Operation{
         eFunction::ftrScanGetImageSize,
         [](const Numbers& numbers) { return Arguments().handle(numbers.scanner).pointer(&kGiven); },

@@ -457,6 +457,11 @@ def replay():
                 yield f"{name} {operation} {pixels}", bytes((pixels,)) + front + call(operation, wrong) + session[0]
             yield f"other {operation} {pixels}", bytes((pixels,)) + front + call(operation, answer, 7)
     frames = b"".join(call(2, good[2], 0, 1) for _ in range(3))
+    size = lambda width, height: call(1, status + struct.pack("<ii", width, height))
+    frame = call(2, status + some(96))
+    yield "grown", b"\0" + session[0] + session[1] + size(12, 8) + frame
+    yield "opened twice", b"\0" + session[0] + session[1] + session[0] + size(12, 8) + frame
+    yield "opened again", b"\0" + session[0] + session[1] + session[6] + session[0] + size(12, 8) + frame
     yield "threads", b"\0" + session[0] + session[1] + frames + session[6] + frames
     yield "black", b"\1" + session[0] + session[1] + call(2, status + struct.pack("<QQ", 12, 0)) + call(8, code + struct.pack("<QQQ", 60, 60, 4) + b"head")
 

@@ -1,7 +1,9 @@
 #include <algorithm>
 #include <cstring>
+#include <string>
 
 #include "ostrevanhvk3/image_block.h"
+#include "recorder/format/block_file.h"
 #include "recorder/forwarders/forwarder.h"
 
 /// @file
@@ -36,6 +38,13 @@ std::size_t front_of(const void* image, std::size_t size) {
 
 unsigned long at(const unsigned long* number) { return number == nullptr ? 0 : *number; }
 
+/// Callers make room for the image by this word.
+void check_size(unsigned long size) {
+  if (size > kLargestPiece) {
+    throw RecordingEnds("an image of " + std::to_string(size) + " bytes is too large for it");
+  }
+}
+
 /// A call that answers with nothing but a code.
 template <class Real>
 long code_call(eFunction function, const Arguments& arguments, Real make) {
@@ -69,6 +78,7 @@ OSV_FORWARDER long Calibrate(void* handle, void* input, unsigned long input_size
         answer.number(code);
         if (output_size != nullptr && (code == 0 || code == kBufferTooSmall)) {
           answer.number(*output_size);
+          check_size(*output_size);
         }
         if (output_size != nullptr && output != nullptr && code == 0) {
           const std::size_t size = std::min(*output_size, room);

@@ -25,7 +25,7 @@ Texts& texts() {
 }
 
 const char* keep(const ByteView text) {
-  constexpr std::size_t kMost = 10000;
+  constexpr std::size_t kMost = 1000;
   const std::lock_guard<std::mutex> guard(texts().lock);
   if (texts().all.size() == kMost) {
     throw DamagedRecording("the recording has too many texts");
@@ -91,6 +91,9 @@ void Answer::text(const char*& text) {
                   ? kNull
                   : static_cast<std::uint16_t>(std::min(std::strlen(text), kLongestText));
   number(size);
+  if (size != kNull && size > kLongestText) {
+    throw DamagedRecording("a text in the recording is too long");
+  }
   if (m_pTarget != nullptr) {
     append(*m_pTarget, text, size == kNull ? 0 : size);
   } else {

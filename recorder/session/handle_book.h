@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <mutex>
+#include <string>
 #include <unordered_map>
 
 #include "recorder/format/arguments.h"
@@ -22,11 +23,12 @@ class HandleBook {
   }
 
   /// The handle of a number that is played.
+  /// @throws DamagedRecording for one that is open already
   void* take(std::uint32_t number) {
     const std::lock_guard<std::mutex> lock(m_cLock);
     void* const handle = reinterpret_cast<void*>(static_cast<std::uintptr_t>(number));
-    if (handle != nullptr) {
-      m_cNumbers[handle] = number;
+    if (handle != nullptr && !m_cNumbers.try_emplace(handle, number).second) {
+      throw DamagedRecording("the recording opens handle " + std::to_string(number) + " twice");
     }
     return handle;
   }

@@ -5,6 +5,7 @@
 #include <array>
 
 #include "recorder/format/block_file.h"
+#include "recorder/session/frame_sizes.h"
 
 namespace Osv::recorder::test {
 namespace {
@@ -104,6 +105,69 @@ TEST(Answer, APlayedHandleIsItsNumber) {
   Answer(ByteView(written), true).new_handle(handle, book);
   EXPECT_EQ(book.number_of(handle), 7U);
   EXPECT_EQ(reinterpret_cast<std::uintptr_t>(handle), 7U);
+}
+
+TEST(Answer, OpensNoHandleThatIsOpen) {
+  HandleBook book;
+  void* const handle = book.take(7);
+  EXPECT_THROW(book.take(7), DamagedRecording);
+  book.forget(handle);
+  EXPECT_EQ(book.take(7), handle);
+}
+
+TEST(Answer, TakesNoTextThatIsTooLong) {
+  Bytes written;
+  append_number(written, std::uint16_t{4097});
+  written.resize(written.size() + 4097, 'a');
+  const char* text = nullptr;
+  EXPECT_THROW(Answer(ByteView(written), true).text(text), DamagedRecording);
+}
+
+TEST(Answer, KeepsNoTextsWithoutEnd) {
+  const auto play = [](int number) {
+    const std::string text = std::to_string(number);
+    Bytes written;
+    append_number(written, static_cast<std::uint16_t>(text.size()));
+    append(written, text.data(), text.size());
+    const char* played = nullptr;
+    Answer(ByteView(written), true).text(played);
+  };
+  Answer::forget_texts();
+  for (int number = 0; number < 1000; ++number) {
+    play(number);
+  }
+  EXPECT_THROW(play(1000), DamagedRecording);
+  Answer::forget_texts();
+}
+
+TEST(FrameSizes, StayAsTheyWereFirst) {
+  FrameSizes sizes;
+  sizes.set(1, 20, 10);
+  sizes.set(1, 20, 10);
+  EXPECT_THROW(sizes.set(1, 2000, 10), RecordingEnds);
+  EXPECT_THROW(sizes.set(1, 0, 0), RecordingEnds);
+  EXPECT_EQ(sizes.of(1), 200U);
+}
+
+TEST(FrameSizes, AreThoseOfAnOpening) {
+  FrameSizes sizes;
+  sizes.set(1, 20, 10);
+  sizes.set(2, 30, 10);
+  sizes.set(0, 20, 10);
+  sizes.set(kUnknownHandle, 20, 10);
+  EXPECT_EQ(sizes.of(1), 200U);
+  EXPECT_EQ(sizes.of(2), 300U);
+  EXPECT_EQ(sizes.of(0), 0U);
+  EXPECT_EQ(sizes.of(kUnknownHandle), 0U);
+}
+
+TEST(FrameSizes, OfNoFrameAreNone) {
+  FrameSizes sizes;
+  sizes.set(1, 0, 10);
+  sizes.set(2, -20, -10);
+  EXPECT_EQ(sizes.of(1), 0U);
+  EXPECT_EQ(sizes.of(2), 0U);
+  EXPECT_THROW(sizes.set(3, 40000, 37000), RecordingEnds);
 }
 
 }  // namespace
