@@ -40,6 +40,16 @@ Colour Picture::at(int x, int y) const {
   return {m_vPixels.at(place), m_vPixels.at(place + 1), m_vPixels.at(place + 2)};
 }
 
+std::vector<Colour> Picture::pixels(const SDL_Rect& area) const {
+  std::vector<Colour> pixels;
+  for (int y = area.y; y < area.y + area.h; ++y) {
+    for (int x = area.x; x < area.x + area.w; ++x) {
+      pixels.push_back(at(x, y));
+    }
+  }
+  return pixels;
+}
+
 int Picture::count(const SDL_Rect& area, const Colour& colour) const {
   return count_pixels(area, [&](int x, int y) { return at(x, y) == colour; });
 }

@@ -27,6 +27,9 @@ class Picture {
 
   Colour at(int x, int y) const;
 
+  /// Row by row.
+  std::vector<Colour> pixels(const SDL_Rect& area) const;
+
   /// How many pixels of the area have this colour.
   int count(const SDL_Rect& area, const Colour& colour) const;
 

@@ -83,6 +83,49 @@ TEST_F(Scanner, ThatFailsIsStoppedUntilItIsStartedAgain) {
   press("Return", "live");
 }
 
+TEST_F(Scanner, ComesBackWithoutADetectionThatFails) {
+  start_capturing();
+  press("f", "fake finger detection on");
+  say("fault FakeFingerDetectionCreateHandle always fails with -8\nunplug 0");
+  wait_for("unplugged");
+  say("plug 0");
+  wait_for("error");
+  wait_for("live");
+  EXPECT_GT(picture().count(layout().notice, kRed), 20);
+  say("faults off");
+  press("f", "fake finger detection on");
+}
+
+TEST_F(Scanner, ThatIsStoppedIsSwitchedFromTheNextStartOn) {
+  start_capturing();
+  press("f", "fake finger detection on");
+  say("fault ftrScanGetImageByVariableDose always fails with 87");
+  wait_for("stopped");
+  press("f", "fake finger detection off");
+  say("faults off");
+  press("Return", "live");
+  EXPECT_EQ(picture().count(layout().plot.picture, kAmber), 0);
+}
+
+TEST_F(Scanner, ThatCannotBeginIsNamedAndLeftByTheSameKey) {
+  start_capturing({"--scanners", "2"});
+  const SDL_Rect name = {layout().header.x + layout().header.w / 2, 0, layout().header.w / 2, 38};
+  const std::vector<Colour> before = picture().pixels(name);
+  say("fault ftrScanGetImageSize always fails with 87");
+  press("Tab", "stopped");
+  EXPECT_NE(picture().pixels(name), before);
+  say("faults off");
+  press("Tab", "started 0 HVK30001");
+}
+
+TEST_F(Scanner, ThatHasStoppedShowsWhyWhateverIsRefused) {
+  start_capturing();
+  say("fault ftrScanGetImageByVariableDose always fails with 87");
+  wait_for("stopped");
+  press("n", "refused");
+  EXPECT_GT(picture().count(layout().notice, kRed), 20);
+}
+
 TEST_F(Scanner, ThatIsMissingTakesNoSnap) {
   start({"--scanners", "0"});
   wait_for("no scanner");

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include "view/controls.h"
+
 namespace hvk3::test {
 namespace {
 
@@ -63,6 +65,21 @@ TEST(ViewerRemedy, IsToNameAPluginThatCantBeFound) {
 
 TEST(ViewerRemedy, IsToStartAgainForANumberThatHasNone) {
   EXPECT_THAT(view::remedy_for(Failure(4711L, "odd")), HasSubstr("press Enter"));
+}
+
+TEST(ViewerRemedy, OfASwitchIsItsKey) {
+  EXPECT_THAT(view::remedy_for_control(Failure(4711L, "odd"), view::eAction::Detection),
+              HasSubstr("press F"));
+}
+
+TEST(ViewerRemedy, OfARefusalDependsOnWhatIsMissing) {
+  EXPECT_THAT(view::refusal_for(eConnection::Missing).remedy, HasSubstr("plug one in"));
+  EXPECT_THAT(view::refusal_for(eConnection::Stopped).remedy, HasSubstr("press Enter"));
+}
+
+TEST(ViewerRemedy, StandsBesideAWarningToo) {
+  EXPECT_EQ(view::warning_of("odd").text, "odd");
+  EXPECT_THAT(view::warning_of("odd").remedy, HasSubstr("capture goes on"));
 }
 
 }  // namespace

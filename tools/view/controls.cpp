@@ -36,6 +36,13 @@ std::size_t button_count() {
       kControls.begin(), kControls.end(), [](const Control& control) { return control.button; }));
 }
 
+std::string remedy_for_control(const Failure& failure, eAction action) {
+  const auto control = std::find_if(kControls.begin(), kControls.end(),
+                                    [=](const Control& each) { return each.action == action; });
+  return remedy_for(failure, std::string("press ") + control->sign +
+                                 " to try it again; 'hvk3 doctor' finds out more");
+}
+
 bool is_on(eAction action, const Switches& switches) {
   switch (action) {
     case eAction::RedLed:

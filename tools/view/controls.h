@@ -41,6 +41,9 @@ std::span<const Control> controls();
 /// How many of them have buttons.
 std::size_t button_count();
 
+/// What to do when one has failed and capture goes on.
+std::string remedy_for_control(const Failure& failure, eAction action);
+
 /// Whether the control is a switch that is on.
 bool is_on(eAction action, const Switches& switches);
 

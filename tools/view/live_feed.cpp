@@ -144,7 +144,7 @@ void LiveFeed::on_error(int /*handle*/, unsigned int /*channel*/, const char* te
 
 void LiveFeed::on_warning(int /*handle*/, unsigned int /*channel*/, const char* text, void* user) {
   LiveFeed& feed = feed_of(user);
-  feed.m_cBoard.update([&](Status& status) { status.notice = {text, ""}; });
+  feed.m_cBoard.update([&](Status& status) { status.notice = warning_of(text); });
 }
 
 /// Comes in front of the live image, but for an image that the owner takes: on its own thread.

@@ -16,7 +16,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr unsigned int kChannel = 1;
-constexpr unsigned int kNoInterface = 128;
 
 /// A switch that is a property.
 struct PropertySwitch {
@@ -29,10 +28,10 @@ struct PropertySwitch {
 constexpr std::array kPropertySwitches = {
     PropertySwitch{eAction::RedLed, ePropRedLED, &Switches::red_led, "red LED"},
     PropertySwitch{eAction::GreenLed, ePropGreenLED, &Switches::green_led, "green LED"},
-    PropertySwitch{eAction::Detection, ePropLiveliness, &Switches::detection,
-                   "fake finger detection"},
     PropertySwitch{eAction::LowContrast, ePropLowContrastImage, &Switches::low_contrast,
-                   "low contrast"}};
+                   "low contrast"},
+    PropertySwitch{eAction::Detection, ePropLiveliness, &Switches::detection,
+                   "fake finger detection"}};
 
 const PropertySwitch* find_switch(eAction action) {
   const auto found =
@@ -66,6 +65,10 @@ void ScannerDesk::open() {
 void ScannerDesk::begin() {
   try {
     const ListedScanner scanner = choose_scanner(grabber(), m_nWanted);
+    m_cBoard.update([&](Status& status) {
+      status.scanner = scanner;
+      status.notice = {};
+    });
     look_for_scanners();
     m_cFeed.emplace(m_cContext.plugin(), m_cBoard, m_cEvents, m_cWakeup,
                     m_cContext.options().settle);
@@ -74,11 +77,10 @@ void ScannerDesk::begin() {
     const bool back = std::exchange(m_eConnection, eConnection::Capturing) == eConnection::Missing;
     m_cBoard.update([&](Status& status) {
       status.connection = m_eConnection;
-      status.scanner = scanner;
       status.scanners = m_cSeen.size();
     });
-    tell("",
-         (back ? "back " : "started ") + std::to_string(scanner.interface) + ' ' + scanner.serial);
+    m_cEvents.tell((back ? "back " : "started ") + std::to_string(scanner.interface) + ' ' +
+                   scanner.serial);
   } catch (const Failure& failure) {
     lose(failure);
   }
@@ -98,7 +100,7 @@ void ScannerDesk::lose(const Failure& failure) {
   if (before == eConnection::Missing && gone) {
     return;  // it went again before it could be opened
   }
-  complain(failure);
+  complain(failure, remedy_for(failure));
   if (gone) {
     m_cEvents.tell(before == eConnection::Capturing ? "unplugged" : "no scanner");
   } else {
@@ -128,30 +130,40 @@ bool ScannerDesk::is_gone(const Failure& failure) {
 
 void ScannerDesk::prepare() {
   apply(grabber(), m_cContext.options().settings);
-  if (m_cWanted) {
-    restore_switches();
-  } else {
-    read_switches();
+  if (!m_cWanted) {
+    m_cWanted = read_switches();
   }
-  set_detection(m_cWanted->detection);
+  for (const PropertySwitch& each : kPropertySwitches) {
+    restore(each.action);
+  }
   check(grabber(), grabber().Freeze(kChannel, m_cWanted->frozen));
   m_cBoard.update([&](Status& status) { status.switches = *m_cWanted; });
 }
 
 /// The user may have set some with --set.
-void ScannerDesk::read_switches() {
-  m_cWanted.emplace();
+Switches ScannerDesk::read_switches() {
+  Switches switches;
   for (const PropertySwitch& each : kPropertySwitches) {
-    (*m_cWanted).*each.on = read_switch(grabber(), each.property);
+    switches.*each.on = read_switch(grabber(), each.property);
   }
+  return switches;
 }
 
-void ScannerDesk::restore_switches() {
-  for (const PropertySwitch& each : kPropertySwitches) {
-    const bool wanted = (*m_cWanted).*each.on;
-    if (each.action != eAction::Detection && read_switch(grabber(), each.property) != wanted) {
-      check(grabber(), grabber().SetFGProperty(each.property, wanted ? 1 : 0));
+/// One that fails is told and taken back: otherwise it would fail at every start, and nobody could
+/// switch it any more.
+void ScannerDesk::restore(eAction action) {
+  const PropertySwitch& property = *find_switch(action);
+  bool& wanted = (*m_cWanted).*property.on;
+  try {
+    if (action == eAction::Detection || read_switch(grabber(), property.property) != wanted) {
+      set(action, wanted);
     }
+  } catch (const Failure& failure) {
+    if (is_gone(failure)) {
+      throw;
+    }
+    wanted = !wanted;
+    complain(failure, remedy_for_control(failure, action));
   }
 }
 
@@ -162,7 +174,7 @@ void ScannerDesk::perform(eAction action) {
     } else if (action == eAction::Restart) {
       restart();
     } else if (m_eConnection != eConnection::Capturing) {
-      tell("not while no scanner captures", "refused");
+      perform_without_capture(action);
     } else if (action == eAction::Snap) {
       snap();
     } else if (action == eAction::Contamination) {
@@ -174,9 +186,32 @@ void ScannerDesk::perform(eAction action) {
     if (is_gone(failure)) {
       lose(failure);
     } else {
-      complain(failure);
+      complain(failure, remedy_for_control(failure, action));
     }
   }
+}
+
+/// A switch is taken along to the next start: the present one may fail because of it.
+void ScannerDesk::perform_without_capture(eAction action) {
+  const PropertySwitch* const property = find_switch(action);
+  if (!property || !m_cWanted) {
+    refuse();
+    return;
+  }
+  const bool on = !is_on(action, *m_cWanted);
+  (*m_cWanted).*property->on = on;
+  m_cBoard.update([&](Status& status) { status.switches = *m_cWanted; });
+  m_cEvents.tell(in_words(property->name, on));
+}
+
+/// What has gone wrong before says more, so it stays.
+void ScannerDesk::refuse() {
+  m_cBoard.update([](Status& status) {
+    if (status.notice.remedy.empty()) {
+      status.notice = refusal_for(status.connection);
+    }
+  });
+  m_cEvents.tell("refused");
 }
 
 void ScannerDesk::toggle(eAction action) {
@@ -251,33 +286,40 @@ void ScannerDesk::measure_dirt() {
 /// that were seen once.
 void ScannerDesk::look_for_scanners() {
   for (const ListedScanner& scanner : list_scanners(grabber())) {
-    m_cSeen.insert(scanner.interface);
+    m_cSeen.insert_or_assign(scanner.interface, scanner.serial);
   }
 }
 
 /// Those behind the present one first, then those before it.
-std::vector<unsigned int> ScannerDesk::other_scanners() const {
+std::vector<ListedScanner> ScannerDesk::other_scanners() const {
   const std::optional<ListedScanner> now = m_cBoard.status().scanner;
-  const auto behind = now ? m_cSeen.upper_bound(now->interface) : m_cSeen.begin();
-  std::vector<unsigned int> others(behind, m_cSeen.end());
-  others.insert(others.end(), m_cSeen.begin(), behind);
-  others.erase(std::remove(others.begin(), others.end(), now ? now->interface : kNoInterface),
-               others.end());
+  std::vector<ListedScanner> before;
+  std::vector<ListedScanner> others;
+  for (const auto& [interface, serial] : m_cSeen) {
+    if (!now || interface > now->interface) {
+      others.push_back({interface, serial});
+    } else if (interface < now->interface) {
+      before.push_back({interface, serial});
+    }
+  }
+  others.insert(others.end(), before.begin(), before.end());
   return others;
 }
 
 void ScannerDesk::go_to_next_scanner() {
   look_for_scanners();
-  const std::vector<unsigned int> others = other_scanners();
+  const std::vector<ListedScanner> others = other_scanners();
   if (others.empty()) {
     tell("there is no other scanner", "no other scanner");
     return;
   }
   part_from_scanner();
-  const auto next = std::find_if(others.begin(), others.end(),
-                                 [this](unsigned int interface) { return choose(interface); });
+  const auto next = std::find_if(others.begin(), others.end(), [this](const ListedScanner& each) {
+    return choose(each.interface);
+  });
   if (next != others.end()) {
-    m_nWanted = *next;
+    m_nWanted = next->interface;
+    m_cBoard.update([&](Status& status) { status.scanner = *next; });
   }
   begin();
 }
@@ -336,13 +378,11 @@ void ScannerDesk::tell(const std::string& text, const std::string& event) {
   m_cEvents.tell(event);
 }
 
-void ScannerDesk::complain(const Failure& failure) {
+void ScannerDesk::complain(const Failure& failure, const std::string& remedy) {
   const std::string number =
       failure.number() ? "error " + std::to_string(*failure.number()) + ": " : "";
   m_cContext.console().message(number + failure.what());
-  m_cBoard.update([&](Status& status) {
-    status.notice = {number + failure.what(), remedy_for(failure)};
-  });
+  m_cBoard.update([&](Status& status) { status.notice = {number + failure.what(), remedy}; });
   m_cEvents.tell("error");
 }
 

@@ -1,8 +1,9 @@
 #pragma once
 
 #include <chrono>
+#include <map>
 #include <optional>
-#include <set>
+#include <string>
 #include <vector>
 
 #include "hvk3/context.h"
@@ -43,8 +44,10 @@ class ScannerDesk {
   void lose(const Failure& failure);
   void part_from_scanner();
   void prepare();
-  void read_switches();
-  void restore_switches();
+  Switches read_switches();
+  void restore(eAction action);
+  void perform_without_capture(eAction action);
+  void refuse();
   void toggle(eAction action);
   void set(eAction action, bool on);
   void set_detection(bool on);
@@ -52,12 +55,12 @@ class ScannerDesk {
   void snap();
   void measure_dirt();
   void look_for_scanners();
-  std::vector<unsigned int> other_scanners() const;
+  std::vector<ListedScanner> other_scanners() const;
   void go_to_next_scanner();
   bool choose(unsigned int interface);
   void restart();
   void tell(const std::string& text, const std::string& event);
-  void complain(const Failure& failure);
+  void complain(const Failure& failure, const std::string& remedy);
   bool is_gone(const Failure& failure);
   Osv::lx::ClFramegrabber& grabber() { return m_cContext.grabber(); }
 
@@ -65,10 +68,10 @@ class ScannerDesk {
   Board& m_cBoard;
   EventLog& m_cEvents;
   const Wakeup& m_cWakeup;
-  std::optional<unsigned int> m_nWanted;  // interface; none: the first of the list
-  std::set<unsigned int> m_cSeen;         // interfaces with a scanner
-  std::optional<Switches> m_cWanted;      // kept over a scanner that comes back
-  std::optional<LiveFeed> m_cFeed;        // while capture runs, or has ended with an error
+  std::optional<unsigned int> m_nWanted;        // interface; none: the first of the list
+  std::map<unsigned int, std::string> m_cSeen;  // interfaces with a scanner, and its serial number
+  std::optional<Switches> m_cWanted;            // kept over a scanner that comes back
+  std::optional<LiveFeed> m_cFeed;              // while capture runs, or has ended with an error
   eConnection m_eConnection = eConnection::Starting;
   std::chrono::steady_clock::time_point m_cLastLook = {};
 };

@@ -70,7 +70,8 @@ StateWords words_for(eState state) {
        {"Live image only", "Low contrast mode is on: no finger is found as long as it is."}},
       {eState::Frozen, {"Frozen", "Space lets the picture go on."}},
       {eState::Missing, {"Disconnected", "Plug the scanner in: the picture comes back by itself."}},
-      {eState::Stopped, {"Stopped", "Capture has failed. Enter starts it again."}},
+      {eState::Stopped,
+       {"Stopped", "Capture has failed. Enter starts it again, with what is switched then."}},
       {eState::Failed, {"Not working", "Put right what is told below, and start anew."}}};
   return kWords.at(state);
 }
@@ -80,7 +81,7 @@ bool is_live(eState state) {
          state == eState::NoDetection;
 }
 
-std::string remedy_for(const Failure& failure) {
+std::string remedy_for(const Failure& failure, const std::string& otherwise) {
   if (failure.status() == ExitStatus::PluginUnavailable) {
     return "install it where the loader looks, or name it with --plugin";
   }
@@ -93,7 +94,19 @@ std::string remedy_for(const Failure& failure) {
   const auto known = std::find_if(kRemedies.begin(), kRemedies.end(), [&](const Remedy& remedy) {
     return failure.number() == remedy.number;
   });
-  return known != kRemedies.end() ? known->text : kStartAgain;
+  return known != kRemedies.end() ? known->text : otherwise;
+}
+
+std::string remedy_for(const Failure& failure) { return remedy_for(failure, kStartAgain); }
+
+Notice refusal_for(eConnection connection) {
+  return {"not while no scanner captures", connection == eConnection::Missing
+                                               ? "plug one in; the picture comes by itself"
+                                               : kStartAgain};
+}
+
+Notice warning_of(const std::string& text) {
+  return {text, "nothing now, capture goes on; if it comes again, press Enter to start again"};
 }
 
 }  // namespace hvk3::view

@@ -86,4 +86,13 @@ bool is_live(eState state);
 /// What to do about a failure.
 std::string remedy_for(const Failure& failure);
 
+/// @param otherwise is what to do when nothing better is known
+std::string remedy_for(const Failure& failure, const std::string& otherwise);
+
+/// What is told when that can't be done which needs a scanner that captures.
+Notice refusal_for(eConnection connection);
+
+/// Capture goes on behind a warning.
+Notice warning_of(const std::string& text);
+
 }  // namespace hvk3::view
