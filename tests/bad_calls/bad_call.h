@@ -99,6 +99,9 @@ struct BadCall {
   /// What an exported function, which looks for the frame grabber itself, returns without one.
   /// Nothing for an operation of the interface.
   std::optional<unsigned long> without_frame_grabber = std::nullopt;
+
+  /// Of an exported function.
+  const char* symbol = nullptr;
 };
 
 using BadCalls = std::vector<BadCall>;
@@ -130,6 +133,8 @@ BadCalls properties();
 BadCalls operations_that_are_missing();
 BadCalls feature_reads();
 BadCalls feature_writes();
+BadCalls records_and_numbers();
+BadCalls frame_grabbers();
 
 /// Good ones, for when there is no scanner.
 BadCalls calls_that_need_a_scanner();

@@ -78,9 +78,10 @@ void add_channels(BadCalls& calls, Access access) {
 }
 
 /// These functions are all exported ones.
-BadCalls exported(BadCalls calls) {
+BadCalls exported(BadCalls calls, const char* symbol) {
   for (BadCall& call : calls) {
     call.without_frame_grabber = kNoFrameGrabber;
+    call.symbol = symbol;
   }
   return calls;
 }
@@ -178,7 +179,7 @@ BadCalls feature_reads() {
   calls.push_back(read_row({55}, 1, writes(1)));
   calls.push_back(read_row({55}, kHuge, writes(1)));
   calls.push_back(behind_opening("reading 55 with no room", &read_into_new_memory, writes(1), 0));
-  return exported(calls);
+  return exported(calls, lx::symbol::GetFeature);
 }
 
 BadCalls feature_writes() {
@@ -195,7 +196,7 @@ BadCalls feature_writes() {
   add_written_bytes(calls, 54, kBoth);
   calls.push_back(with_wrong_code(write_row({54}, kBoth, {}), "SaveSecret7Bytes"));
   add_written_formats(calls);
-  return exported(calls);
+  return exported(calls, lx::symbol::SetFeature);
 }
 
 }  // namespace Osv::bad_calls

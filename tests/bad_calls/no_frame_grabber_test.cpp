@@ -16,7 +16,7 @@ using lx::error_number::BufferTooSmall;
 using lx::error_number::ReportedBit;
 
 /// A client without a frame grabber: not yet got, or given back.
-class Without : public MakingBadCalls, public ::testing::WithParamInterface<Table> {
+class Without : public MakingBadCalls {
  protected:
   Without() { disconnect(); }
 
@@ -33,7 +33,7 @@ class Without : public MakingBadCalls, public ::testing::WithParamInterface<Tabl
   }
 };
 
-class WithoutAFrameGrabber : public Without {};
+class WithoutAFrameGrabber : public Without, public ::testing::WithParamInterface<Table> {};
 
 TEST_P(WithoutAFrameGrabber, ExportedFunctionsChangeNothingAndStoreNoText) {
   test::StubFramegrabber nobody;
@@ -66,7 +66,10 @@ class WithAnObjectInItsPlace : public Without {
   const std::string failure = std::strerror(EAGAIN);
 };
 
-TEST_P(WithAnObjectInItsPlace, EveryOperationGivesItsNumberAndChangesNothing) {
+class ACallWithAnObjectInItsPlace : public WithAnObjectInItsPlace,
+                                    public ::testing::WithParamInterface<Table> {};
+
+TEST_P(ACallWithAnObjectInItsPlace, GivesItsNumberAndChangesNothing) {
   std::string text(failure.size() + 2, 'x');
   for (const BadCall& call : GetParam().calls()) {
     make(call, *grabber, call.without_frame_grabber.value_or(ReportedBit | EAGAIN));
@@ -77,10 +80,36 @@ TEST_P(WithAnObjectInItsPlace, EveryOperationGivesItsNumberAndChangesNothing) {
   EXPECT_EQ(plugin.pointer("m_pDummy"), grabber);
 }
 
-class TheTextOfTheObjectInItsPlace : public WithAnObjectInItsPlace {};
+using AFrameGrabberThatIsNotThere = Without;
+
+TEST_F(AFrameGrabberThatIsNotThere, IsDestroyedAgainWithoutAnEffect) {
+  const State before = scanner_state();
+  plugin.destroy();
+  plugin.destroy();
+  EXPECT_EQ(plugin.pointer("m_pFG"), nullptr);
+  EXPECT_EQ(plugin.pointer("m_pDummy"), nullptr);
+  EXPECT_EQ(scanner_state(), before);
+  connect();
+  EXPECT_EQ(last_text(), "");
+}
+
+TEST_F(WithAnObjectInItsPlace, TheNextCallMakesTheFrameGrabberAndTheObjectStaysUntilTheEnd) {
+  lx::ClFramegrabber* const made = &plugin.grabber();
+  EXPECT_NE(made, grabber);
+  EXPECT_EQ(plugin.pointer("m_pFG"), made);
+  EXPECT_EQ(plugin.pointer("m_pDummy"), grabber);
+}
+
+TEST_F(WithAnObjectInItsPlace, TheObjectIsDestroyedOnceAndThenThereIsNothingToDestroy) {
+  plugin.destroy();
+  grabber = nullptr;
+  plugin.destroy();
+  EXPECT_EQ(plugin.pointer("m_pFG"), nullptr);
+  EXPECT_EQ(plugin.pointer("m_pDummy"), nullptr);
+}
 
 // As much room as there is no memory for is a lie that ends badly: all of the room is zeroed.
-TEST_P(TheTextOfTheObjectInItsPlace, NeedsOneByteMoreThanItsEnd) {
+TEST_F(WithAnObjectInItsPlace, ItsTextNeedsOneByteMoreThanItsEnd) {
   std::string text(failure.size() + 3, 'x');
   for (const unsigned long small : {0UL, 1UL, failure.size(), failure.size() + 1}) {
     EXPECT_EQ(ask(nullptr, small, ReportedBit | BufferTooSmall), failure.size());
@@ -111,10 +140,8 @@ std::string name_of(const ::testing::TestParamInfo<Table>& info) { return info.p
 
 INSTANTIATE_TEST_SUITE_P(Any, WithoutAFrameGrabber,
                          ::testing::ValuesIn(tables(&has_exported_functions)), name_of);
-INSTANTIATE_TEST_SUITE_P(Any, WithAnObjectInItsPlace,
+INSTANTIATE_TEST_SUITE_P(Any, ACallWithAnObjectInItsPlace,
                          ::testing::ValuesIn(tables(std::not_fn(&has_own_rule))), name_of);
-INSTANTIATE_TEST_SUITE_P(Any, TheTextOfTheObjectInItsPlace,
-                         ::testing::ValuesIn(tables(&has_own_rule)), name_of);
 
 }  // namespace
 }  // namespace Osv::bad_calls

@@ -159,10 +159,11 @@ void add_contamination(BadCalls& calls) {
                    kIncorrectChannel});
 }
 
-BadCall exported_row(std::string what, std::function<unsigned long(Hands&)> call,
-                     const Answer& answer) {
+BadCall frame_information_row(std::string what, std::function<unsigned long(Hands&)> call,
+                              const Answer& answer) {
   BadCall row = {std::move(what), std::move(call), answer};
   row.without_frame_grabber = kNoFrameGrabber;
+  row.symbol = lx::symbol::CurrentFrameInfo;
   return row;
 }
 
@@ -184,15 +185,17 @@ void add_frame_information(BadCalls& calls) {
       "The frame information type ID[4294967295] isn't supported by the frame grabber";
   const Answer null = reported(NullPointer, "");
   for (const unsigned int type : {0U, 1U, 2U, kAllBits}) {
-    calls.push_back(exported_row("frame information into nothing of type " + std::to_string(type),
-                                 exported(type, true), null));
+    calls.push_back(
+        frame_information_row("frame information into nothing of type " + std::to_string(type),
+                              exported(type, true), null));
     calls.push_back({numbered("the interface's frame information into nothing of type", type),
                      inherited(type, true), throws_without_number()});
   }
-  calls.push_back(exported_row("frame information of type 2", exported(2, false),
-                               reported(FrameInfoType, type_text)));
-  calls.push_back(exported_row("frame information of the last type", exported(kAllBits, false),
-                               reported(FrameInfoType, last_text)));
+  calls.push_back(frame_information_row("frame information of type 2", exported(2, false),
+                                        reported(FrameInfoType, type_text)));
+  calls.push_back(frame_information_row("frame information of the last type",
+                                        exported(kAllBits, false),
+                                        reported(FrameInfoType, last_text)));
   calls.push_back({"the interface's frame information of type 2", inherited(2, false),
                    throws_without_number()});
 }
@@ -287,6 +290,7 @@ BadCalls images() {
   add(calls, "giving no memory back", [](Hands& hands) { return hands.plugin.free()(nullptr); },
       {});
   calls.back().without_frame_grabber = 0;
+  calls.back().symbol = lx::symbol::Free;
   for (const unsigned int channel : {0U, kChannel, 2U, kAllBits}) {
     add(
         calls, numbered("an image into nothing of channel", channel),

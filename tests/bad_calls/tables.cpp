@@ -15,7 +15,9 @@ const std::vector<Table>& all_tables() {
       {.name = "Properties", .calls = &properties},
       {.name = "MissingOperations", .calls = &operations_that_are_missing},
       {.name = "FeatureReads", .calls = &feature_reads},
-      {.name = "FeatureWrites", .calls = &feature_writes}};
+      {.name = "FeatureWrites", .calls = &feature_writes},
+      {.name = "RecordsAndNumbers", .calls = &records_and_numbers, .knows_no_situation = true},
+      {.name = "FrameGrabbers", .calls = &frame_grabbers, .own_rule_without_frame_grabber = true}};
   return tables;
 }
 

@@ -6,13 +6,16 @@
 #include "bad_calls/bad_call.h"
 
 /// @file
-/// All tables of bad calls. Each is gone through in every situation, and with no frame grabber.
+/// All tables of bad calls. Each is gone through in every situation that means something to it, and
+/// with no frame grabber.
 ///
 /// Every operation, exported function and feature of the scanner stands in one of them with what it
 /// can be given wrongly: null, too small, exactly fitting and huge where it takes a buffer, numbers
 /// that are none of its enumeration, channels that there aren't. Good calls have no row, since they
 /// do change something: an image taken, a capture started, a code or format written as it should
-/// be, and a property set, which takes every number.
+/// be, and a property set, which takes every number. No row gives null to the functions on records,
+/// which document that they take none. `DestroyFrameGrabber`, which has no argument, is called
+/// where there is nothing to destroy: by the tests without a frame grabber.
 
 namespace Osv::bad_calls {
 
@@ -23,8 +26,12 @@ struct Table {
   /// Elsewhere they are good calls, which start a capture.
   bool only_while_capturing = false;
 
+  /// They look at nothing but their arguments. A situation in which each look at the state takes
+  /// its time tells nothing new of them: a new frame grabber for each row, a lock that frames hold.
+  bool knows_no_situation = false;
+
   /// The object that stands for a frame grabber that couldn't be made has a rule of its own for
-  /// them.
+  /// them, and so a test of its own.
   bool own_rule_without_frame_grabber = false;
 };
 

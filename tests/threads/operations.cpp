@@ -5,6 +5,7 @@
 #include "client/client_fixture.h"
 #include "ostrevanhvk3/feature.h"
 #include "ostrevanhvk3/feature_schema.h"
+#include "ostrevanhvk3/image_block.h"
 #include "support/module_failure.h"
 
 namespace Osv::threads {
@@ -200,6 +201,68 @@ unsigned long destroy_frame_grabber(const Caller& c) {
   return c.plugin.pointer("m_pFG") == &c.grabber ? 0 : 1;
 }
 
+unsigned long get_schema(const Caller& c) {
+  osvlx3_feature_schema schema{};
+  c.plugin.function<lx::GetFeatureSchemaFunction>(lx::symbol::GetFeatureSchema)(12, schema, true);
+  c.plugin.free()(schema.values);
+  return schema.condition;
+}
+
+unsigned long copy_schema(const Caller& c) {
+  const osvlx3_feature_schema schema{};
+  osvlx3_feature_schema* copy = nullptr;
+  c.plugin.function<lx::CopyFeatures1Function>(lx::symbol::CopyFeatures1)(&schema, 1, &copy);
+  c.plugin.free()(copy);
+  return copy == nullptr ? 1 : 0;
+}
+
+unsigned long make_unit(const Caller& c) {
+  const DeviceInfo device{};
+  osvlx3_unit_schema unit{};
+  c.plugin.function<lx::DeviceToUnitFunction>(lx::symbol::DeviceToUnit)(device, unit, 3);
+  return unit.channels;
+}
+
+unsigned long make_device(const Caller& c) {
+  osvlx3_unit_schema unit{};
+  unit.id = 5;
+  DeviceInfo device{};
+  c.plugin.function<lx::UnitToDeviceFunction>(lx::symbol::UnitToDevice)(unit, device);
+  return device.nInterface;
+}
+
+/// An envelope around an image without pixels.
+unsigned long make_envelope(const Caller& c) {
+  const tagBITMAPINFOHEADER header = {sizeof(tagBITMAPINFOHEADER), 0, 0, 1, 8, 0, 0, 0, 0, 0, 0};
+  osvlx3_biometric_data data{};
+  c.plugin.function<lx::ImageToBiodataFunction>(lx::symbol::ImageToBiodata)(
+      reinterpret_cast<const unsigned char*>(&header), &data);
+  c.plugin.free()(data.data);
+  return data.size;
+}
+
+template <unsigned short Version>
+unsigned long version_text(const Caller& c) {
+  return testing_support::module_number(
+      [&] { c.plugin.function<lx::VersionTextFunction>(lx::symbol::VersionText)(Version); });
+}
+
+/// Each of the questions about a set of options, a bit for each yes.
+unsigned long capture_options(const Caller& c) {
+  unsigned long answers = 0;
+  for (const char* const symbol :
+       {lx::symbol::IsLiveMode, lx::symbol::IsPlainMode, lx::symbol::IsPreviewMode,
+        lx::symbol::IsPreviewAutoDetectMode, lx::symbol::IsRollMode, lx::symbol::IsSignatureMode}) {
+    const bool answer = c.plugin.function<lx::CaptureOptionFunction>(symbol)(0x7F);
+    answers = 2 * answers + (answer ? 1 : 0);
+  }
+  return answers;
+}
+
+unsigned long capture_mode(const Caller& c) {
+  return c.plugin.function<lx::CaptureModeFunction>(lx::symbol::CaptureMode)(0x10);
+}
+
 unsigned long start_capture(const Caller& c) {
   return c.grabber.StartCapture(kHandle, kChannel, eCaptureLive, nullptr, nullptr, nullptr, nullptr,
                                 c.user);
@@ -296,6 +359,15 @@ const std::vector<Operation>& operations() {
       {"LXSP_GetFeature 99", kEverybody, kNothing, get_bytes<99, 1>, 12},
       {"LXSP_SetFeature 99", kEverybody, kNothing, set_bytes<99, 1>, 12},
       {"LXSP_Free", kEverybody, kNothing, free_nothing, 0},
+      {"GetFeatureSchema", kEverybody, kNothing, get_schema, 1},
+      {"CopyFeatures1", kEverybody, kNothing, copy_schema, 0},
+      {"dev_info2unit_schema", kEverybody, kNothing, make_unit, 3},
+      {"unit_schema2dev_info", kEverybody, kNothing, make_device, 5},
+      {"image2biodata", kEverybody, kNothing, make_envelope, 48},
+      {"infver2str", kEverybody, kNothing, version_text<513>, 0},
+      {"infver2str, unknown", kEverybody, kNothing, version_text<512>, 74},
+      {"is...Mode", kEverybody, kNothing, capture_options, 0b101111},
+      {"CapOption2CapMode", kEverybody, kNothing, capture_mode, eCapturePreview},
       {"GetFrameGrabber", kOne, kNothing, get_frame_grabber, 0},
       {"DestroyFrameGrabber", kOne, kFrame, destroy_frame_grabber, 0},
       {"StartCapture", kOne, kNothing, start_capture, kReported | 77},

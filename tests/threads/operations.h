@@ -6,7 +6,7 @@
 #include "ostrevanhvk3/callbacks.h"
 
 /// @file
-/// Every operation of the interface, as a list.
+/// Every operation of the interface and every exported function, as a list.
 
 namespace Osv::threads {
 
