@@ -21,6 +21,21 @@ TEST_F(Scanner, IsChosenOneAfterTheOther) {
   press("Tab", "started 0 HVK30001");
 }
 
+TEST_F(Scanner, ThatIsAnotherOneBeginsEmptyAndUnfrozen) {
+  start_capturing({"--scanners", "2"});
+  say("finger on");
+  wait_for("settled");
+  press("space", "frozen");
+  say("finger off\nfault ftrScanGetImageByVariableDose always blocks until told");
+  press("Tab", "started 1 HVK30002");
+  const Picture seen = picture();
+  EXPECT_EQ(seen.turns(layout().live.picture), 1);  // all of it is dark
+  EXPECT_EQ(seen.turns(layout().kept.picture), 1);
+  EXPECT_EQ(state_of(seen), kBlue);
+  say("faults off");
+  wait_for("live");
+}
+
 TEST_F(Scanner, HasNoSuccessorWhenItIsAlone) {
   start_capturing();
   press("Tab", "no other scanner");

@@ -46,6 +46,12 @@ TEST(ViewerState, SaysThatTheScannerIsMissingWhateverIsSwitched) {
   EXPECT_EQ(state_of(status), eState::Missing);
 }
 
+TEST(ViewerState, CallsAnImageLiveOnlyWhileItIs) {
+  EXPECT_STREQ(view::title_for(eState::Waiting), "Live image");
+  EXPECT_STREQ(view::title_for(eState::Frozen), "Frozen image");
+  EXPECT_STREQ(view::title_for(eState::Missing), "Last image");
+}
+
 TEST(ViewerState, HasWordsAndAWayOnForAll) {
   for (int state = 0; state <= static_cast<int>(eState::Failed); ++state) {
     const view::StateWords words = view::words_for(static_cast<eState>(state));

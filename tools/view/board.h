@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <memory>
 #include <mutex>
 
 #include "hvk3/image.h"
@@ -23,8 +24,11 @@ struct Kept {
 /// Whoever writes waits for no drawing: the window takes what is there and draws it afterwards.
 class Board {
  public:
-  Mailbox<Image> live;
-  Mailbox<Kept> kept;
+  /// @name A null pointer empties the pane
+  /// @{
+  Mailbox<std::unique_ptr<Image>> live;
+  Mailbox<std::unique_ptr<Kept>> kept;
+  /// @}
 
   Status status() const {
     const std::lock_guard<std::mutex> lock(m_cLock);

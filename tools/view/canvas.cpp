@@ -101,7 +101,7 @@ void GrayTexture::update(Canvas& canvas, const Image& image) {
   const Osv::lx::ImageView view = image.view();
   const int width = static_cast<int>(view.width());
   const int height = static_cast<int>(view.height());
-  if (width != m_nWidth || height != m_nHeight) {
+  if (is_empty() || width != m_nWidth || height != m_nHeight) {
     m_pTexture.reset(SDL_CreateTexture(canvas.renderer(), SDL_PIXELFORMAT_ARGB8888,
                                        SDL_TEXTUREACCESS_STREAMING, width, height));
     m_nWidth = width;

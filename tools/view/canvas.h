@@ -73,6 +73,8 @@ class GrayTexture {
   /// @throws Failure `OutputFailed`
   void update(Canvas& canvas, const Image& image);
 
+  void clear() { m_pTexture.reset(); }
+
   bool is_empty() const { return m_pTexture == nullptr; }
 
   /// As large as it fits.

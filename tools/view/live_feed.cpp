@@ -1,5 +1,6 @@
 #include "view/live_feed.h"
 
+#include <memory>
 #include <utility>
 
 #include "hvk3/scanner.h"
@@ -54,7 +55,7 @@ void LiveFeed::take_frame(const unsigned char* image) {
   if (!std::exchange(m_bFinger, false) && m_bTouching) {  // the frame before showed none
     end_touch();
   }
-  m_cBoard.live.put(Image(image));
+  m_cBoard.live.put(std::make_unique<Image>(image));
   m_cBoard.update([&](Status& status) {
     ++status.frames;
     status.rate.add(FrameRate::Clock::now());
@@ -99,7 +100,7 @@ void LiveFeed::take_finger(const unsigned char* image) {
   });
   if (settled) {
     const bool fake = end_row();
-    m_cBoard.kept.put({std::move(*settled), false, m_nTouch, fake});
+    m_cBoard.kept.put(std::make_unique<Kept>(Kept{std::move(*settled), false, m_nTouch, fake}));
     m_cEvents.tell(fake ? "settled fake" : "settled");
   }
 }

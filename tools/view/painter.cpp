@@ -75,6 +75,14 @@ std::string rate_words(const Status& status, eState state) {
 
 }  // namespace
 
+void Painter::set(GrayTexture& texture, const Image* image) {
+  if (image) {
+    texture.update(m_cCanvas, *image);
+  } else {
+    texture.clear();
+  }
+}
+
 void Painter::paint(const View& view, const Layout& layout) {
   m_cCanvas.clear(kBackground);
   paint_header(view, layout.header);
@@ -121,8 +129,8 @@ void Painter::paint_live(const View& view, const Pane& pane) {
   const eState state = state_of(view.status);
   const bool old = !is_live(state) && state != eState::Frozen;
   const bool settling = state == eState::Finger && view.status.settle > 0;
-  m_cCanvas.text(pane.title, old && !m_cLive.is_empty() ? "Last image" : "Live image",
-                 eFont::Normal, kText);
+  m_cCanvas.text(pane.title, m_cLive.is_empty() ? "Live image" : title_for(state), eFont::Normal,
+                 kText);
   if (settling) {
     m_cCanvas.text(pane.title, "settling, " + std::to_string(view.status.settle) + " images",
                    eFont::Small, kFaint, eAlign::Right);

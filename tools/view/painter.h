@@ -28,13 +28,17 @@ class Painter {
 
   Canvas& canvas() { return m_cCanvas; }
 
-  void set_live(const Image& image) { m_cLive.update(m_cCanvas, image); }
-  void set_kept(const Image& image) { m_cKept.update(m_cCanvas, image); }
+  /// @name The images; null for none
+  /// @{
+  void set_live(const Image* image) { set(m_cLive, image); }
+  void set_kept(const Image* image) { set(m_cKept, image); }
+  /// @}
 
   /// Draws everything; `canvas().show()` brings it on the screen.
   void paint(const View& view, const Layout& layout);
 
  private:
+  void set(GrayTexture& texture, const Image* image);
   void paint_header(const View& view, const SDL_Rect& area);
   void paint_live(const View& view, const Pane& pane);
   void paint_kept(const View& view, const Pane& pane);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <iomanip>
+#include <memory>
 #include <sstream>
 #include <utility>
 
@@ -65,10 +66,7 @@ void ScannerDesk::open() {
 void ScannerDesk::begin() {
   try {
     const ListedScanner scanner = choose_scanner(grabber(), m_nWanted);
-    m_cBoard.update([&](Status& status) {
-      status.scanner = scanner;
-      status.notice = {};
-    });
+    turn_to(scanner);
     look_for_scanners();
     m_cFeed.emplace(m_cContext.plugin(), m_cBoard, m_cEvents, m_cWakeup,
                     m_cContext.options().settle);
@@ -83,6 +81,24 @@ void ScannerDesk::begin() {
                    scanner.serial);
   } catch (const Failure& failure) {
     lose(failure);
+  }
+}
+
+/// No image of another scanner is taken for this one's, and none is kept on the screen by freezing.
+void ScannerDesk::turn_to(const ListedScanner& scanner) {
+  const std::optional<ListedScanner> before = m_cBoard.status().scanner;
+  m_cBoard.update([&](Status& status) {
+    status.scanner = scanner;
+    status.notice = {};
+  });
+  if (!before || before->serial == scanner.serial) {
+    return;
+  }
+  m_cBoard.live.put(nullptr);
+  m_cBoard.kept.put(nullptr);
+  if (m_cWanted) {
+    m_cWanted->frozen = false;
+    m_cBoard.update([](Status& status) { status.switches.frozen = false; });
   }
 }
 
@@ -270,7 +286,8 @@ void ScannerDesk::snap() {
   std::ostringstream text;
   text << "image of " << image.view().width() << " x " << image.view().height()
        << " pixels taken; S saves it";
-  m_cBoard.kept.put({std::move(image), true, m_cBoard.status().touch, m_cFeed->took_fake()});
+  m_cBoard.kept.put(std::make_unique<Kept>(
+      Kept{std::move(image), true, m_cBoard.status().touch, m_cFeed->took_fake()}));
   tell(text.str(), "snap");
 }
 
@@ -319,7 +336,7 @@ void ScannerDesk::go_to_next_scanner() {
   });
   if (next != others.end()) {
     m_nWanted = next->interface;
-    m_cBoard.update([&](Status& status) { status.scanner = *next; });
+    turn_to(*next);
   }
   begin();
 }

@@ -40,6 +40,7 @@ class ScannerDesk {
 
  private:
   void begin();
+  void turn_to(const ListedScanner& scanner);
   void look_at_scanner();
   void lose(const Failure& failure);
   void part_from_scanner();

@@ -81,6 +81,13 @@ bool is_live(eState state) {
          state == eState::NoDetection;
 }
 
+const char* title_for(eState state) {
+  if (state == eState::Frozen) {
+    return "Frozen image";
+  }
+  return is_live(state) ? "Live image" : "Last image";
+}
+
 std::string remedy_for(const Failure& failure, const std::string& otherwise) {
   if (failure.status() == ExitStatus::PluginUnavailable) {
     return "install it where the loader looks, or name it with --plugin";

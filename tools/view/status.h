@@ -83,6 +83,9 @@ StateWords words_for(eState state);
 /// Without a newer image than that the picture of this state may be of long ago.
 bool is_live(eState state);
 
+/// What the newest image is called in this state.
+const char* title_for(eState state);
+
 /// What to do about a failure.
 std::string remedy_for(const Failure& failure);
 

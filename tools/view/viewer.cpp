@@ -111,14 +111,14 @@ void Viewer::begin_to_end() {
 
 void Viewer::save() {
   take_images();
-  if (!m_cKept) {
+  if (!m_pKept) {
     tell({"nothing to save yet", "lay a finger on the platen until it has settled, or press N"});
     m_cEvents.tell("nothing to save");
     return;
   }
   try {
     const std::string path = free_path(m_cOptions.out);
-    write_image(m_cKept->image, path);
+    write_image(m_pKept->image, path);
     tell({"saved as " + path, ""});
     m_cEvents.tell("saved " + path);
   } catch (const Failure& failure) {
@@ -146,19 +146,29 @@ void Viewer::tell(const Notice& notice) {
 
 /// A snap stays until another finger has settled.
 void Viewer::take_images() {
-  if (const std::optional<Image> live = m_cBoard.live.take()) {
-    m_cPainter.set_live(*live);
+  if (const auto live = m_cBoard.live.take()) {
+    m_cPainter.set_live(live->get());
     m_bDirty = true;
   }
-  std::optional<Kept> kept = m_cBoard.kept.take();
-  if (!kept || (m_cKept && m_cKept->snap && !kept->snap && kept->touch == m_cKept->touch)) {
+  auto kept = m_cBoard.kept.take();
+  const bool finger = kept && *kept && !(*kept)->snap;
+  if (!kept || (finger && m_pKept && m_pKept->snap && (*kept)->touch == m_pKept->touch)) {
     return;
   }
-  m_cPainter.set_kept(kept->image);
-  m_cView.kept_title = kept->snap ? "Snap" : "Settled finger " + std::to_string(kept->touch);
-  m_cView.kept_fake = kept->fake;
-  m_cKept = std::move(kept);
+  m_pKept = *std::move(kept);
+  name_kept();
+  m_cPainter.set_kept(m_pKept ? &m_pKept->image : nullptr);
   m_bDirty = true;
+}
+
+void Viewer::name_kept() {
+  m_cView.kept_fake = m_pKept && m_pKept->fake;
+  if (!m_pKept) {
+    m_cView.kept_title.clear();
+  } else {
+    m_cView.kept_title =
+        m_pKept->snap ? "Snap" : "Settled finger " + std::to_string(m_pKept->touch);
+  }
 }
 
 /// A scanner that hangs has to be seen too, so something is drawn now and then.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -35,6 +36,7 @@ class Viewer {
   void save_window_picture();
   void tell(const Notice& notice);
   void take_images();
+  void name_kept();
   void draw_if_needed();
   void draw();
   Layout layout() const;
@@ -46,7 +48,7 @@ class Viewer {
   ScannerWorker& m_cWorker;
   EventLog& m_cEvents;
   View m_cView;
-  std::optional<Kept> m_cKept;
+  std::unique_ptr<Kept> m_pKept;
   bool m_bDirty = true;
   unsigned long m_nRevision = 0;
   FrameRate::Clock::time_point m_cDrawn = {};
