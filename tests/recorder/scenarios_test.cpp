@@ -129,6 +129,7 @@ TEST_F(Scenarios, GiveAClientTheSameCallbacks) {
   const std::string bench = HVK3_SIMULATOR_DIR "/libostrevan-simulator.so";
   const Outcome recorded = record_program({HVK3_SESSION_CLIENT, HVK3_PLUGIN, bench});
   EXPECT_THAT(recorded.out, HasSubstr("finger 1 "));
+  EXPECT_THAT(recorded.out, HasSubstr("freeze: 0\ngo on: 0\n"));
   const Outcome played = tool({"replay", recording(), "--", HVK3_SESSION_CLIENT, HVK3_PLUGIN});
   EXPECT_EQ(played.status, 0);
   EXPECT_EQ(played.out, recorded.out);

@@ -1,13 +1,14 @@
 // A client that has a session with the plug-in and prints every result and callback, images by a
 // check sum: session_client PLUGIN [BENCH]. With a bench the simulated scanner does not wait
-// between frames; without one the frame grabber is given back by the last destructor of the
-// process, when the stand-ins of a simulation would be gone.
+// between frames, and scanners come and go; without one the frame grabber is given back by the last
+// destructor of the process, when the stand-ins of a simulation would be gone.
 
 #include <dlfcn.h>
 
 #include <boost/crc.hpp>
 #include <condition_variable>
 #include <cstdio>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <utility>
@@ -19,7 +20,10 @@
 
 namespace {
 
+using Osv::simulator::Bench;
+
 constexpr unsigned int kChannel = 1;
+constexpr unsigned int kOther = 1;  // interface of the second scanner
 
 void print(const std::string& what) { std::printf("%s\n", what.c_str()); }
 
@@ -38,11 +42,20 @@ class Capture {
  public:
   explicit Capture(unsigned int wanted) : m_nWanted(wanted) {}
 
+  /// Freezes behind the first image until something was done.
+  Capture(Osv::lx::ClFramegrabber& grabber, unsigned int wanted, std::function<void()> meanwhile)
+      : m_pFreezing(&grabber), m_cMeanwhile(std::move(meanwhile)), m_nWanted(wanted) {}
+
   void run(Osv::lx::ClFramegrabber& grabber, eCaptureModeIDs mode) {
     grabber.SetCallbacks(kChannel, &started, nullptr);
     print("start", grabber.StartCapture(5, kChannel, mode, &live, &finger, &error, &error, this));
     {
       std::unique_lock<std::mutex> lock(m_cLock);
+      if (m_cMeanwhile) {
+        m_cEnough.wait(lock, [this] { return m_pFreezing == nullptr; });
+        m_cMeanwhile();
+        m_sLines += "go on: " + std::to_string(grabber.Freeze(kChannel, false)) + '\n';
+      }
       m_cEnough.wait(lock, [this] { return m_nWanted == 0; });
     }
     print(m_sLines + "stop", grabber.StopCapture(kChannel));
@@ -70,11 +83,17 @@ class Capture {
     }
     m_sLines += line + '\n';
     m_nWanted -= counts ? 1 : 0;
+    if (counts && m_pFreezing != nullptr) {
+      m_sLines += "freeze: " + std::to_string(m_pFreezing->Freeze(kChannel, true)) + '\n';
+      m_pFreezing = nullptr;
+    }
     m_cEnough.notify_one();
   }
 
   std::mutex m_cLock;
   std::condition_variable m_cEnough;
+  Osv::lx::ClFramegrabber* m_pFreezing = nullptr;
+  std::function<void()> m_cMeanwhile;
   unsigned int m_nWanted;
   std::string m_sLines;
 };
@@ -92,6 +111,13 @@ void print_image(Osv::lx::ClFramegrabber& grabber) {
     print(sum_of(image));
     grabber.FreeImage(image);
   }
+}
+
+void print_last_error(Osv::lx::ClFramegrabber& grabber) {
+  char text[1200] = "";
+  unsigned long size = sizeof(text);
+  print("last error", grabber.GetLastError(text, size));
+  print(text);
 }
 
 void have_session(Osv::lx::ClFramegrabber& grabber) {
@@ -115,9 +141,40 @@ void have_session(Osv::lx::ClFramegrabber& grabber) {
   double dirt = 0;
   print("dirt", grabber.ContaminationDetection(kChannel, &dirt));
   print(std::to_string(dirt));
-  size = sizeof(text);
-  print("last error", grabber.GetLastError(text, size));
-  print(text);
+  print_last_error(grabber);
+}
+
+/// Another scanner is chosen, and all are unplugged while it idles and while a capture is frozen.
+/// @param bench null when this is played
+void change_scanners(Osv::lx::ClFramegrabber& grabber, Bench* bench) {
+  const auto unplug = [bench] {
+    if (bench != nullptr) {
+      bench->unplug_all();
+    }
+  };
+  const auto plug_in = [bench] {
+    if (bench != nullptr) {
+      bench->plug_in_again(0);
+      bench->plug_in_again(kOther);
+    }
+  };
+  print("other scanner", grabber.SetActiveDevice(kOther));
+  print_image(grabber);
+  Capture(grabber, 4, [] {}).run(grabber, eCaptureLive);
+  unplug();
+  print_image(grabber);
+  print_last_error(grabber);
+  plug_in();
+  print("first scanner", grabber.SetActiveDevice(0));
+  print_image(grabber);
+  print("other scanner", grabber.SetActiveDevice(kOther));
+  print_image(grabber);
+  Capture(grabber, 2, unplug).run(grabber, eCaptureLive);
+  print_last_error(grabber);
+  plug_in();
+  print("absent scanner", grabber.SetActiveDevice(kOther + 1));
+  print("first scanner", grabber.SetActiveDevice(0));
+  print_image(grabber);
 }
 
 struct LastWill {
@@ -139,9 +196,15 @@ Function function(void* library, const char* name) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  Bench* bench = nullptr;
   if (argc > 2) {
-    void* const bench = dlopen(argv[2], RTLD_NOW);
-    function<decltype(&ostrevan_simulator_bench)>(bench, "ostrevan_simulator_bench")()->set_pace(0);
+    void* const library = dlopen(argv[2], RTLD_NOW);
+    bench = function<decltype(&ostrevan_simulator_bench)>(library, "ostrevan_simulator_bench")();
+    bench->set_pace(0);
+    Osv::simulator::Device other;
+    other.serial = "HVK30002";
+    other.seed = 2;
+    bench->plug_in(kOther, other);
   }
   void* const plugin = argc > 1 ? dlopen(argv[1], RTLD_NOW) : nullptr;
   if (plugin == nullptr) {
@@ -150,7 +213,9 @@ int main(int argc, char** argv) {
   namespace symbol = Osv::lx::symbol;
   g_cLastWill.destroy =
       function<Osv::lx::DestroyFrameGrabberFunction>(plugin, symbol::DestroyFrameGrabber);
-  have_session(*function<Osv::lx::GetFrameGrabberFunction>(plugin, symbol::GetFrameGrabber)());
+  auto& grabber = *function<Osv::lx::GetFrameGrabberFunction>(plugin, symbol::GetFrameGrabber)();
+  have_session(grabber);
+  change_scanners(grabber, bench);
   if (argc > 2) {
     std::exchange(g_cLastWill.destroy, nullptr)();
   }
