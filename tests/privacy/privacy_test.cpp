@@ -69,7 +69,7 @@ class TheLog : public simulator::SimulatorFixture {
   Lines lines_of_session(const ProtectedBytes& bytes, unsigned char bits = 0) {
     control<decltype(&privacy_change_pixels)>("privacy_change_pixels")(bits);
     bench.set_authorization_code(0, {});
-    run_whole_session(plugin, bench, bytes);
+    run_whole_session(plugin, bench, sleeps, bytes);
     Lines lines;
     control<decltype(&privacy_take_lines)>("privacy_take_lines")(&TheLog::take, &lines);
     return lines;

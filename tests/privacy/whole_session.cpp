@@ -9,6 +9,7 @@
 #include "client/recorder.h"
 #include "ostrevanhvk3/errors.h"
 #include "ostrevanhvk3/image_block.h"
+#include "support/sleeps.h"
 
 namespace Osv::privacy {
 namespace {
@@ -19,6 +20,7 @@ using simulator::SevenBytes;
 
 constexpr unsigned int kChannel = 1;
 constexpr int kHandle = 3;
+constexpr long kFreezePoll = 100'000'000;  // nanoseconds
 
 void require(bool good, const char* what) {
   if (!good) {
@@ -35,8 +37,13 @@ static_assert(sizeof(Both) == 14);
 
 class Session {
  public:
-  Session(const client::Plugin& plugin, simulator::Bench& bench, const ProtectedBytes& bytes)
-      : m_plugin(plugin), m_bench(bench), m_bytes(bytes), m_grabber(plugin.grabber()) {}
+  Session(const client::Plugin& plugin, simulator::Bench& bench, const test::Sleeps& sleeps,
+          const ProtectedBytes& bytes)
+      : m_plugin(plugin),
+        m_bench(bench),
+        m_sleeps(sleeps),
+        m_bytes(bytes),
+        m_grabber(plugin.grabber()) {}
 
   ~Session() {
     m_bench.clear_faults();
@@ -157,9 +164,11 @@ class Session {
   void capture_live() {
     start(eCaptureLive);
     await(eEvent::Live, 3, "live images");
+    const long polls = m_sleeps.nanosleeps(0, kFreezePoll);
     require(m_grabber.Freeze(kChannel, true) == 0, "Freeze");
+    require(m_sleeps.await_nanosleeps(0, kFreezePoll, polls + 1), "frozen");
     require(m_grabber.Freeze(kChannel, false) == 0, "Freeze");
-    await(eEvent::Live, 6, "live images after freezing");
+    require(m_recorder.wait_for_more(eEvent::Live, 3), "live images after freezing");
     stop();
   }
 
@@ -234,6 +243,7 @@ class Session {
 
   const client::Plugin& m_plugin;
   simulator::Bench& m_bench;
+  const test::Sleeps& m_sleeps;
   const ProtectedBytes& m_bytes;
   lx::ClFramegrabber& m_grabber;
   std::atomic<int> m_nEvents = 0;
@@ -243,8 +253,8 @@ class Session {
 }  // namespace
 
 void run_whole_session(const client::Plugin& plugin, simulator::Bench& bench,
-                       const ProtectedBytes& bytes) {
-  Session(plugin, bench, bytes).run();
+                       const test::Sleeps& sleeps, const ProtectedBytes& bytes) {
+  Session(plugin, bench, sleeps, bytes).run();
 }
 
 }  // namespace Osv::privacy

@@ -2,6 +2,7 @@
 
 #include "client/plugin.h"
 #include "ostrevanhvk3_simulator/bench.h"
+#include "support/sleeps.h"
 
 /// @file
 /// A session in which a client does everything that the plug-in can do.
@@ -20,6 +21,6 @@ struct ProtectedBytes {
 /// an unplugging and corrupt calibration data, and gives the frame grabber back.
 /// @throws std::runtime_error naming what did not come out as it should
 void run_whole_session(const client::Plugin& plugin, simulator::Bench& bench,
-                       const ProtectedBytes& bytes);
+                       const test::Sleeps& sleeps, const ProtectedBytes& bytes);
 
 }  // namespace Osv::privacy

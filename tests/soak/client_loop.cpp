@@ -11,6 +11,7 @@ constexpr int kHandle = 7;
 constexpr long kLiveFrames = 200;
 constexpr long kFingers = 40;
 constexpr unsigned long kNoScannerThere = 0x1000001B;
+constexpr long kFreezePoll = 100'000'000;  // nanoseconds
 
 /// Blocks until a counter has grown by so many.
 void await(const std::atomic<long>& counter, long more) {
@@ -36,10 +37,10 @@ ClientLoop::ClientLoop() : m_cBench(*ostrevan_simulator_bench()) {
 
 ClientLoop::~ClientLoop() { disconnect(); }
 
-void ClientLoop::round() {
+void ClientLoop::round(const test::Sleeps& sleeps) {
   live_capture();
   plain_capture();
-  freezing();
+  freezing(sleeps);
   unplugging();
   fake_fingers();
   idle_calls();
@@ -60,10 +61,15 @@ void ClientLoop::plain_capture() {
   stop();
 }
 
-void ClientLoop::freezing() {
+/// The worker looks at the freeze between two frames only: it is not over before it was seen.
+void ClientLoop::freezing(const test::Sleeps& sleeps) {
   start(eCaptureLive);
   await(m_nLive, 2);
+  const long polls = sleeps.nanosleeps(0, kFreezePoll);
   expect(m_pGrabber->Freeze(kChannel, true), 0, "Freeze");
+  if (!sleeps.await_nanosleeps(0, kFreezePoll, polls + 1)) {
+    throw std::runtime_error("A capture did not freeze.");
+  }
   expect(m_pGrabber->Freeze(kChannel, false), 0, "Freeze");
   await(m_nLive, 2);
   stop();

@@ -6,6 +6,7 @@
 #include "client/plugin.h"
 #include "ostrevanhvk3/framegrabber.h"
 #include "ostrevanhvk3_simulator/bench.h"
+#include "support/sleeps.h"
 
 /// @file
 /// A client that never tires.
@@ -24,7 +25,8 @@ class ClientLoop {
 
   /// Some hundred frames with all that can happen between them. Afterwards the client holds what it
   /// held before: the frame grabber, and one scanner open.
-  void round();
+  /// @param sleeps those of the round
+  void round(const test::Sleeps& sleeps);
 
   /// Images that the callbacks were given up to now.
   long frames() const { return m_nLive + m_nFinger; }
@@ -32,7 +34,7 @@ class ClientLoop {
  private:
   void live_capture();
   void plain_capture();
-  void freezing();
+  void freezing(const test::Sleeps& sleeps);
   void unplugging();
   void fake_fingers();
   void idle_calls();

@@ -28,7 +28,7 @@ int main(int count, char** arguments) {
         // Their records of a round end with it, so that only the plug-in's own memory is seen.
         const Osv::simulator::ClosedLibraries libraries;
         const Osv::test::Sleeps sleeps;
-        client.round();
+        client.round(sleeps);
       }
       const Osv::soak::Footprint now = Osv::soak::footprint(client.frames());
       std::cout << now.frames << ',' << now.resident << ',' << now.heap << ',' << now.blocks << ','
