@@ -29,7 +29,9 @@ extern "C" {
 /// the terminating zero and wants a buffer of at least that size plus 2.
 /// @return never null; owned by the plug-in until `DestroyFrameGrabber`
 /// @throws std::bad_alloc when there is no memory for that object either
-/// @note One client thread calls this and `DestroyFrameGrabber`, and no other is inside meanwhile.
+/// @note Any thread may call this while there is a frame grabber, and gets it without waiting. The
+///   call that builds one and `DestroyFrameGrabber` come from one client thread, and no other is
+///   inside meanwhile.
 OSTREVANHVK3_EXPORT Osv::lx::ClFramegrabber* GetFrameGrabber();
 
 /// Destroys the frame grabber and closes the scanner; does nothing without one.

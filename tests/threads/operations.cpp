@@ -368,7 +368,7 @@ const std::vector<Operation>& operations() {
       {"infver2str, unknown", kEverybody, kNothing, version_text<512>, 74},
       {"is...Mode", kEverybody, kNothing, capture_options, 0b101111},
       {"CapOption2CapMode", kEverybody, kNothing, capture_mode, eCapturePreview},
-      {"GetFrameGrabber", kOne, kNothing, get_frame_grabber, 0},
+      {"GetFrameGrabber", kEverybody, kNothing, get_frame_grabber, 0},
       {"DestroyFrameGrabber", kOne, kFrame, destroy_frame_grabber, 0},
       {"StartCapture", kOne, kNothing, start_capture, kReported | 77},
       {"StopCapture", kOne, kFrame, stop_capture, kRefusedInside},
