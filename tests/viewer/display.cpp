@@ -3,12 +3,15 @@
 #include <X11/XKBlib.h>
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
+#include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
 
 #include <csignal>
 #include <cstdlib>
 #include <stdexcept>
+#include <utility>
+#include <vector>
 
 namespace hvk3::test {
 namespace {
@@ -18,6 +21,10 @@ void check(bool good, const char* what) {
     throw std::runtime_error(what);
   }
 }
+
+struct ImageDeleter {
+  void operator()(XImage* image) const { XDestroyImage(image); }
+};
 
 /// The server tells the number of a free display.
 std::string start(Process& server) {
@@ -116,6 +123,28 @@ void Display::close_window() {
   event.xclient.data.l[0] = static_cast<long>(XInternAtom(display, "WM_DELETE_WINDOW", False));
   XSendEvent(display, event.xclient.window, False, NoEventMask, &event);
   XSync(display, False);
+}
+
+/// Of the screen, for the server draws there what a window shows.
+Picture Display::look() const {
+  ::Display* const display = m_pConnection->display;
+  XWindowAttributes window = {};
+  XGetWindowAttributes(display, m_pConnection->window(), &window);
+  const std::unique_ptr<XImage, ImageDeleter> image(
+      XGetImage(display, DefaultRootWindow(display), window.x, window.y,
+                static_cast<unsigned int>(window.width), static_cast<unsigned int>(window.height),
+                AllPlanes, ZPixmap));
+  check(image != nullptr, "the screen can't be read");
+  std::vector<unsigned char> pixels;
+  for (int y = 0; y < window.height; ++y) {
+    for (int x = 0; x < window.width; ++x) {
+      const unsigned long pixel = XGetPixel(image.get(), x, y);
+      for (const int shift : {16, 8, 0}) {  // depth 24: red, green, blue
+        pixels.push_back(static_cast<unsigned char>(pixel >> shift & 0xFFU));
+      }
+    }
+  }
+  return {window.width, window.height, std::move(pixels)};
 }
 
 void Display::hang() const { m_cServer.send(SIGSTOP); }

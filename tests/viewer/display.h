@@ -4,6 +4,7 @@
 #include <string>
 
 #include "support/process.h"
+#include "viewer/picture.h"
 
 /// @file
 /// A display of a test's own, and a user in front of it.
@@ -31,6 +32,9 @@ class Display {
   void click(const Place& in_window);
   void close_window();
   /// @}
+
+  /// What stands on the screen where the window is.
+  Picture look() const;
 
   /// Nothing is drawn until it is let go on.
   void hang() const;

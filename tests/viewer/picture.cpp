@@ -3,6 +3,7 @@
 #include <png.h>
 
 #include <stdexcept>
+#include <utility>
 
 namespace hvk3::test {
 namespace {
@@ -34,6 +35,9 @@ Picture::Picture(const std::string& png_path) {
     throw std::runtime_error(png_path + ": " + image.message);
   }
 }
+
+Picture::Picture(int width, int height, std::vector<unsigned char> pixels)
+    : m_nWidth(width), m_nHeight(height), m_vPixels(std::move(pixels)) {}
 
 Colour Picture::at(int x, int y) const {
   const auto place = static_cast<std::size_t>(y * m_nWidth + x) * 3;

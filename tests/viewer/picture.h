@@ -22,6 +22,9 @@ class Picture {
  public:
   explicit Picture(const std::string& png_path);
 
+  /// @param pixels rows from the top, 3 bytes a pixel: red, green, blue
+  Picture(int width, int height, std::vector<unsigned char> pixels);
+
   int width() const { return m_nWidth; }
   int height() const { return m_nHeight; }
 

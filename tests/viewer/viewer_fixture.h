@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <memory>
 #include <stdexcept>
@@ -88,6 +89,18 @@ class Viewer : public testing::Test {
   Picture picture() {
     press("F12", "window picture " + picture_path());
     return Picture(picture_path());
+  }
+
+  /// Looks at the screen until it shows this: what is drawn comes there some time later.
+  template <class Predicate>
+  bool screen_comes_to_show(Predicate predicate) const {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (std::chrono::steady_clock::now() < end) {
+      if (predicate(m_cDisplay.look())) {
+        return true;
+      }
+    }
+    return false;
   }
 
   /// The bar beside the state.

@@ -34,6 +34,19 @@ TEST_F(Window, ShowsTheSettledFingerBesideIt) {
   EXPECT_FALSE(shows_print(seen, layout().live));
 }
 
+TEST_F(Window, BringsThePrintOnTheScreen) {
+  start_capturing();
+  EXPECT_TRUE(screen_comes_to_show([](const Picture& seen) {
+    return state_of(seen) == kBlue && !shows_print(seen, layout().live) &&
+           !shows_print(seen, layout().kept);
+  }));
+  say("finger on");
+  EXPECT_TRUE(screen_comes_to_show([](const Picture& seen) {
+    return state_of(seen) == kGreen && shows_print(seen, layout().live) &&
+           shows_print(seen, layout().kept);
+  }));
+}
+
 TEST_F(Window, BeginsWithNothingBesideIt) {
   start_capturing();
   EXPECT_FALSE(shows_print(picture(), layout().kept));
