@@ -52,6 +52,7 @@ int Program::end_without_display() {
   m_cContext.reset();
   m_cConsole.message("error: the display has gone");
   m_cEvents.tell("quit");
+  m_cEvents.close();
   return static_cast<int>(ExitStatus::OutputFailed);
 }
 
