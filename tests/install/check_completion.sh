@@ -1,10 +1,13 @@
 #!/usr/bin/env bash
-# The installed completion knows the commands: check_completion.sh SCRIPT.
+# The installed completion offers these words for the last one of a command line:
+# check_completion.sh SCRIPT WORDS WORD...
 set -euo pipefail
 
-# shellcheck disable=SC1090 # made by the tool
-source "$1"
-complete -p hvk3
-export COMP_WORDS=(hvk3 li) COMP_CWORD=1
-_hvk3
-[ "${COMPREPLY[*]}" = "list liveness" ]
+script=$1 expected=$2
+shift 2
+# shellcheck disable=SC1090 # made of the program's command line
+source "$script"
+[[ $(complete -p "$1") =~ -F\ ([^ ]+) ]]
+export COMP_WORDS=("$@") COMP_CWORD=$(($# - 1))
+"${BASH_REMATCH[1]}"
+[ "${COMPREPLY[*]}" = "$expected" ]

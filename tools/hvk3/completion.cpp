@@ -1,6 +1,7 @@
 #include "hvk3/completion.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <map>
 #include <set>
 #include <vector>
@@ -10,8 +11,7 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-constexpr char kBegin[] = R"(# Completion of hvk3 for bash, as 'hvk3 completion bash' prints it.
-_hvk3() {
+constexpr char kBegin[] = R"(() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
   local path= words= word
   for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
@@ -27,7 +27,6 @@ constexpr char kWords[] = R"(  esac
 constexpr char kEnd[] = R"(  esac
   COMPREPLY=($(compgen -W "$words" -- "$current"))
 }
-complete -o default -F _hvk3 hvk3
 )";
 
 std::string join(const Words& words) {
@@ -118,9 +117,14 @@ void add(Tables& tables, const std::string& path, const CLI::App& app) {
 }  // namespace
 
 std::string bash_completion(const CLI::App& app) {
+  const std::string program = app.get_name();
+  std::string function = '_' + program;
+  std::replace(function.begin(), function.end(), '-', '_');
   Tables tables;
   add(tables, "", app);
-  return kBegin + tables.paths + kValues + value_cases(tables) + kWords + tables.words + kEnd;
+  return "# Completion of " + program + " for bash, made of its command line.\n" + function +
+         kBegin + tables.paths + kValues + value_cases(tables) + kWords + tables.words + kEnd +
+         "complete -o default -F " + function + ' ' + program + '\n';
 }
 
 }  // namespace hvk3
