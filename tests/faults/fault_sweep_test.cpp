@@ -43,7 +43,7 @@ class FaultSweep : public testing::TestWithParam<Scenario> {
   Sweep sweep{GetParam()};
 };
 
-TEST_P(FaultSweep, WithoutAFaultEverythingIsAsPredicted) { run({Attempt()}); }
+TEST_P(FaultSweep, WithoutAFaultEverythingIsAsPredicted) { run({{.in_order = true}}); }
 
 TEST_P(FaultSweep, AFaultOfAnyCallHasThePredictedEnd) {
   constexpr std::size_t kRuns = 30;
@@ -69,7 +69,9 @@ TEST(FaultSweepRuns, AreFiveThousandAndMoreInSixteenScenariosAndMore) {
   const simulator::ClosedLibraries libraries;
   std::size_t runs = 0;
   for (const Scenario& scenario : all_scenarios()) {
-    runs += Sweep(scenario).single_faults().size();
+    for (const Attempt& attempt : Sweep(scenario).single_faults()) {
+      runs += attempt.faults.front().lasting ? 0U : 1U;  // a lasting one may be the same again
+    }
   }
   EXPECT_GE(all_scenarios().size(), kScenarios);
   EXPECT_GE(runs, kRuns);
@@ -135,7 +137,15 @@ void make_runs(Sweep& sweep, const std::vector<Attempt>& runs, const Share& shar
                Figures& figures) {
   const std::size_t before = figures.runs;
   ++figures.scenarios;
+  if (share.part == 0) {
+    const std::string findings = sweep.findings_of({.in_order = true});
+    std::printf("%s", findings.c_str());
+    figures.findings += findings.empty() ? 0 : 1;
+  }
   for (std::size_t i = share.part; i < runs.size(); i += share.parts) {
+    if (sweep.is_repeat(runs[i])) {
+      continue;
+    }
     std::string findings = sweep.findings_of(runs[i]);
     if (runs[i].incident.has_value()) {
       findings += findings_of_unplugging(sweep.lines(), *runs[i].incident);

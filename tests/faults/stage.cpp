@@ -56,6 +56,27 @@ std::string check_counts(const Answers& answers) {
   return wrong;
 }
 
+std::string check_order(const Answers& answers) {
+  std::vector<std::string> made;
+  for (const simulator::Call& call : bench().calls()) {
+    if (is_counted(call.function)) {
+      made.push_back(call.function);
+    }
+  }
+  std::vector<std::string> predicted;
+  for (const simulator::eFunction function : answers.calls()) {
+    predicted.emplace_back(simulator::name_of(function));
+  }
+  const auto [own, other] =
+      std::mismatch(made.begin(), made.end(), predicted.begin(), predicted.end());
+  if (own == made.end() && other == predicted.end()) {
+    return "";
+  }
+  return "  call " + std::to_string(own - made.begin() + 1) + " was of " +
+         (own == made.end() ? "nothing" : *own) + " and not of " +
+         (other == predicted.end() ? "nothing" : *other) + "\n";
+}
+
 std::string check_census(const DriverModel& model) {
   const simulator::Census census = bench().census();
   std::string wrong;

@@ -26,6 +26,9 @@ unsigned int calls_made();
 /// The calls of which the plug-in made more or less than predicted.
 std::string check_counts(const Answers& answers);
 
+/// The first call, of those that were recorded, that is another than predicted.
+std::string check_order(const Answers& answers);
+
 /// What the plug-in holds of the libraries and should not, or has given back and should not have.
 std::string check_census(const DriverModel& model);
 

@@ -115,6 +115,23 @@ std::vector<Attempt> Sweep::double_faults() const {
   return runs;
 }
 
+bool Sweep::is_repeat(const Attempt& attempt) const {
+  DriverModel model(m_sScenario, m_dScore);
+  model.plan(attempt.faults);
+  for (int round = 0; round < (attempt.twice ? 2 : 1); ++round) {
+    for (const Step& step : m_sScenario.steps) {
+      model.run(step);
+    }
+  }
+  model.run({eStep::List});  // as the look at the locks does
+  model.destroy();
+  const Answers::Counts& counts = model.answers().counts();
+  return std::any_of(attempt.faults.begin(), attempt.faults.end(), [&](const Fault& fault) {
+    const unsigned int calls = counts[simulator::index_of(fault.function)];
+    return fault.lasting ? calls <= fault.first : calls < fault.first;
+  });
+}
+
 std::vector<Attempt> Sweep::unpluggings(eReturn comes_back) const {
   bool opening = true;
   std::vector<Attempt> runs = {{.incident = Incident{.comes_back = comes_back, .opening = true}}};
@@ -214,6 +231,7 @@ Sweep::Run Sweep::run(const Attempt& attempt) {
 std::string Sweep::pass(const Attempt& attempt) {
   lay_out(m_sScenario);
   DriverModel model(m_sScenario, m_dScore);
+  bench().record(attempt.in_order);
   bench().set_faults(in_words(attempt.faults));
   model.plan(attempt.faults);
   if (attempt.incident.has_value() && !attempt.incident->callback.has_value()) {
@@ -231,6 +249,7 @@ std::string Sweep::pass(const Attempt& attempt) {
   client.destroy();
   model.destroy();
   findings += check_counts(model.answers()) + check_census(model);
+  findings += attempt.in_order ? check_order(model.answers()) : "";
   if (client.stray_callbacks() != 0) {
     findings += "  callbacks came when nothing was captured\n";
   }

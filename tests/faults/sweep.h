@@ -21,7 +21,8 @@ namespace Osv::faults {
 struct Attempt {
   Faults faults = {};
   std::optional<Incident> incident = {};
-  bool twice = false;  ///< the steps once more on the same frame grabber
+  bool twice = false;     ///< the steps once more on the same frame grabber
+  bool in_order = false;  ///< its calls are compared one by one, not by their number only
 
   std::string in_words() const;
 };
@@ -29,7 +30,8 @@ struct Attempt {
 /// The faults of one scenario, and the runs with them. One at a time.
 class Sweep {
  public:
-  /// Runs the scenario without a fault, to learn its calls.
+  /// Learns the scenario's calls from the model. That the plug-in makes the same ones is what a run
+  /// without a fault and in order compares.
   explicit Sweep(const Scenario& scenario);
 
   const Scenario& scenario() const { return m_sScenario; }
@@ -46,6 +48,10 @@ class Sweep {
   /// An unplugging behind each call up to the end of the first capture, and inside each callback of
   /// it: the error's too, of a frame that fails otherwise.
   std::vector<Attempt> unpluggings(eReturn comes_back) const;
+
+  /// Whether a run is the same as another: its lasting fault meets one call only, or its second
+  /// fault none.
+  bool is_repeat(const Attempt& attempt) const;
 
   /// What the client had of the steps of the last run, fault-free ones left aside.
   const std::vector<std::string>& lines() const { return m_vLines; }
