@@ -184,12 +184,17 @@ void AllocationSweep::explain(const Step& step, const std::string& line,
 
 /// A lock that somebody still holds is one that another thread does not get.
 void AllocationSweep::check_locks(Client& client, Pass& pass) const {
-  const Step step = {faults::eStep::List};
-  const std::string line = client.run_elsewhere(step);
+  std::vector<std::string> lines;
+  for (const Step& step : faults::locking_steps()) {
+    lines.push_back(client.run_elsewhere(step));
+  }
   std::string findings;
   bool fits = false;
   for (DriverModel& model : pass.explanations) {
-    const std::string wrong = faults::difference(line, model.run(step));
+    std::string wrong;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+      wrong += faults::difference(lines[i], model.run(faults::locking_steps()[i]));
+    }
     fits = fits || wrong.empty();
     findings += wrong;
     model.destroy();

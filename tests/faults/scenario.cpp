@@ -131,6 +131,12 @@ const std::vector<Scenario>& unplugging_scenarios() {
   return all;
 }
 
+const std::vector<Step>& locking_steps() {
+  using enum eStep;
+  static const std::vector<Step> all = {{List}, {Snap}, {SetProperty, ePropLiveliness, 1}};
+  return all;
+}
+
 bool is_capture(const Step& step) {
   using enum eStep;
   switch (step.what) {

@@ -102,6 +102,10 @@ const std::vector<Scenario>& all_scenarios();
 /// twice, chooses another interface, and gets the frame grabber anew.
 const std::vector<Scenario>& unplugging_scenarios();
 
+/// What takes every lock of the plug-in: those of channel and callbacks, of the driver, its opening
+/// and the device, and those of engine and detector if there is one.
+const std::vector<Step>& locking_steps();
+
 /// The serial number of the scanner at an interface.
 std::string serial_of(unsigned int interface);
 

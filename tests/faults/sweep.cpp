@@ -179,9 +179,12 @@ std::string Sweep::do_steps(const Attempt& attempt, Client& client, DriverModel&
 
 /// A lock that somebody still holds is one that another thread does not get.
 std::string Sweep::check_locks(Client& client, DriverModel& model) {
-  const Step step = {eStep::List};
-  const std::string predicted = model.run(step);
-  return difference(client.run_elsewhere(step), predicted);
+  std::string findings;
+  for (const Step& step : locking_steps()) {
+    const std::string predicted = model.run(step);
+    findings += difference(client.run_elsewhere(step), predicted);
+  }
+  return findings;
 }
 
 std::string Attempt::in_words() const {
