@@ -10,12 +10,13 @@
 #include "libraries/detector_api.h"
 #include "libraries/scanner_api.h"
 #include "recorder/session/session.h"
+#include "support/memory.h"
 #include "support/recording_writer.h"
 #include "support/target.h"
 
 /// @file
-/// Answers of any kind, played to a client: each is taken or ends the replay, and no more is
-/// written than there is room for.
+/// Answers of any kind, played to a client: each is taken or ends the replay, no more is written
+/// than there is room for, and what a call that succeeds fills is filled.
 
 namespace Osv::fuzz {
 namespace {
@@ -33,23 +34,23 @@ class ThrowingEnding : public recorder::Ending {
   void damaged(const std::string& how) override { throw Ended(how); }
 };
 
-/// Memory for an answer, as large as it has to be and no larger.
+/// Memory for an answer, as large as it has to be and no larger, and as it was given out: bytes
+/// that the answer does not write show.
 class Room {
  public:
-  explicit Room(std::size_t size) : m_vBytes(size + kGuard.size()), m_nSize(size) {
-    std::copy(kGuard.begin(), kGuard.end(), m_vBytes.begin() + static_cast<std::ptrdiff_t>(size));
+  explicit Room(std::size_t size)
+      : m_pBytes(std::make_unique_for_overwrite<unsigned char[]>(size + kGuard.size())),
+        m_nSize(size) {
+    std::copy(kGuard.begin(), kGuard.end(), m_pBytes.get() + size);
   }
-  ~Room() noexcept(false) { examine(); }
+  ~Room() noexcept(false) {
+    require(std::equal(kGuard.begin(), kGuard.end(), m_pBytes.get() + m_nSize),
+            "an answer stays in its memory");
+  }
   Room(const Room&) = delete;
   Room& operator=(const Room&) = delete;
 
-  void examine() const {
-    require(std::equal(kGuard.begin(), kGuard.end(),
-                       m_vBytes.begin() + static_cast<std::ptrdiff_t>(m_nSize)),
-            "an answer stays in its memory");
-  }
-
-  unsigned char* bytes() { return m_vBytes.data(); }
+  unsigned char* bytes() { return m_pBytes.get(); }
   char* text() { return reinterpret_cast<char*>(bytes()); }
   template <class Record>
   Record* as() {
@@ -59,20 +60,25 @@ class Room {
  private:
   static constexpr std::array<unsigned char, 8> kGuard = {1, 2, 3, 4, 5, 6, 7, 8};
 
-  std::vector<unsigned char> m_vBytes;
+  std::unique_ptr<unsigned char[]> m_pBytes;
   std::size_t m_nSize;
 };
 
 constexpr std::size_t kRoom = 64;
 constexpr std::array<unsigned char, 4> kGiven = {1, 2, 3, 4};
 
-/// The client's handles, and its buffer for frames: made by the first size that an opening tells,
-/// and kept whatever it tells later.
+/// The client's handles, its word on the size of frames, which is the first that an opening tells
+/// whatever it tells later, and what calls that succeeded gave it.
 struct Client {
   void* scanner = nullptr;
   void* engine = nullptr;
   void* detector = nullptr;
-  std::unique_ptr<Room> frame;
+  std::size_t frame = 0;
+  std::vector<unsigned char> outputs = {};
+
+  void take(Room& room, std::size_t size) {
+    outputs.insert(outputs.end(), room.bytes(), room.bytes() + size);
+  }
 };
 
 /// The numbers that the handles are going to have, and whether images are recorded.
@@ -85,26 +91,29 @@ struct Numbers {
 
 void open(Client& client) {
   client.scanner = ftrScanOpenDeviceOnInterface(0);
-  client.frame.reset();
+  client.frame = 0;
 }
 
 void ask_for_size(Client& client) {
   Room room(sizeof(simulator::__FTRSCAN_IMAGE_SIZE));
   auto* const size = room.as<simulator::__FTRSCAN_IMAGE_SIZE>();
-  if (ftrScanGetImageSize(client.scanner, size) == 0 || client.frame != nullptr) {
+  if (ftrScanGetImageSize(client.scanner, size) == 0) {
     return;
   }
+  client.take(room, sizeof(*size));
   const std::int64_t pixels = std::int64_t{size->width} * size->height;
   constexpr std::int64_t kMost = 1 << 20;
-  if (pixels > 0 && size->width > 0 && pixels <= kMost) {
-    client.frame = std::make_unique<Room>(static_cast<std::size_t>(pixels));
+  if (client.frame == 0 && pixels > 0 && size->width > 0 && pixels <= kMost) {
+    client.frame = static_cast<std::size_t>(pixels);
   }
 }
 
 void take_frame(Client& client) {
-  if (client.frame != nullptr) {
-    ftrScanGetImageByVariableDose(client.scanner, 60, client.frame->bytes());
-    client.frame->examine();
+  if (client.frame != 0) {
+    Room frame(client.frame);
+    if (ftrScanGetImageByVariableDose(client.scanner, 60, frame.bytes()) != 0) {
+      client.take(frame, client.frame);
+    }
   }
 }
 
@@ -112,8 +121,10 @@ void calibrate(Client& client) {
   Room out(kRoom);
   unsigned long size = kRoom;
   auto given = kGiven;
-  Calibrate(client.engine, reinterpret_cast<tagBITMAPINFOHEADER*>(given.data()), given.size(),
-            out.as<tagBITMAPINFOHEADER>(), &size);
+  if (Calibrate(client.engine, reinterpret_cast<tagBITMAPINFOHEADER*>(given.data()), given.size(),
+                out.as<tagBITMAPINFOHEADER>(), &size) == 0) {
+    client.take(out, std::min<std::size_t>(size, kRoom));
+  }
 }
 
 Arguments calibrate_arguments(const Numbers& numbers) {
@@ -152,14 +163,19 @@ const std::array kOperations = {
               },
               [](Client& client) {
                 Room room(kRoom);
-                ftrScanRestoreExtMemory(client.scanner, room.bytes(), 0, kRoom);
+                if (ftrScanRestoreExtMemory(client.scanner, room.bytes(), 0, kRoom) != 0) {
+                  client.take(room, kRoom);
+                }
               }},
     Operation{
         eFunction::ftrScanGetSerialNumber,
         [](const Numbers& numbers) { return Arguments().handle(numbers.scanner).pointer(&kGiven); },
         [](Client& client) {
-          Room room(8);
-          ftrScanGetSerialNumber(client.scanner, room.bytes());
+          constexpr std::size_t kSerial = 8;
+          Room room(kSerial);
+          if (ftrScanGetSerialNumber(client.scanner, room.bytes()) != 0) {
+            client.take(room, kSerial);
+          }
         }},
     Operation{eFunction::ftrScanRestoreSecret7Bytes,
               [](const Numbers& numbers) {
@@ -203,7 +219,10 @@ const std::array kOperations = {
               },
               [](Client& client) {
                 Room room(sizeof(double));
-                FakeFingerDetectionEvaluateLiveliness(client.detector, room.as<double>());
+                if (FakeFingerDetectionEvaluateLiveliness(client.detector, room.as<double>()) ==
+                    0) {
+                  client.take(room, sizeof(double));
+                }
               }},
     Operation{
         eFunction::FakeFingerDetectionGetPropertyA,
@@ -259,6 +278,19 @@ void make(Client& client, const Operation& operation) {
   }
 }
 
+/// A whole replay. @return what the client was given
+std::vector<unsigned char> replayed(const std::string& path,
+                                    const std::vector<std::size_t>& operations) {
+  play(path);
+  Client client;
+  for (const std::size_t operation : operations) {
+    make(client, kOperations[operation]);
+  }
+  make(client, kOperations.front());
+  recorder::Session::get().player()->left_over();
+  return client.outputs;
+}
+
 }  // namespace
 
 /// Whether images are recorded, then operations, each with whether the client does another in its
@@ -276,13 +308,7 @@ void run(Input input) {
     record(writer, kOperations[operation], numbers, input);
     operations.push_back((operation + shift) % kOperations.size());
   }
-  play(writer.path());
-  Client client;
-  for (const std::size_t operation : operations) {
-    make(client, kOperations[operation]);
-  }
-  make(client, kOperations.front());
-  recorder::Session::get().player()->left_over();
+  written_whole([&] { return replayed(writer.path(), operations); });
 }
 
 }  // namespace Osv::fuzz

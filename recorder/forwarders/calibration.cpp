@@ -82,7 +82,7 @@ OSV_FORWARDER long Calibrate(void* handle, void* input, unsigned long input_size
         }
         if (output_size != nullptr && output != nullptr && code == 0) {
           const std::size_t size = std::min(*output_size, room);
-          answer.image(output, answer.is_played() ? 0 : front_of(output, size), size, room);
+          answer.image(output, answer.is_played() ? 0 : front_of(output, size), size, room, size);
         }
       });
 }

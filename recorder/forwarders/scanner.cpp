@@ -64,7 +64,7 @@ int frame_call(eFunction function, const Arguments& arguments, void* handle, voi
       throw RecordingEnds(
           "nobody asked the scanner for the size of its frames, or it is too large");
     }
-    answer.image(buffer, 0, size, size);
+    answer.image(buffer, 0, size, size, size);
   });
 }
 
@@ -261,7 +261,7 @@ OSV_FORWARDER int ftrScanRestoreExtMemory(void* handle, void* data, unsigned lon
       kFunction,
       arguments_of(handle).pointer(data).number(static_cast<std::int64_t>(offset)).number(size),
       [&] { return real(ftrScanRestoreExtMemory, kFunction)(handle, data, offset, size); },
-      [&](Answer& answer) { answer.some_bytes(data, size, size); });
+      [&](Answer& answer) { answer.some_bytes(data, size, size, size); });
 }
 
 OSV_FORWARDER int ftrScanGetVersion(void* handle, void* version) {

@@ -52,7 +52,7 @@ void Answer::bytes(void* memory, std::size_t size) {
 }
 
 /// Number of bytes of a piece, from this call or from the recording.
-std::size_t Answer::checked_size(std::size_t size, std::size_t room) {
+std::size_t Answer::checked_size(std::size_t size, std::size_t room, std::size_t least) {
   std::uint64_t checked = std::min(size, room);
   if (m_pTarget != nullptr && checked > kLargestPiece) {
     throw RecordingEnds("an answer of " + std::to_string(checked) + " bytes is too large for it");
@@ -61,18 +61,22 @@ std::size_t Answer::checked_size(std::size_t size, std::size_t room) {
   if (checked > room) {
     throw DamagedRecording("an answer in the recording is larger than the memory for it");
   }
+  if (is_played() && checked < least) {
+    throw DamagedRecording("an answer in the recording is smaller than what it has to fill");
+  }
   return checked;
 }
 
-void Answer::some_bytes(void* memory, std::size_t size, std::size_t room) {
-  const std::size_t checked = checked_size(size, room);
+void Answer::some_bytes(void* memory, std::size_t size, std::size_t room, std::size_t least) {
+  const std::size_t checked = checked_size(size, room, least);
   if (checked != 0) {
     bytes(memory, checked);
   }
 }
 
-void Answer::image(void* memory, std::size_t front, std::size_t size, std::size_t room) {
-  const std::size_t checked = checked_size(size, room);
+void Answer::image(void* memory, std::size_t front, std::size_t size, std::size_t room,
+                   std::size_t least) {
+  const std::size_t checked = checked_size(size, room, least);
   if (m_bPixels && checked != 0) {
     bytes(memory, checked);
     return;

@@ -55,12 +55,14 @@ class Answer {
   /// Bytes of a number that the library chose.
   /// @param size what it wrote, for a recording
   /// @param room what the caller has
-  void some_bytes(void* memory, std::size_t size, std::size_t room);
+  /// @param least what the caller may rely on, when played
+  void some_bytes(void* memory, std::size_t size, std::size_t room, std::size_t least = 0);
 
   /// An image. Without pixels, what comes behind the front is black.
   /// @param front bytes that describe the image, for a recording
-  /// @param size, room as in `some_bytes`
-  void image(void* memory, std::size_t front, std::size_t size, std::size_t room);
+  /// @param size, room, least as in `some_bytes`
+  void image(void* memory, std::size_t front, std::size_t size, std::size_t room,
+             std::size_t least = 0);
 
   /// A text of the library's own, or null; a played one stays until the process ends.
   void text(const char*& text);
@@ -72,7 +74,7 @@ class Answer {
   void finish() const;
 
  private:
-  std::size_t checked_size(std::size_t size, std::size_t room);
+  std::size_t checked_size(std::size_t size, std::size_t room, std::size_t least = 0);
 
   Bytes* m_pTarget = nullptr;  // null: plays
   ByteReader m_cSource{ByteView()};
