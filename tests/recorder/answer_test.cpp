@@ -50,6 +50,14 @@ TEST(Answer, FitsIntoTheCallersMemory) {
   EXPECT_THROW(Answer(ByteView(written), true).some_bytes(block.data(), 5, 5), DamagedRecording);
 }
 
+TEST(Answer, FillsWhatItHasToFill) {
+  Bytes written;
+  Block block = kBlock;
+  Answer(written, true).some_bytes(block.data(), 5, 5);
+  EXPECT_THROW(Answer(ByteView(written), true).some_bytes(block.data(), 6, 6, 6), DamagedRecording);
+  EXPECT_THROW(Answer(ByteView(written), true).image(block.data(), 0, 6, 6, 6), DamagedRecording);
+}
+
 TEST(Answer, CutShortIsRefused) {
   Block block = {};
   EXPECT_THROW(Answer(ByteView(kBlock).first(5), true).bytes(block.data(), 6), DamagedRecording);
