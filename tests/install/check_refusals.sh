@@ -8,8 +8,8 @@ folder=$(mktemp --directory)
 trap 'rm --recursive "$folder"' EXIT
 
 found_in() { # prefix, what is wanted
-  "$cmake" --fresh -S "$project" -B "$folder/build" -DCMAKE_LIBRARY_ARCHITECTURE="$architecture" \
-    -DCMAKE_PREFIX_PATH="$1" "-DWANTED=$2"
+  "$cmake" --fresh -S "$project" -B "$folder/build" -G Ninja \
+    -DCMAKE_LIBRARY_ARCHITECTURE="$architecture" -DCMAKE_PREFIX_PATH="$1" "-DWANTED=$2"
 }
 
 refused_in() {
