@@ -16,12 +16,6 @@ constexpr long kBufferTooSmall = -21;
 
 HandleBook& engines() { return handles(eLibrary::ostrevancalibratesdk); }
 
-Arguments arguments_of(void* handle) {
-  Arguments arguments;
-  arguments.handle(engines().number_of(handle));
-  return arguments;
-}
-
 /// What stands in front of an image's pixels, as far as the image goes.
 std::size_t front_of(const void* image, std::size_t size) {
   tagBITMAPINFOHEADER header = {};
@@ -45,13 +39,6 @@ void check_size(unsigned long size) {
   }
 }
 
-/// A call that answers with nothing but a code.
-template <class Real>
-long code_call(eFunction function, const Arguments& arguments, Real make) {
-  return exchange<long>(function, arguments, make,
-                        [](Answer& answer, long& code) { answer.number(code); });
-}
-
 }  // namespace
 }  // namespace Osv::recorder
 
@@ -68,7 +55,7 @@ OSV_FORWARDER long Calibrate(void* handle, void* input, unsigned long input_size
                              unsigned long* output_size) {
   constexpr auto kFunction = eFunction::Calibrate;
   const unsigned long room = at(output_size);
-  Arguments arguments = arguments_of(handle);
+  Arguments arguments = on_handle(engines(), handle);
   add_image(arguments, input, input_size);
   arguments.pointer(output).pointer(output_size).number(static_cast<std::int64_t>(room));
   return exchange<long>(
@@ -111,7 +98,7 @@ OSV_FORWARDER void CalibrateDelete(void** handle) {
 
 OSV_FORWARDER long CalibrateSetData(void* handle, const unsigned char* data, unsigned long size) {
   constexpr auto kFunction = eFunction::CalibrateSetData;
-  return code_call(kFunction, arguments_of(handle).data(data, size),
+  return code_call(kFunction, on_handle(engines(), handle).data(data, size),
                    [&] { return real(CalibrateSetData, kFunction)(handle, data, size); });
 }
 
@@ -126,7 +113,7 @@ OSV_FORWARDER const char* CalibrateGetErrorDescription(long code) {
 OSV_FORWARDER long ContaminationDetection(void* handle, void* bitmap, unsigned long size,
                                           double* percent) {
   constexpr auto kFunction = eFunction::ContaminationDetection;
-  Arguments arguments = arguments_of(handle);
+  Arguments arguments = on_handle(engines(), handle);
   add_image(arguments, bitmap, size);
   return exchange<long>(
       kFunction, arguments.pointer(percent),
@@ -141,7 +128,7 @@ OSV_FORWARDER long ContaminationDetection(void* handle, void* bitmap, unsigned l
 
 OSV_FORWARDER long CalibrateSetOption(void* handle, const char* option) {
   constexpr auto kFunction = eFunction::CalibrateSetOption;
-  return code_call(kFunction, arguments_of(handle).text(option),
+  return code_call(kFunction, on_handle(engines(), handle).text(option),
                    [&] { return real(CalibrateSetOption, kFunction)(handle, option); });
 }
 
@@ -151,7 +138,10 @@ OSV_FORWARDER long CalibrateGetOption(void* handle, const char* name, char* valu
   const unsigned long room = at(length);
   return exchange<long>(
       kFunction,
-      arguments_of(handle).text(name).pointer(value).number(static_cast<std::int64_t>(room)),
+      on_handle(engines(), handle)
+          .text(name)
+          .pointer(value)
+          .number(static_cast<std::int64_t>(room)),
       [&] { return real(CalibrateGetOption, kFunction)(handle, name, value, length); },
       [&](Answer& answer, long& code) {
         answer.number(code);

@@ -12,24 +12,11 @@ constexpr long kLargerBufferNeeded = -21;
 
 HandleBook& detectors() { return handles(eLibrary::ostrevanfakefingerdetection); }
 
-Arguments arguments_of(void* handle) {
-  Arguments arguments;
-  arguments.handle(detectors().number_of(handle));
-  return arguments;
-}
-
 /// Whether the score is there: 0, and the codes that tell a state of the images.
 bool has_score(long code) {
   constexpr long kFirstState = -799;
   constexpr long kLastState = -768;
   return code == 0 || (code >= kFirstState && code <= kLastState);
-}
-
-/// A call that answers with nothing but a code.
-template <class Real>
-long code_call(eFunction function, const Arguments& arguments, Real make) {
-  return exchange<long>(function, arguments, make,
-                        [](Answer& answer, long& code) { answer.number(code); });
 }
 
 }  // namespace
@@ -84,14 +71,14 @@ OSV_FORWARDER long FakeFingerDetectionDestroyHandle(void** handle) {
 
 OSV_FORWARDER long FakeFingerDetectionReset(void* handle) {
   constexpr auto kFunction = eFunction::FakeFingerDetectionReset;
-  return code_call(kFunction, arguments_of(handle),
+  return code_call(kFunction, on_handle(detectors(), handle),
                    [&] { return real(FakeFingerDetectionReset, kFunction)(handle); });
 }
 
 OSV_FORWARDER long FakeFingerDetectionEvaluateLiveliness(void* handle, double* score) {
   constexpr auto kFunction = eFunction::FakeFingerDetectionEvaluateLiveliness;
   return exchange<long>(
-      kFunction, arguments_of(handle).pointer(score),
+      kFunction, on_handle(detectors(), handle).pointer(score),
       [&] { return real(FakeFingerDetectionEvaluateLiveliness, kFunction)(handle, score); },
       [&](Answer& answer, long& code) {
         answer.number(code);
@@ -104,7 +91,7 @@ OSV_FORWARDER long FakeFingerDetectionEvaluateLiveliness(void* handle, double* s
 OSV_FORWARDER long FakeFingerDetectionSetImage(void* handle, std::int32_t kind, const void* bitmap,
                                                unsigned long size) {
   constexpr auto kFunction = eFunction::FakeFingerDetectionSetImage;
-  Arguments arguments = arguments_of(handle);
+  Arguments arguments = on_handle(detectors(), handle);
   add_image(arguments.number(kind), bitmap, size);
   return code_call(kFunction, arguments, [&] {
     return real(FakeFingerDetectionSetImage, kFunction)(handle, kind, bitmap, size);
@@ -114,7 +101,7 @@ OSV_FORWARDER long FakeFingerDetectionSetImage(void* handle, std::int32_t kind, 
 OSV_FORWARDER long FakeFingerDetectionSetPropertyA(void* handle, const char* name,
                                                    const char* value) {
   constexpr auto kFunction = eFunction::FakeFingerDetectionSetPropertyA;
-  return code_call(kFunction, arguments_of(handle).text(name).text(value), [&] {
+  return code_call(kFunction, on_handle(detectors(), handle).text(name).text(value), [&] {
     return real(FakeFingerDetectionSetPropertyA, kFunction)(handle, name, value);
   });
 }
@@ -125,7 +112,10 @@ OSV_FORWARDER long FakeFingerDetectionGetPropertyA(void* handle, const char* nam
   const unsigned long room = length == nullptr ? 0 : *length;
   return exchange<long>(
       kFunction,
-      arguments_of(handle).text(name).pointer(value).number(static_cast<std::int64_t>(room)),
+      on_handle(detectors(), handle)
+          .text(name)
+          .pointer(value)
+          .number(static_cast<std::int64_t>(room)),
       [&] { return real(FakeFingerDetectionGetPropertyA, kFunction)(handle, name, value, length); },
       [&](Answer& answer, long& code) {
         answer.number(code);

@@ -39,6 +39,20 @@ inline long pass_on(eFunction function, long first, long second, long third, lon
 /// The handles of one library.
 inline HandleBook& handles(eLibrary library) { return Session::get().handles(library); }
 
+/// The arguments of a call on a handle, which is the first of them.
+inline Arguments on_handle(const HandleBook& book, const void* handle) {
+  Arguments arguments;
+  arguments.handle(book.number_of(handle));
+  return arguments;
+}
+
+/// A call that answers with nothing but a code.
+template <class Real>
+long code_call(eFunction function, const Arguments& arguments, Real make) {
+  return exchange<long>(function, arguments, make,
+                        [](Answer& answer, long& code) { answer.number(code); });
+}
+
 /// An image that is given in. Where images were not recorded it can only be compared by its size.
 inline Arguments& add_image(Arguments& arguments, const void* image, std::size_t size) {
   return image != nullptr && Session::get().pixels() ? arguments.data(image, size)

@@ -25,12 +25,6 @@ struct ImageSize {
 
 HandleBook& devices() { return handles(eLibrary::KR9ScanAPI); }
 
-Arguments arguments_of(void* handle) {
-  Arguments arguments;
-  arguments.handle(devices().number_of(handle));
-  return arguments;
-}
-
 /// A call with a status, which leaves something in the caller's memory when it is not 0.
 template <class Real, class Outputs>
 int status_call(eFunction function, const Arguments& arguments, Real make, Outputs outputs) {
@@ -50,7 +44,7 @@ int status_call(eFunction function, const Arguments& arguments, Real make) {
 /// A call that fills a record of a fixed size.
 template <class Real>
 int record_call(eFunction function, void* handle, void* record, std::size_t size, Real make) {
-  return status_call(function, arguments_of(handle).pointer(record), make,
+  return status_call(function, on_handle(devices(), handle).pointer(record), make,
                      [&](Answer& answer) { answer.bytes(record, size); });
 }
 
@@ -111,7 +105,7 @@ OSV_FORWARDER void* ftrScanOpenDeviceOnInterface(int interface) {
 // Its result is one that nobody reads, and so may be none at all.
 OSV_FORWARDER int ftrScanCloseDevice(void* handle) {
   constexpr auto kFunction = eFunction::ftrScanCloseDevice;
-  const Arguments arguments = arguments_of(handle);
+  const Arguments arguments = on_handle(devices(), handle);
   devices().forget(handle);  // another thread may be given it as soon as it is closed
   return status_call(kFunction, arguments,
                      [&] { return real(ftrScanCloseDevice, kFunction)(handle); });
@@ -119,7 +113,7 @@ OSV_FORWARDER int ftrScanCloseDevice(void* handle) {
 
 OSV_FORWARDER int ftrScanSetOptions(void* handle, std::uint32_t mask, std::uint32_t flags) {
   constexpr auto kFunction = eFunction::ftrScanSetOptions;
-  return status_call(kFunction, arguments_of(handle).number(mask).number(flags),
+  return status_call(kFunction, on_handle(devices(), handle).number(mask).number(flags),
                      [&] { return real(ftrScanSetOptions, kFunction)(handle, mask, flags); });
 }
 
@@ -138,7 +132,7 @@ OSV_FORWARDER int ftrScanGetDeviceInfo(void* handle, void* info) {
 OSV_FORWARDER int ftrScanGetImageSize(void* handle, ImageSize* size) {
   constexpr auto kFunction = eFunction::ftrScanGetImageSize;
   return status_call(
-      kFunction, arguments_of(handle).pointer(size),
+      kFunction, on_handle(devices(), handle).pointer(size),
       [&] { return real(ftrScanGetImageSize, kFunction)(handle, size); },
       [&](Answer& answer) {
         answer.bytes(size, sizeof(*size));
@@ -148,39 +142,39 @@ OSV_FORWARDER int ftrScanGetImageSize(void* handle, ImageSize* size) {
 
 OSV_FORWARDER int ftrScanGetFrame(void* handle, void* buffer, void* parameters) {
   constexpr auto kFunction = eFunction::ftrScanGetFrame;
-  return frame_call(kFunction, arguments_of(handle).pointer(buffer).pointer(parameters), handle,
-                    buffer,
+  return frame_call(kFunction, on_handle(devices(), handle).pointer(buffer).pointer(parameters),
+                    handle, buffer,
                     [&] { return real(ftrScanGetFrame, kFunction)(handle, buffer, parameters); });
 }
 
 OSV_FORWARDER int ftrScanGetBacklightImage(void* handle, void* buffer) {
   constexpr auto kFunction = eFunction::ftrScanGetBacklightImage;
-  return frame_call(kFunction, arguments_of(handle).pointer(buffer), handle, buffer,
+  return frame_call(kFunction, on_handle(devices(), handle).pointer(buffer), handle, buffer,
                     [&] { return real(ftrScanGetBacklightImage, kFunction)(handle, buffer); });
 }
 
 OSV_FORWARDER int ftrScanGetDarkImage(void* handle, void* buffer) {
   constexpr auto kFunction = eFunction::ftrScanGetDarkImage;
-  return frame_call(kFunction, arguments_of(handle).pointer(buffer), handle, buffer,
+  return frame_call(kFunction, on_handle(devices(), handle).pointer(buffer), handle, buffer,
                     [&] { return real(ftrScanGetDarkImage, kFunction)(handle, buffer); });
 }
 
 OSV_FORWARDER int ftrScanGetImageByVariableDose(void* handle, int dose, void* buffer) {
   constexpr auto kFunction = eFunction::ftrScanGetImageByVariableDose;
   return frame_call(
-      kFunction, arguments_of(handle).number(dose).pointer(buffer), handle, buffer,
+      kFunction, on_handle(devices(), handle).number(dose).pointer(buffer), handle, buffer,
       [&] { return real(ftrScanGetImageByVariableDose, kFunction)(handle, dose, buffer); });
 }
 
 OSV_FORWARDER int ftrScanIsFingerPresent(void* handle, void* parameters) {
   constexpr auto kFunction = eFunction::ftrScanIsFingerPresent;
-  return status_call(kFunction, arguments_of(handle).pointer(parameters),
+  return status_call(kFunction, on_handle(devices(), handle).pointer(parameters),
                      [&] { return real(ftrScanIsFingerPresent, kFunction)(handle, parameters); });
 }
 
 OSV_FORWARDER int ftrScanSave7Bytes(void* handle, const void* bytes) {
   constexpr auto kFunction = eFunction::ftrScanSave7Bytes;
-  return status_call(kFunction, arguments_of(handle).data(bytes, kSevenBytes),
+  return status_call(kFunction, on_handle(devices(), handle).data(bytes, kSevenBytes),
                      [&] { return real(ftrScanSave7Bytes, kFunction)(handle, bytes); });
 }
 
@@ -192,7 +186,7 @@ OSV_FORWARDER int ftrScanRestore7ControlBytes(void* handle, void* bytes) {
 
 OSV_FORWARDER int ftrScanSetDiodesStatus(void* handle, std::uint8_t green, std::uint8_t red) {
   constexpr auto kFunction = eFunction::ftrScanSetDiodesStatus;
-  return status_call(kFunction, arguments_of(handle).number(green).number(red),
+  return status_call(kFunction, on_handle(devices(), handle).number(green).number(red),
                      [&] { return real(ftrScanSetDiodesStatus, kFunction)(handle, green, red); });
 }
 
@@ -212,7 +206,7 @@ OSV_FORWARDER int ftrSetBaseInterface(int interface) {
 
 OSV_FORWARDER int ftrScanSaveSerialNumber(void* handle, const void* block) {
   constexpr auto kFunction = eFunction::ftrScanSaveSerialNumber;
-  return status_call(kFunction, arguments_of(handle).data(block, kSerialBlockSize),
+  return status_call(kFunction, on_handle(devices(), handle).data(block, kSerialBlockSize),
                      [&] { return real(ftrScanSaveSerialNumber, kFunction)(handle, block); });
 }
 
@@ -250,7 +244,8 @@ OSV_FORWARDER int ftrScanSaveExtMemory(void* handle, const void* data, unsigned 
                                        std::uint32_t size) {
   constexpr auto kFunction = eFunction::ftrScanSaveExtMemory;
   return status_call(
-      kFunction, arguments_of(handle).data(data, size).number(static_cast<std::int64_t>(offset)),
+      kFunction,
+      on_handle(devices(), handle).data(data, size).number(static_cast<std::int64_t>(offset)),
       [&] { return real(ftrScanSaveExtMemory, kFunction)(handle, data, offset, size); });
 }
 
@@ -259,7 +254,10 @@ OSV_FORWARDER int ftrScanRestoreExtMemory(void* handle, void* data, unsigned lon
   constexpr auto kFunction = eFunction::ftrScanRestoreExtMemory;
   return status_call(
       kFunction,
-      arguments_of(handle).pointer(data).number(static_cast<std::int64_t>(offset)).number(size),
+      on_handle(devices(), handle)
+          .pointer(data)
+          .number(static_cast<std::int64_t>(offset))
+          .number(size),
       [&] { return real(ftrScanRestoreExtMemory, kFunction)(handle, data, offset, size); },
       [&](Answer& answer) { answer.some_bytes(data, size, size, size); });
 }
@@ -274,13 +272,13 @@ OSV_FORWARDER int ftrScanGetVersion(void* handle, void* version) {
 
 OSV_FORWARDER int ftrScanSetNewAuthorizationCode(void* handle, const void* code) {
   constexpr auto kFunction = eFunction::ftrScanSetNewAuthorizationCode;
-  return status_call(kFunction, arguments_of(handle).pointer(code),
+  return status_call(kFunction, on_handle(devices(), handle).pointer(code),
                      [&] { return real(ftrScanSetNewAuthorizationCode, kFunction)(handle, code); });
 }
 
 OSV_FORWARDER int ftrScanSaveSecret7Bytes(void* handle, const void* code, const void* bytes) {
   constexpr auto kFunction = eFunction::ftrScanSaveSecret7Bytes;
-  return status_call(kFunction, arguments_of(handle).pointer(code).pointer(bytes),
+  return status_call(kFunction, on_handle(devices(), handle).pointer(code).pointer(bytes),
                      [&] { return real(ftrScanSaveSecret7Bytes, kFunction)(handle, code, bytes); });
 }
 
@@ -288,7 +286,7 @@ OSV_FORWARDER int ftrScanRestoreSecret7Bytes(void* handle, const void* code, voi
   constexpr auto kFunction = eFunction::ftrScanRestoreSecret7Bytes;
   ProtectedMemory memory(bytes);
   return exchange<int>(
-      kFunction, arguments_of(handle).pointer(code).pointer(bytes),
+      kFunction, on_handle(devices(), handle).pointer(code).pointer(bytes),
       [&] { return real(ftrScanRestoreSecret7Bytes, kFunction)(handle, code, bytes); },
       [&](Answer& answer, int& status) {
         bool is_changed = bytes != nullptr && !answer.is_played() && memory.is_changed();
