@@ -56,8 +56,15 @@ class Viewer : public testing::Test {
     }
   }
 
-  /// A line for the simulator.
-  void say(const std::string& line) { m_pViewer->write(line + '\n'); }
+  /// Lines for the simulator. They are carried out when this returns: behind them stands a word
+  /// that is not understood, and that is told.
+  void say(const std::string& lines) {
+    const std::string end = "said-" + std::to_string(++m_nSaid);
+    m_pViewer->write(lines + '\n' + end + '\n');
+    if (!m_pViewer->wait_for_error_text('\'' + end + '\'')) {
+      throw std::runtime_error("nobody reads " + lines);
+    }
+  }
 
   void press(const std::string& key) { m_cDisplay.press_key(key); }
 
@@ -123,6 +130,7 @@ class Viewer : public testing::Test {
   TemporaryFolder m_cFolder;
   Display m_cDisplay;
   std::unique_ptr<Process> m_pViewer;
+  int m_nSaid = 0;
 };
 
 }  // namespace hvk3::test
