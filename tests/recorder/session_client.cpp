@@ -48,7 +48,12 @@ class Capture {
 
   void run(Osv::lx::ClFramegrabber& grabber, eCaptureModeIDs mode) {
     grabber.SetCallbacks(kChannel, &started, nullptr);
-    print("start", grabber.StartCapture(5, kChannel, mode, &live, &finger, &error, &error, this));
+    const unsigned long result =
+        grabber.StartCapture(5, kChannel, mode, &live, &finger, &error, &error, this);
+    print("start", result);
+    if (result != 0) {
+      return;
+    }
     {
       std::unique_lock<std::mutex> lock(m_cLock);
       if (m_cMeanwhile) {
