@@ -95,5 +95,14 @@ TEST_F(MissingParts, ADetectorThatLacksAFunctionIsPlayed) {
   EXPECT_THAT(expect_the_same_session(), HasSubstr("undefined symbol: FakeFingerDetectionReset"));
 }
 
+TEST_F(MissingParts, AToolOnTheSimulatorIsRecordedWithoutTheScannerLibrary) {
+  leave_out("libKR9ScanAPI.so");
+  const Outcome recorded = tool({"record", recording(), "--simulate", "--simulator",
+                                 m_cFolder.file("real/libraries"), "--", HVK3_BARE_TOOL, "list",
+                                 "--simulate", "--simulator", m_cFolder.file("real/libraries")});
+  EXPECT_EQ(recorded.status, 4);
+  EXPECT_EQ(errors(replay("list")), errors(recorded));
+}
+
 }  // namespace
 }  // namespace hvk3::test

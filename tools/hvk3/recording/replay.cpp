@@ -65,8 +65,9 @@ bool is_recorded_on(const std::string& folder) {
   if (std::getenv(variable::kRecording) == nullptr || libraries == nullptr) {
     return false;
   }
-  const std::string all = libraries;
-  const std::filesystem::path first = all.substr(0, all.find(':'));
+  const std::string all = std::string(libraries) + ':';
+  const std::size_t begin = all.find_first_not_of(':');  // a library that there is not has no path
+  const std::filesystem::path first = all.substr(begin, all.find(':', begin) - begin);
   std::error_code failed;
   if (!std::filesystem::equivalent(first.parent_path(), folder, failed)) {
     throw Failure(ExitStatus::Usage,
