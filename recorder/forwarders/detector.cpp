@@ -43,7 +43,7 @@ OSV_FORWARDER long FakeFingerDetectionCreateHandle(void** handle) {
       [&] { return real(FakeFingerDetectionCreateHandle, kFunction)(handle); },
       [&](Answer& answer, long& code) {
         answer.number(code);
-        if (code == 0) {
+        if (code == 0 && handle != nullptr) {
           answer.new_handle(*handle, detectors());
         }
       });

@@ -136,7 +136,9 @@ OSV_FORWARDER int ftrScanGetImageSize(void* handle, ImageSize* size) {
       [&] { return real(ftrScanGetImageSize, kFunction)(handle, size); },
       [&](Answer& answer) {
         answer.bytes(size, sizeof(*size));
-        Session::get().frame_sizes().set(devices().number_of(handle), size->width, size->height);
+        if (size != nullptr) {
+          Session::get().frame_sizes().set(devices().number_of(handle), size->width, size->height);
+        }
       });
 }
 

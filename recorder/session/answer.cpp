@@ -44,6 +44,9 @@ void Answer::new_handle(void*& handle, HandleBook& book) {
 }
 
 void Answer::bytes(void* memory, std::size_t size) {
+  if (memory == nullptr) {
+    return;
+  }
   if (m_pTarget != nullptr) {
     append(*m_pTarget, memory, size);
   } else {
@@ -85,7 +88,7 @@ void Answer::image(void* memory, std::size_t front, std::size_t size, std::size_
   if (described != 0) {
     bytes(memory, described);
   }
-  if (is_played() && described < checked) {
+  if (is_played() && memory != nullptr && described < checked) {
     std::memset(static_cast<unsigned char*>(memory) + described, 0, checked - described);
   }
 }

@@ -49,7 +49,7 @@ class Answer {
   /// A new handle, or null.
   void new_handle(void*& handle, HandleBook& book);
 
-  /// Bytes of a fixed number.
+  /// Bytes of a fixed number; none for a caller who gave no memory, as the arguments tell.
   void bytes(void* memory, std::size_t size);
 
   /// Bytes of a number that the library chose.

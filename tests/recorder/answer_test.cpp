@@ -58,6 +58,19 @@ TEST(Answer, FillsWhatItHasToFill) {
   EXPECT_THROW(Answer(ByteView(written), true).image(block.data(), 0, 6, 6, 6), DamagedRecording);
 }
 
+TEST(Answer, GivesNothingToACallerWithoutMemory) {
+  for (const bool pixels : {true, false}) {
+    Bytes written;
+    Answer recorded(written, pixels);
+    recorded.bytes(nullptr, 4);
+    recorded.image(nullptr, 2, 6, 6);
+    Answer played(ByteView(written), pixels);
+    played.bytes(nullptr, 4);
+    played.image(nullptr, 0, 6, 6);
+    EXPECT_NO_THROW(played.finish());
+  }
+}
+
 TEST(Answer, CutShortIsRefused) {
   Block block = {};
   EXPECT_THROW(Answer(ByteView(kBlock).first(5), true).bytes(block.data(), 6), DamagedRecording);
