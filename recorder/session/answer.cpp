@@ -27,10 +27,11 @@ Texts& texts() {
 const char* keep(const ByteView text) {
   constexpr std::size_t kMost = 1000;
   const std::lock_guard<std::mutex> guard(texts().lock);
-  if (texts().all.size() == kMost) {
+  const auto [kept, is_new] = texts().all.emplace(text.begin(), text.end());
+  if (is_new && texts().all.size() > kMost) {
     throw DamagedRecording("the recording has too many texts");
   }
-  return texts().all.emplace(text.begin(), text.end()).first->c_str();
+  return kept->c_str();
 }
 
 }  // namespace
