@@ -62,8 +62,11 @@ std::uint64_t Recorder::now() const { return clock_now() - m_nBegin; }
 void Recorder::write(eFunction function, std::uint32_t thread, std::uint64_t begin,
                      const Arguments& arguments,
                      const std::function<void(Answer&)>& give_answer) noexcept {
+  if (::getpid() != m_nProcess) {
+    return;  // before the lock, which a thread that the fork left behind may hold
+  }
   const std::lock_guard<std::mutex> lock(m_cLock);
-  if (m_pFile == nullptr || ::getpid() != m_nProcess) {
+  if (m_pFile == nullptr) {
     return;
   }
   try {

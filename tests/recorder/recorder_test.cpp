@@ -1,0 +1,35 @@
+#include "recorder/session/recorder.h"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "recorder/format/recording.h"
+#include "recorder/recording_builder.h"
+
+namespace Osv::recorder::test {
+namespace {
+
+constexpr auto kList = eFunction::ftrScanGetInterfaces;
+
+void nothing(Answer& /*answer*/) {}
+
+TEST(Recorder, LetsAForkGoOnThatCameWithinACall) {
+  const RecordingBuilder file;
+  Recorder recorder(file.path());
+  int status = -1;
+  recorder.write(kList, 1, 0, {}, [&](Answer&) {
+    const pid_t fork = ::fork();
+    if (fork == 0) {
+      ::alarm(10);  // it waits for a lock that nobody in it holds, otherwise
+      recorder.write(kList, 1, 0, {}, &nothing);
+      ::_exit(0);
+    }
+    ::waitpid(fork, &status, 0);
+  });
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(Recording(file.path()).calls().size(), 1U);
+}
+
+}  // namespace
+}  // namespace Osv::recorder::test
