@@ -1,6 +1,7 @@
 #include "recorder/format/block_file.h"
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <zstd.h>
@@ -97,11 +98,17 @@ void BlockWriter::write(const Bytes& content) {
   put(m_vStored);
 }
 
-/// All bytes or, on a full disk, none.
+/// All bytes or, on a full disk, none. Beyond the size that files may have, a write would send a
+/// signal that ends the program.
 void BlockWriter::put(const Bytes& bytes) {
   struct stat before = {};
-  if (::fstat(m_cFile.get(), &before) != 0) {
+  struct rlimit limit = {};
+  if (::fstat(m_cFile.get(), &before) != 0 || ::getrlimit(RLIMIT_FSIZE, &limit) != 0) {
     throw_system_error("fstat");
+  }
+  if (static_cast<rlim_t>(before.st_size) + bytes.size() > limit.rlim_cur) {
+    errno = EFBIG;
+    throw_system_error("write");
   }
   std::size_t written = 0;
   while (written < bytes.size()) {

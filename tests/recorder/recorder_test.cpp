@@ -1,8 +1,11 @@
 #include "recorder/session/recorder.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include <filesystem>
 
 #include "recorder/format/recording.h"
 #include "recorder/recording_builder.h"
@@ -29,6 +32,20 @@ TEST(Recorder, LetsAForkGoOnThatCameWithinACall) {
   });
   EXPECT_EQ(status, 0);
   EXPECT_EQ(Recording(file.path()).calls().size(), 1U);
+}
+
+TEST(Recorder, LetsTheProgramGoOnThoughTheFileMayNotGrow) {
+  constexpr std::uintmax_t kSize = 1 << 20;  // more than those of the test's own output
+  const RecordingBuilder file;
+  Recorder recorder(file.path());
+  std::filesystem::resize_file(file.path(), kSize);
+  struct rlimit before = {};
+  ::getrlimit(RLIMIT_FSIZE, &before);
+  const struct rlimit limit = {kSize + 1, before.rlim_max};
+  ::setrlimit(RLIMIT_FSIZE, &limit);
+  recorder.write(kList, 1, 0, {}, &nothing);
+  ::setrlimit(RLIMIT_FSIZE, &before);
+  EXPECT_EQ(std::filesystem::file_size(file.path()), kSize);
 }
 
 }  // namespace
