@@ -153,6 +153,24 @@ TEST_F(Record, NeedsAClosedLibrary) {
   EXPECT_THAT(outcome.error, HasSubstr("none of the closed libraries can be loaded from"));
 }
 
+TEST_F(Record, StandsInFrontOfNoOtherRecording) {
+  const Outcome outcome =
+      record_program({HVK3_BARE_TOOL, "record", m_cFolder.file("inner"), "--", "/bin/true"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_THAT(outcome.error, HasSubstr("this already stands in front of a closed library"));
+}
+
+TEST_F(Record, NeedsAFolderForTheForwardersThatTheLoaderCanSearch) {
+  std::filesystem::create_directory(m_cFolder.file("a:b"));
+  ::setenv("TMPDIR", m_cFolder.file("a:b").c_str(), 1);
+  const Outcome outcome =
+      tool({"record", recording(), "--real-dir",
+            folder_with({"libostrevanlf.so", "libostrevan-simulator.so"}), "--", "/bin/true"});
+  ::unsetenv("TMPDIR");
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_THAT(outcome.error, HasSubstr("the loader takes no folder whose name has a colon"));
+}
+
 TEST_F(Record, HasNoLibraryThatIsNotThere) {
   const Json libraries = libraries_of(
       folder_with({"libKR9ScanAPI.so", "libostrevancalibratesdk.so", "libostrevan-simulator.so"}));

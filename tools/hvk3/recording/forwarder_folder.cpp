@@ -28,7 +28,7 @@ constexpr char kCommonPart[] = "libostrevan-recorder.so";
 
 fs::path installed_folder() {
   const fs::path folder = recorder_folder();
-  if (!fs::exists(folder / kCommonPart)) {
+  if (!holds_forwarders(folder)) {
     throw Failure(ExitStatus::PluginUnavailable, "the recorder is not in " + folder.string());
   }
   return folder;
@@ -48,8 +48,10 @@ void copy_without(const fs::path& from, const fs::path& to, const std::set<std::
   std::ifstream in(from, std::ios::binary);
   std::vector<char> content(std::istreambuf_iterator<char>(in), {});
   hide_symbols(content, missing);
-  std::ofstream(to, std::ios::binary)
-      .write(content.data(), static_cast<std::streamsize>(content.size()));
+  std::ofstream out(to, std::ios::binary);
+  if (!out.write(content.data(), static_cast<std::streamsize>(content.size())).flush()) {
+    throw Failure(ExitStatus::OutputFailed, to.string() + " can't be written");
+  }
 }
 
 /// A library that there was not is not there either, even if this machine has it: a link to itself
@@ -71,6 +73,12 @@ void lay_out(const Header& header, const fs::path& installed, const fs::path& fo
 }
 
 void put_in_front(const fs::path& folder) {
+  if (folder.string().find_first_of(":;") != std::string::npos) {
+    throw Failure(ExitStatus::Usage,
+                  "the loader takes no folder whose name has a colon or a "
+                  "semicolon: " +
+                      folder.string());
+  }
   const char* const others = std::getenv("LD_LIBRARY_PATH");
   const std::string behind = others == nullptr || *others == '\0' ? "" : ':' + std::string(others);
   ::setenv("LD_LIBRARY_PATH", (folder.string() + behind).c_str(), 1);
@@ -90,6 +98,8 @@ PrivateFolder::~PrivateFolder() {
   std::error_code ignored;
   fs::remove_all(m_cPath, ignored);
 }
+
+bool holds_forwarders(const fs::path& folder) { return fs::exists(folder / kCommonPart); }
 
 ForwarderFolder::ForwarderFolder(const Header& header) {
   const fs::path installed = installed_folder();

@@ -23,11 +23,14 @@ class PrivateFolder {
   std::filesystem::path m_cPath;
 };
 
+bool holds_forwarders(const std::filesystem::path& folder);
+
 /// Forwarders for just the libraries and functions that there are, in front of all other libraries
 /// of the programs that this one runs from now on.
 class ForwarderFolder {
  public:
-  /// @throws Failure `PluginUnavailable` when the forwarders are not installed
+  /// @throws Failure `PluginUnavailable` when the forwarders are not installed, `Usage` when their
+  ///   folder can't be searched by the loader, `OutputFailed`
   explicit ForwarderFolder(const Osv::recorder::Header& header);
 
  private:

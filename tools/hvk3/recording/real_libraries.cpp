@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "hvk3/failure.h"
+#include "hvk3/recording/forwarder_folder.h"
 
 namespace hvk3 {
 namespace {
@@ -34,6 +35,12 @@ std::string path_of(const Library& library) {
   const std::string path = std::filesystem::absolute(map->l_name).string();
   if (path.find(':') != std::string::npos) {
     throw Failure(ExitStatus::Usage, "a path with a colon can't be recorded from: " + path);
+  }
+  if (holds_forwarders(std::filesystem::path(path).parent_path())) {
+    throw Failure(ExitStatus::Usage,
+                  "this already stands in front of a closed library, give the "
+                  "real one's folder with --real-dir: " +
+                      path);
   }
   return path;
 }

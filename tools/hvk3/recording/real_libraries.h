@@ -18,6 +18,7 @@ struct RealLibraries {
 
 /// Those of a folder; with an empty one those that the loader finds.
 /// @throws Failure `PluginUnavailable` when there is none at all, `Usage` for a path with a colon
+///   and for forwarders, as the loader finds within a recording
 RealLibraries find_real_libraries(const std::string& folder);
 
 /// Whether the loader finds a library of this name.
