@@ -19,9 +19,7 @@ void read_answers(Recording& recording) {
   recorder::Bytes answer;
   for (const Recording::Call& call : recording.calls()) {
     require(index_of(call.head.function) < recorder::kFunctionCount, "a call has a function");
-    const auto* const begin = reinterpret_cast<const unsigned char*>(call.arguments->data());
-    require(!in_words(call.head.function, {begin, call.arguments->size()}).empty(),
-            "a call can be told");
+    require(recording.in_words(call).back() == ')', "a call can be told");
     recording.read_answer(call, answer);
     require(answer.size() <= recorder::kLargestBlock, "an answer has its limits");
   }

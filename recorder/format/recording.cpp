@@ -1,30 +1,29 @@
 #include "recorder/format/recording.h"
 
+#include <functional>
+#include <string_view>
+
 #include "recorder/format/arguments.h"
 
 namespace Osv::recorder {
 namespace {
-
-// Arguments differ by the check sums of images, or by nothing. So many bytes of them are months.
-constexpr std::size_t kMostArgumentBytes = std::size_t{256} * 1024 * 1024;
 
 constexpr std::size_t kHeaderSize = 1024;
 
 }  // namespace
 
 Recording::Recording(const std::string& path) : m_cFile(path) {
-  Bytes entry;
-  if (!m_cFile.next(entry, kHeaderSize)) {
+  if (!m_cFile.next(m_vEntry, kHeaderSize)) {
     throw DamagedRecording(path + " ends before its header does");
   }
-  ByteReader front(entry);
+  ByteReader front(m_vEntry);
   if (take_kind(front) != eEntry::Header) {
     throw DamagedRecording(path + " does not begin with a header");
   }
   m_cHeader = take_header(front);
   std::uint64_t position = m_cFile.position();
-  while (m_cFile.next(entry, kLongestCallHead)) {
-    take(ByteReader(entry), position);
+  while (m_cFile.next(m_vEntry, kLongestCallHead)) {
+    take(ByteReader(m_vEntry), position);
     position = m_cFile.position();
   }
 }
@@ -33,7 +32,9 @@ void Recording::take(ByteReader reader, std::uint64_t position) {
   switch (take_kind(reader)) {
     case eEntry::Call: {
       const CallHead head = take_call(reader);
-      m_vCalls.push_back({head, keep(take_arguments(reader)), position});
+      const ByteView arguments = take_arguments(reader);
+      arguments_in_words(arguments);  // so that they can be told later
+      m_vCalls.push_back({head, hash_of(arguments), position});
       break;
     }
     case eEntry::End:
@@ -44,26 +45,33 @@ void Recording::take(ByteReader reader, std::uint64_t position) {
   }
 }
 
-const std::string* Recording::keep(ByteView arguments) {
-  const auto [kept, is_new] = m_cArguments.emplace(arguments.begin(), arguments.end());
-  if (is_new) {
-    arguments_in_words(arguments);  // so that they can be told later
-    m_nArgumentBytes += arguments.size();
-    if (m_nArgumentBytes > kMostArgumentBytes) {
-      throw DamagedRecording("the recording has too many arguments");
-    }
-  }
-  return &*kept;
+/// A call again, from its arguments on.
+ByteReader Recording::read(const Call& call) {
+  m_cFile.read(call.position, m_vEntry);
+  ByteReader reader(m_vEntry);
+  take_kind(reader);
+  take_call(reader);
+  return reader;
 }
 
 void Recording::read_answer(const Call& call, Bytes& answer) {
-  Bytes entry;
-  m_cFile.read(call.position, entry);
-  ByteReader reader(entry);
-  take_kind(reader);
-  take_call(reader);
+  ByteReader reader = read(call);
   take_arguments(reader);
   answer.assign(reader.rest().begin(), reader.rest().end());
+}
+
+std::string Recording::in_words(const Call& call) {
+  try {
+    ByteReader reader = read(call);
+    return recorder::in_words(call.head.function, take_arguments(reader));
+  } catch (const DamagedRecording&) {
+    return name_of(call.head.function);
+  }
+}
+
+std::size_t hash_of(ByteView arguments) {
+  return std::hash<std::string_view>()(
+      {reinterpret_cast<const char*>(arguments.data()), arguments.size()});
 }
 
 std::string in_words(eFunction function, ByteView arguments) {

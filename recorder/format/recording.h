@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 #include "recorder/format/block_file.h"
@@ -13,13 +12,13 @@
 
 namespace Osv::recorder {
 
-/// Knows all calls of a file; their answers, which may be many and large, stay in it until they are
-/// asked for.
+/// Knows all calls of a file. Their arguments and answers, which take much more room than they do
+/// in the file, stay in it until they are asked for.
 class Recording {
  public:
   struct Call {
     CallHead head;
-    const std::string* arguments;  ///< encoded; equal ones are one
+    std::size_t arguments;  ///< as `hash_of` has them
     std::uint64_t position;
   };
 
@@ -39,17 +38,22 @@ class Recording {
   /// Reads an answer. @throws DamagedRecording
   void read_answer(const Call& call, Bytes& answer);
 
+  /// A call in words, without its arguments when the file is gone.
+  std::string in_words(const Call& call);
+
  private:
   void take(ByteReader reader, std::uint64_t position);
-  const std::string* keep(ByteView arguments);
+  ByteReader read(const Call& call);
 
   BlockReader m_cFile;
   Header m_cHeader;
   std::vector<Call> m_vCalls;
-  std::unordered_set<std::string> m_cArguments;
-  std::size_t m_nArgumentBytes = 0;
   std::string m_sEnd;
+  Bytes m_vEntry;
 };
+
+/// What arguments are compared by: equal ones have the same, and others never do by chance.
+std::size_t hash_of(ByteView arguments);
 
 /// A call in words, as in "ftrScanSetOptions(handle 1, 4, 4)".
 std::string in_words(eFunction function, ByteView arguments);

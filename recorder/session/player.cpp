@@ -19,10 +19,6 @@ constexpr bool is_line_to_the_log(eFunction function) {
   return library_of(function) == eLibrary::ostrevanlf;
 }
 
-ByteView view_of(const std::string& text) {
-  return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
-}
-
 }  // namespace
 
 Player::Player(std::unique_ptr<Recording> recording, Milliseconds patience,
@@ -52,7 +48,7 @@ void Player::answer(eFunction function, std::uint32_t thread, const Arguments& a
   const Bytes& encoded = arguments.encoded();
   Lock lock(m_cLock);
   const auto living = m_cLiving.find(thread);
-  Wanted wanted = {function, std::string(encoded.begin(), encoded.end()),
+  Wanted wanted = {function, encoded, hash_of(encoded),
                    living == m_cLiving.end() ? nullptr : living->second};
   const std::size_t call = choose(lock, wanted, thread);
   try {
@@ -89,15 +85,14 @@ std::string Player::left_over() const {
   if (count == 0) {
     return {};
   }
-  const Recording::Call& call = m_pRecording->calls()[first];
   return std::to_string(count) + " of " + std::to_string(count + m_nMade) +
          " recorded calls were not made, the first of them is call " + std::to_string(first + 1) +
-         ", " + in_words(call.head.function, view_of(*call.arguments));
+         ", " + m_pRecording->in_words(m_pRecording->calls()[first]);
 }
 
 bool Player::is_same(std::size_t call, const Wanted& wanted) const {
   const Recording::Call& recorded = m_pRecording->calls()[call];
-  return recorded.head.function == wanted.function && *recorded.arguments == wanted.arguments;
+  return recorded.head.function == wanted.function && recorded.arguments == wanted.hash;
 }
 
 bool Player::is_next(const Thread& thread, const Wanted& wanted) const {
@@ -239,11 +234,10 @@ std::optional<std::size_t> Player::expected(const Wanted& wanted) const {
 }
 
 void Player::diverge(const Wanted& wanted) {
-  const std::string made = in_words(wanted.function, view_of(wanted.arguments));
+  const std::string made = in_words(wanted.function, wanted.arguments);
   if (const std::optional<std::size_t> place = expected(wanted)) {
-    const Recording::Call& call = m_pRecording->calls()[*place];
     m_pEnding->diverged("call " + std::to_string(*place + 1) + " is " + made + ", recorded was " +
-                        in_words(call.head.function, view_of(*call.arguments)));
+                        m_pRecording->in_words(m_pRecording->calls()[*place]));
   }
   const std::string& why = m_pRecording->end();
   m_pEnding->diverged("call " + std::to_string(m_nMade + 1) + " is " + made +

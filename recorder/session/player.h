@@ -76,8 +76,9 @@ class Player {
 
   struct Wanted {
     eFunction function;
-    std::string arguments;
-    Thread* own;  // null for a thread that makes its first call
+    const Bytes& arguments;
+    std::size_t hash;  // of the arguments
+    Thread* own;       // null for a thread that makes its first call
   };
 
   bool is_next(const Thread& thread, const Wanted& wanted) const;

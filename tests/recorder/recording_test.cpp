@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <filesystem>
 
@@ -78,6 +79,30 @@ TEST(Recording, KeepsALongTextByItsBeginning) {
   other.text((std::string(5000, 'x') + "2").c_str());
   EXPECT_LE(longer.encoded().size(), Arguments::kLongest);
   EXPECT_NE(longer.encoded(), other.encoded());
+}
+
+std::size_t allocated() {
+  const struct mallinfo2 memory = ::mallinfo2();
+  return memory.uordblks + memory.hblkhd;
+}
+
+TEST(Recording, TakesNoMoreMemoryThanItsFileIsLarge) {
+  RecordingBuilder builder;
+  for (int number = 0; number < 2000; ++number) {
+    builder.call(1, kGetOptions, Arguments().number(number).text(std::string(1000, 'x').c_str()));
+  }
+  const std::size_t before = allocated();
+  const Recording recording(builder.path());
+  EXPECT_LT(allocated() - before, 2 * std::filesystem::file_size(builder.path()));
+}
+
+TEST(Recording, TellsACallThatIsGoneByItsFunction) {
+  RecordingBuilder builder;
+  builder.call(1, kGetOptions, Arguments().number(7));
+  Recording recording(builder.path());
+  EXPECT_EQ(recording.in_words(recording.calls()[0]), "ftrScanGetOptions(7)");
+  std::filesystem::resize_file(builder.path(), kPrologueSize);
+  EXPECT_EQ(recording.in_words(recording.calls()[0]), "ftrScanGetOptions");
 }
 
 TEST(Recording, IsReadUpToWhereItIsTorn) {
