@@ -75,7 +75,9 @@ Sections read_literally(const std::string& text) {
 std::string saved_literally(const Parameters& parameters) {
   std::string text;
   for (const auto& [name, value] : parameters) {
-    text += value.empty() ? "" : name + "\t=\t" + value + "\n";
+    if (!value.empty()) {
+      text.append(name).append("\t=\t").append(value).append("\n");
+    }
   }
   return text;
 }

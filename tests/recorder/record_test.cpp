@@ -6,8 +6,6 @@
 namespace hvk3::test {
 namespace {
 
-using Osv::recorder::eFunction;
-
 class Record : public RecordedTool {
  protected:
   Outcome record_list() const { return record("list"); }

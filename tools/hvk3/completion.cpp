@@ -117,7 +117,7 @@ void add(Tables& tables, const std::string& path, const CLI::App& app) {
 }  // namespace
 
 std::string bash_completion(const CLI::App& app) {
-  const std::string program = app.get_name();
+  const std::string& program = app.get_name();
   std::string function = '_' + program;
   std::replace(function.begin(), function.end(), '-', '_');
   Tables tables;

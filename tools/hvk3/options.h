@@ -33,8 +33,8 @@ struct RecordingOptions {
 struct Options {
   std::string plugin;  ///< empty: the default one
   Scene scene;
-  bool simulate = false;
   std::string replay;  ///< recording in place of the closed libraries; empty: none
+  bool simulate = false;
   bool verbose = false;
   bool json = false;
   std::optional<unsigned int> device;  ///< interface of the scanner; none: the first of the list
