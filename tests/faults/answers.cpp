@@ -55,6 +55,12 @@ void Answers::allocate(eThread thread) {
   }
 }
 
+void Answers::allocate() {
+  if (m_sExhaustion.has_value()) {
+    allocate(m_sExhaustion->thread);
+  }
+}
+
 bool Answers::lacks_worker() {
   const bool lacks = m_sExhaustion.has_value() && m_sExhaustion->no_worker &&
                      m_sExhaustion->calls == m_vCalls.size();
@@ -67,9 +73,7 @@ bool Answers::lacks_worker() {
 /// What a call answers is settled by who makes it before the call is counted here, so that an
 /// incident comes behind it.
 Effect Answers::call(eFunction function) {
-  if (m_sExhaustion.has_value()) {
-    allocate(m_sExhaustion->thread);
-  }
+  allocate();
   if (lacks(function)) {
     throw m_cMissing.at(function);
   }

@@ -63,6 +63,9 @@ class Answers {
   /// @throws Failure
   void allocate(eThread thread);
 
+  /// The same on whichever thread the present call of the client is worked on.
+  void allocate();
+
   /// Whether a worker gets no memory to start with.
   bool lacks_worker();
 

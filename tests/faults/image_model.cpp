@@ -316,7 +316,9 @@ double DriverModel::rate_at(unsigned int score, double sign) {
   constexpr double kWidth = 6;
   const double crossing = m_s.level == 1 ? 48.5 : 62.5;
   const double rate = 1 / (1 + std::exp(-sign * (score - crossing) / kWidth));
-  return std::strtod(read_property(std::to_string(rate)).c_str(), nullptr);
+  const std::string text = read_property(std::to_string(rate));
+  m_cAnswers.allocate();  // the last number, too, is made before the threshold is known
+  return std::strtod(text.c_str(), nullptr);
 }
 
 std::string DriverModel::read_property(const std::string& own) {
