@@ -61,5 +61,19 @@ TEST_F(Saving, SaysThatTheFileCantBeWritten) {
   EXPECT_GT(picture().count(layout().notice, kRed), 20);
 }
 
+TEST_F(Saving, SaysThatTheNameOfTheFileIsTooLong) {
+  start_saving(std::string(300, 'n') + ".png");
+  press("n", "snap");
+  press("s", "error");
+  EXPECT_EQ(quit().status, 0);
+}
+
+TEST_F(Saving, LeavesALinkThatLeadsNowhereAlone) {
+  std::filesystem::create_symlink("absent", m_cFolder.file("image-1.png"));
+  start_saving();
+  press("n", "snap");
+  press("s", "saved " + m_cFolder.file("image-2.png"));
+}
+
 }  // namespace
 }  // namespace hvk3::test
