@@ -63,6 +63,16 @@ TEST_F(Scanner, MayComeBackAtAnotherInterfaceWithSmallerFrames) {
   EXPECT_TRUE(shows_print(picture(), layout().live));
 }
 
+TEST_F(Scanner, MayComeBackBeforeTheInterfaceThatItHasLeft) {
+  start({"--scanners", "0"});
+  say("plug 5");
+  wait_for("live");
+  say("unplug 5");
+  wait_for("unplugged");
+  say("plug 2");
+  wait_for("back 2 HVK30003");
+}
+
 TEST_F(Scanner, ThatIsUnpluggedWhileFrozenIsMissed) {
   start_capturing();
   press("space", "frozen");

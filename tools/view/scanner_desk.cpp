@@ -367,7 +367,7 @@ void ScannerDesk::look() {
 
 void ScannerDesk::look_at_scanner() {
   if (m_eConnection == eConnection::Missing) {
-    if (is_attached(grabber(), m_nWanted)) {
+    if (has_come_back()) {
       begin();
     }
   } else if (m_eConnection == eConnection::Capturing) {
@@ -377,6 +377,20 @@ void ScannerDesk::look_at_scanner() {
       lose(Failure(ExitStatus::NoScanner, "the scanner was unplugged while frozen"));
     }
   }
+}
+
+/// Without a wish any scanner will do, also one that the list leaves out: see above. Choosing it
+/// brings it into the list.
+bool ScannerDesk::has_come_back() {
+  if (is_attached(grabber(), m_nWanted)) {
+    return true;
+  }
+  const std::optional<ListedScanner> last = m_cBoard.status().scanner;
+  bool found = false;
+  for (unsigned int i = 0; !found && !m_nWanted && last && i < last->interface; ++i) {
+    found = choose(i);
+  }
+  return found;
 }
 
 /// Nothing fails while frozen, so nothing would tell of an unplugging then.

@@ -42,6 +42,7 @@ class ScannerDesk {
   void begin();
   void turn_to(const ListedScanner& scanner);
   void look_at_scanner();
+  bool has_come_back();
   void lose(const Failure& failure);
   void part_from_scanner();
   void prepare();
