@@ -4,9 +4,13 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstdio>
 #include <string>
+
+#include "hvk3/failure.h"
 
 namespace hvk3::test {
 namespace {
@@ -54,6 +58,36 @@ TEST_F(EventLog, LetsNobodyWaitForWhoeverReads) {
   log.tell("settled");
   log.tell("lifted");
   EXPECT_EQ(read_to("lifted\n"), "finger\nsettled\nlifted\n");
+}
+
+TEST_F(EventLog, SaysHowManyLinesAreLostOnASlowReader) {
+  constexpr std::size_t kTold = 2 * view::EventLog::kMost;
+  view::EventLog log(true);
+  for (std::size_t i = 0; i < kTold; ++i) {
+    log.tell("x");
+  }
+  const std::string kept = read_to("lost");
+  const auto written = static_cast<std::size_t>(std::count(kept.begin(), kept.end(), 'x'));
+  EXPECT_LE(written, view::EventLog::kMost);
+  EXPECT_EQ(std::stoul(read_to("\n")), kTold - written);
+}
+
+TEST_F(EventLog, GoesOnBehindALoss) {
+  view::EventLog log(true);
+  for (std::size_t i = 0; i < 2 * view::EventLog::kMost; ++i) {
+    log.tell("x");
+  }
+  read_to("lost");
+  log.tell("finger");
+  read_to("\n");
+  EXPECT_EQ(read_to("finger\n"), "finger\n");
+}
+
+TEST_F(EventLog, EndsThoughNobodyReads) {
+  view::EventLog log(true, std::chrono::milliseconds(1));
+  log.tell("finger");
+  log.close();
+  EXPECT_THROW(log.check(), Failure);
 }
 
 }  // namespace

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <deque>
 #include <mutex>
 #include <string>
@@ -16,7 +18,12 @@ namespace hvk3::view {
 /// them in order, so that nobody who tells waits for a slow reader.
 class EventLog {
  public:
-  explicit EventLog(bool wanted);
+  /// So many lines are kept for a slow reader. In the place of those beyond stands how many they
+  /// are.
+  static constexpr std::size_t kMost = 10'000;
+
+  /// @param patience how long the end waits for a reader that takes nothing
+  explicit EventLog(bool wanted, std::chrono::milliseconds patience = std::chrono::seconds(2));
   ~EventLog();
   EventLog(const EventLog&) = delete;
   EventLog& operator=(const EventLog&) = delete;
@@ -24,22 +31,26 @@ class EventLog {
   /// From any thread.
   void tell(const std::string& line);
 
-  /// Waits until everything is written. Nothing is told afterwards.
+  /// Waits until everything is written, or nobody reads it. Nothing is told afterwards.
   void close();
 
-  /// Whether a line could not be written.
-  bool is_broken() const { return m_bBroken; }
+  /// @throws Failure `OutputFailed` when a line could not be written
+  void check() const;
 
  private:
+  void keep(const std::string& line);
   void work();
   void write(const std::string& line);
+  bool has_room() const;
 
   const bool m_bWanted;
+  const std::chrono::milliseconds m_cPatience;
   std::atomic<bool> m_bBroken = false;
+  std::atomic<bool> m_bClosed = false;  // changed with the lock
 
   std::mutex m_cLock;  // guards the next two
   std::deque<std::string> m_cLines;
-  bool m_bClosed = false;
+  std::size_t m_nLost = 0;  // told by the last of the lines
   std::condition_variable m_cChanged;
 
   std::thread m_cThread;  // last: it uses everything above

@@ -43,8 +43,12 @@ int Program::run() {
   m_cWorker.emplace(*m_cContext, m_cBoard, m_cEvents);
   const DisplayLoss loss([this] { return end_without_display(); });
   Viewer(m_cOptions, window, painter, m_cBoard, *m_cWorker, m_cEvents).run(interruption);
-  const std::optional<Failure>& failure = m_cWorker->failure();
-  return failure ? failure->exit_code() : static_cast<int>(ExitStatus::Ok);
+  if (const std::optional<Failure>& failure = m_cWorker->failure()) {
+    return failure->exit_code();
+  }
+  m_cEvents.close();
+  m_cEvents.check();
+  return static_cast<int>(ExitStatus::Ok);
 }
 
 int Program::end_without_display() {

@@ -45,9 +45,7 @@ void Viewer::work_until_the_end(const Interruption& interruption) {
       handle(*input);
     }
     interruption.check();
-    if (m_cEvents.is_broken()) {
-      throw Failure(ExitStatus::OutputFailed, "standard output can't be written");
-    }
+    m_cEvents.check();
     take_images();
     draw_if_needed();
   }
