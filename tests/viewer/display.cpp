@@ -82,6 +82,7 @@ Display::Display()
   ::setenv("DISPLAY", name.c_str(), 1);
   ::setenv("SDL_VIDEODRIVER", "x11", 1);
   ::setenv("SDL_RENDER_DRIVER", "software", 1);
+  ::setenv("SDL_FRAMEBUFFER_ACCELERATION", "0", 1);  // nor does OpenGL bring it there
   m_pConnection = std::make_unique<Connection>(name);
 }
 
