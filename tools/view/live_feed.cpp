@@ -38,6 +38,24 @@ void LiveFeed::start() {
                                             &on_error, &on_warning, this));
 }
 
+void LiveFeed::announce(const std::string& event) {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  m_cEvents.tell(event);
+  for (const std::string& early : m_vEarly) {
+    m_cEvents.tell(early);
+  }
+  m_bAnnounced = true;
+}
+
+void LiveFeed::tell(const std::string& event) {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  if (m_bAnnounced) {
+    m_cEvents.tell(event);
+  } else {
+    m_vEarly.push_back(event);
+  }
+}
+
 void LiveFeed::judge(std::optional<unsigned int> threshold) {
   const std::lock_guard<std::mutex> lock(m_cLock);
   m_nThreshold = threshold;
@@ -67,7 +85,7 @@ void LiveFeed::take_frame(const unsigned char* image) {
     }
   });
   if (!std::exchange(m_bLive, true)) {
-    m_cEvents.tell("live");
+    tell("live");
   }
 }
 
@@ -101,7 +119,7 @@ void LiveFeed::take_finger(const unsigned char* image) {
   if (settled) {
     const bool fake = end_row();
     m_cBoard.kept.put(std::make_unique<Kept>(Kept{std::move(*settled), false, m_nTouch, fake}));
-    m_cEvents.tell(fake ? "settled fake" : "settled");
+    tell(fake ? "settled fake" : "settled");
   }
 }
 
@@ -114,14 +132,14 @@ void LiveFeed::begin_touch() {
     status.settled = false;
     status.touch = m_nTouch;
   });
-  m_cEvents.tell("finger");
+  tell("finger");
 }
 
 void LiveFeed::end_touch() {
   m_bTouching = false;
   end_row();
   m_cBoard.update([](Status& status) { status.finger = false; });
-  m_cEvents.tell("lifted");
+  tell("lifted");
 }
 
 void LiveFeed::on_frame(int /*handle*/, unsigned int /*channel*/, unsigned char* image,

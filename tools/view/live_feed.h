@@ -5,6 +5,7 @@
 #include <string>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "hvk3/plugin.h"
 #include "hvk3/settling.h"
@@ -34,6 +35,9 @@ class LiveFeed {
   /// @throws Failure
   void start();
 
+  /// Tells the event of the start, and then those of images that have come already.
+  void announce(const std::string& event);
+
   /// Judges frames from the next one on that was fetched by now.
   /// @param threshold score up to which a finger is a fake; none: judges no more
   void judge(std::optional<unsigned int> threshold);
@@ -59,6 +63,7 @@ class LiveFeed {
   void end_touch();
   std::optional<Judgement> judge_frame();
   bool end_row();
+  void tell(const std::string& event);
 
   Osv::lx::ClFramegrabber& m_cGrabber;
   const Osv::lx::CurrentFrameInfoFunction m_pfnFrameInfo;
@@ -82,6 +87,8 @@ class LiveFeed {
   bool m_bOldFrame = false;   // the next frame may have been fetched before judging began
   bool m_bFakeInRow = false;  // among the images of which one settles
   std::optional<std::string> m_sError;
+  bool m_bAnnounced = false;
+  std::vector<std::string> m_vEarly;  // events before the announcement
 };
 
 }  // namespace hvk3::view

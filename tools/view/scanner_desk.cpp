@@ -77,8 +77,8 @@ void ScannerDesk::begin() {
       status.connection = m_eConnection;
       status.scanners = m_cSeen.size();
     });
-    m_cEvents.tell((back ? "back " : "started ") + std::to_string(scanner.interface) + ' ' +
-                   scanner.serial);
+    m_cFeed->announce((back ? "back " : "started ") + std::to_string(scanner.interface) + ' ' +
+                      scanner.serial);
   } catch (const Failure& failure) {
     lose(failure);
   }
