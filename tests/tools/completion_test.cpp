@@ -85,6 +85,11 @@ TEST_F(Completion, KnowsAllCommands) {
   EXPECT_EQ(all_commands().size(), 1U + 20 + 4);  // the tool, its commands, their groups
 }
 
+TEST_F(Completion, IsAJSONObjectToo) {
+  const std::string script = run({HVK3_TOOL, "completion", "bash"}).out;
+  EXPECT_EQ(Json::parse(run({HVK3_TOOL, "completion", "bash", "--json"}).out)["script"], script);
+}
+
 TEST_F(Completion, GoesOnFromAWordBegun) {
   EXPECT_THAT(offered({"li"}), ElementsAre("list", "liveness"));
   EXPECT_THAT(offered({"property", "g"}), ElementsAre("get"));

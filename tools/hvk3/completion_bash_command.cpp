@@ -1,3 +1,5 @@
+#include <CLI/CLI.hpp>
+
 #include "hvk3/command_line.h"
 #include "hvk3/completion.h"
 
@@ -8,9 +10,15 @@ constexpr char kExamples[] =
     "  source <(hvk3 completion bash)   for this shell; in ~/.bashrc for all to come\n"
     "  hvk3 completion bash > /etc/bash_completion.d/hvk3\n";
 
-void run(Context& context) { context.report().text(bash_completion(CommandLine().app())); }
+void run(Context& context) {
+  const std::string script = bash_completion(CommandLine().app());
+  context.report()["script"] = script;
+  context.report().text(script);
+}
 
-void add_options(CLI::App& /*app*/, Options& /*options*/) {}
+void add_options(CLI::App& app, Options& options) {
+  app.add_flag("--json", options.json, "Print the script in a JSON object");
+}
 
 }  // namespace
 
