@@ -30,8 +30,8 @@ struct Ended : std::runtime_error {
 
 class ThrowingEnding : public recorder::Ending {
  public:
-  void diverged(const std::string& how) override { throw Ended(how); }
-  void damaged(const std::string& how) override { throw Ended(how); }
+  void diverged(const recorder::LastCall& call) override { throw Ended(call.why); }
+  void damaged(const recorder::LastCall& call) override { throw Ended(call.why); }
 };
 
 /// Memory for an answer, as large as it has to be and no larger, and as it was given out: bytes

@@ -90,6 +90,9 @@ class BlockReader {
   /// Where the next block begins.
   std::uint64_t position() const { return m_nPosition; }
 
+  /// Bytes of the file.
+  std::uint64_t size() const { return m_nSize; }
+
   /// Whether the file ends within a block.
   bool torn() const { return m_bTorn; }
 

@@ -21,6 +21,17 @@ struct Header {
   std::array<bool, kFunctionCount> exported = {};  ///< and the functions that they had
 };
 
+/// Whether a call asks for a frame of a capture.
+constexpr bool is_frame(eFunction function) {
+  return function == eFunction::ftrScanGetImageByVariableDose ||
+         function == eFunction::ftrScanGetFrame;
+}
+
+/// Whether a call is one to the log, which nobody compares or answers when it is played.
+constexpr bool is_line_to_the_log(eFunction function) {
+  return library_of(function) == eLibrary::ostrevanlf;
+}
+
 /// A call, but for its answer.
 struct CallHead {
   eFunction function = {};

@@ -10,6 +10,11 @@ namespace {
 
 constexpr std::size_t kHeaderSize = 1024;
 
+/// Whether an answer begins with the status of a success.
+bool is_success(ByteReader answer) {
+  return answer.rest().size() >= sizeof(std::int32_t) && answer.number<std::int32_t>() != 0;
+}
+
 }  // namespace
 
 Recording::Recording(const std::string& path) : m_cFile(path) {
@@ -35,6 +40,7 @@ void Recording::take(ByteReader reader, std::uint64_t position) {
       const ByteView arguments = take_arguments(reader);
       arguments_in_words(arguments);  // so that they can be told later
       m_vCalls.push_back({head, hash_of(arguments), position});
+      m_nFrames += is_frame(head.function) && is_success(reader) ? 1 : 0;
       break;
     }
     case eEntry::End:

@@ -29,6 +29,12 @@ class Recording {
   const Header& header() const { return m_cHeader; }
   const std::vector<Call>& calls() const { return m_vCalls; }
 
+  /// Number of frames that captures were given.
+  std::size_t frames() const { return m_nFrames; }
+
+  /// Bytes of the file.
+  std::uint64_t size() const { return m_cFile.size(); }
+
   /// Why the recording ended early; empty for a usual end.
   const std::string& end() const { return m_sEnd; }
 
@@ -48,6 +54,7 @@ class Recording {
   BlockReader m_cFile;
   Header m_cHeader;
   std::vector<Call> m_vCalls;
+  std::size_t m_nFrames = 0;
   std::string m_sEnd;
   Bytes m_vEntry;
 };

@@ -10,15 +10,6 @@ namespace {
 // A capture beyond its recorded end goes on at about this pace, as a scanner does.
 constexpr std::chrono::milliseconds kFrameTime(50);
 
-constexpr bool is_frame(eFunction function) {
-  return function == eFunction::ftrScanGetImageByVariableDose ||
-         function == eFunction::ftrScanGetFrame;
-}
-
-constexpr bool is_line_to_the_log(eFunction function) {
-  return library_of(function) == eLibrary::ostrevanlf;
-}
-
 }  // namespace
 
 Player::Player(std::unique_ptr<Recording> recording, Milliseconds patience,
@@ -58,8 +49,9 @@ void Player::answer(eFunction function, std::uint32_t thread, const Arguments& a
     take_answer(answer);
     answer.finish();
   } catch (const std::exception& damage) {  // nothing of it is to go out through the call
-    m_pEnding->damaged("call " + std::to_string(call + 1) + ", " + in_words(function, encoded) +
-                       ": " + damage.what());
+    m_pEnding->damaged({call + 1, function,
+                        "call " + std::to_string(call + 1) + ", " + in_words(function, encoded) +
+                            ": " + damage.what()});
   }
 }
 
@@ -180,7 +172,7 @@ std::size_t Player::take(Thread& thread, std::uint32_t living) {
   thread.bound = true;
   thread.ended = false;
   thread.is_late = false;
-  ++m_nMade;
+  m_pEnding->played(++m_nMade);
   m_cProgress.notify_all();
   return thread.calls[thread.next++];
 }
@@ -236,13 +228,15 @@ std::optional<std::size_t> Player::expected(const Wanted& wanted) const {
 void Player::diverge(const Wanted& wanted) {
   const std::string made = in_words(wanted.function, wanted.arguments);
   if (const std::optional<std::size_t> place = expected(wanted)) {
-    m_pEnding->diverged("call " + std::to_string(*place + 1) + " is " + made + ", recorded was " +
-                        m_pRecording->in_words(m_pRecording->calls()[*place]));
+    m_pEnding->diverged({*place + 1, wanted.function,
+                         "call " + std::to_string(*place + 1) + " is " + made + ", recorded was " +
+                             m_pRecording->in_words(m_pRecording->calls()[*place])});
   }
   const std::string& why = m_pRecording->end();
-  m_pEnding->diverged("call " + std::to_string(m_nMade + 1) + " is " + made +
-                      ", the recording has no more calls of this thread" +
-                      (why.empty() ? "" : ": it ended at " + why));
+  m_pEnding->diverged({m_nMade + 1, wanted.function,
+                       "call " + std::to_string(m_nMade + 1) + " is " + made +
+                           ", the recording has no more calls of this thread" +
+                           (why.empty() ? "" : ": it ended at " + why)});
   std::terminate();  // a compiler does not take a virtual function's word that it never returns
 }
 

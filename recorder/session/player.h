@@ -20,17 +20,30 @@
 
 namespace Osv::recorder {
 
-/// How a replay ends that can't go on. Neither returns: the process ends, or an exception goes out
-/// through the call.
+/// The call at which a replay can't go on, and why.
+struct LastCall {
+  std::uint64_t number;  ///< from 1
+  eFunction function;    ///< what the program called
+  std::string why;
+};
+
+/// What becomes of a replay.
 class Ending {
  public:
   virtual ~Ending() = default;
 
+  /// So many calls have been answered by now.
+  virtual void played(std::uint64_t /*calls*/) {}
+
+  /// @name When it can't go on
+  /// Neither returns: the process ends, or an exception goes out through the call.
+  /// @{
   /// The program makes another call than the one recorded.
-  [[noreturn]] virtual void diverged(const std::string& how) = 0;
+  [[noreturn]] virtual void diverged(const LastCall& call) = 0;
 
   /// The recording can't be used.
-  [[noreturn]] virtual void damaged(const std::string& how) = 0;
+  [[noreturn]] virtual void damaged(const LastCall& call) = 0;
+  /// @}
 };
 
 /// A call is answered by the next one of a recorded thread that made the same calls so far, when

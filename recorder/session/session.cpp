@@ -1,7 +1,6 @@
 #include "recorder/session/session.h"
 
 #include <dlfcn.h>
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -11,6 +10,7 @@
 #include <string>
 #include <utility>
 
+#include "recorder/format/replay_report.h"
 #include "recorder/session/message.h"
 
 namespace Osv::recorder {
@@ -23,25 +23,48 @@ std::string variable_named(const char* name) {
   return value == nullptr ? "" : value;
 }
 
-/// For the tool, which waits for the end.
-void leave_report(const std::string& text) {
+/// For the tool, which waits for the end; null without one.
+ReplayReport* open_report() {
   const std::string path = variable_named(variable::kReport);
-  const Descriptor file(
-      path.empty() ? -1 : ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
-  static_cast<void>(file.get() >= 0 && ::write(file.get(), text.data(), text.size()) > 0);
+  try {
+    return path.empty() ? nullptr : std::make_unique<ReplayReport>(path).release();
+  } catch (const std::exception&) {
+    return nullptr;  // as when the tool is gone
+  }
+}
+
+ReplayReport* report() {
+  static ReplayReport* const report = open_report();
+  return report;
 }
 
 /// The process ends at once: nothing that it could still do would be as it was.
-[[noreturn]] void end_process(eEnd end, const std::string& text) {
-  message("hvk3: " + text);
-  leave_report(text);
+[[noreturn]] void end_process(eEnd end, const LastCall& call) {
+  message("hvk3: " + call.why);
+  if (report() != nullptr) {
+    report()->end({static_cast<int>(end), call.number, call.function, call.why});
+  }
   ::_exit(static_cast<int>(end));
+}
+
+[[noreturn]] void end_process(eEnd end, const std::string& why) {
+  end_process(end, LastCall{0, {}, why});
 }
 
 class ProcessEnding : public Ending {
  public:
-  void diverged(const std::string& how) override { end_process(eEnd::Diverged, "replay: " + how); }
-  void damaged(const std::string& how) override { end_process(eEnd::Damaged, "replay: " + how); }
+  void played(std::uint64_t calls) override {
+    if (report() != nullptr) {
+      report()->played(calls);
+    }
+  }
+  void diverged(const LastCall& call) override { end(eEnd::Diverged, call); }
+  void damaged(const LastCall& call) override { end(eEnd::Damaged, call); }
+
+ private:
+  [[noreturn]] static void end(eEnd end, const LastCall& call) {
+    end_process(end, LastCall{call.number, call.function, "replay: " + call.why});
+  }
 };
 
 Player::Milliseconds patience() {
@@ -54,6 +77,9 @@ Player::Milliseconds patience() {
 }
 
 std::unique_ptr<Player> open_player(const std::string& path) {
+  if (report() != nullptr) {
+    report()->begin();
+  }
   try {
     return std::make_unique<Player>(std::make_unique<Recording>(path), patience(),
                                     std::make_unique<ProcessEnding>());
@@ -85,8 +111,9 @@ struct LivingThread {
 // Behind the destructors of all programs and libraries that were there before this one, unlike
 // what a static destructor does: some of them make calls.
 [[gnu::destructor]] void tell_what_is_left_over() {
-  const Player* const player = Session::get().player();
-  const std::string left_over = player == nullptr ? "" : player->left_over();
+  const Session& session = Session::get();
+  const bool is_told = session.player() != nullptr && !session.is_fork();
+  const std::string left_over = is_told ? session.player()->left_over() : "";
   if (!left_over.empty()) {
     message("hvk3 replay: " + left_over);
   }
@@ -99,7 +126,7 @@ Session& Session::get() {
   return session;
 }
 
-Session::Session() {
+Session::Session() : m_nProcess(::getpid()) {
   if (const std::string path = variable_named(variable::kReplay); !path.empty()) {
     m_pPlayer = open_player(path);
   } else if (const std::string file = variable_named(variable::kRecording); !file.empty()) {
@@ -132,6 +159,8 @@ void Session::open(eLibrary library) {
   }
   ::dlerror();  // a function that isn't there is nobody's error yet
 }
+
+bool Session::is_fork() const { return ::getpid() != m_nProcess; }
 
 std::uint32_t Session::thread() {
   static std::atomic<std::uint32_t> s_nLast = 0;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <array>
 #include <cerrno>
 #include <cstdint>
@@ -41,6 +43,9 @@ class Session {
                                 : m_pRecorder == nullptr || m_pRecorder->pixels();
   }
 
+  /// Whether this process is not the one that began, but made from it.
+  bool is_fork() const;
+
   /// Opens a real library and looks its functions up; ends the process when it isn't there.
   void open(eLibrary library);
 
@@ -58,6 +63,7 @@ class Session {
 
   Session();
 
+  const pid_t m_nProcess;
   std::unique_ptr<Player> m_pPlayer;
   std::unique_ptr<Recorder> m_pRecorder;
   std::unique_ptr<State> m_aState = std::make_unique<State>();

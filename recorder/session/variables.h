@@ -11,7 +11,7 @@ inline constexpr char kRecording[] = "HVK3_RECORD_FILE";
 inline constexpr char kLibraries[] = "HVK3_RECORD_LIBRARIES";  ///< paths, a colon between
 inline constexpr char kReplay[] = "HVK3_REPLAY_FILE";
 inline constexpr char kPatience[] = "HVK3_REPLAY_PATIENCE";  ///< milliseconds, for users to set
-inline constexpr char kReport[] = "HVK3_REPLAY_REPORT";      ///< file for how a replay ended
+inline constexpr char kReport[] = "HVK3_REPLAY_REPORT";      ///< a `ReplayReport`
 }  // namespace variable
 
 /// Exit statuses of a process that ends within a call; numbers of the tool's.

@@ -25,8 +25,8 @@ struct Diverged : std::runtime_error {
 
 class ThrowingEnding : public Ending {
  public:
-  void diverged(const std::string& how) override { throw Diverged(how); }
-  void damaged(const std::string& how) override { throw DamagedRecording(how); }
+  void diverged(const LastCall& call) override { throw Diverged(call.why); }
+  void damaged(const LastCall& call) override { throw DamagedRecording(call.why); }
 };
 
 class Playing : public testing::Test {

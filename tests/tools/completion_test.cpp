@@ -85,6 +85,13 @@ TEST_F(Completion, KnowsAllCommands) {
   EXPECT_EQ(all_commands().size(), 1U + 20 + 4);  // the tool, its commands, their groups
 }
 
+TEST_F(Completion, OffersJSONBehindEveryCommand) {
+  for (const Words& words : all_commands()) {
+    const std::string text = help(words);
+    EXPECT_EQ(options(text).count("--json"), commands(text).empty() ? 1U : 0U) << text;
+  }
+}
+
 TEST_F(Completion, IsAJSONObjectToo) {
   const std::string script = run({HVK3_TOOL, "completion", "bash"}).out;
   EXPECT_EQ(Json::parse(run({HVK3_TOOL, "completion", "bash", "--json"}).out)["script"], script);

@@ -26,12 +26,12 @@ int end_with(const Failure& failure, Console& console, Report& report) {
 /// The same command line again, where the loader finds the recording's libraries.
 int run_on_recording(const Options& options, Words words, Console& console, Report& report) {
   words.front() = std::filesystem::read_symlink("/proc/self/exe").string();
-  const ReplayEnd end = replay(options.replay, words, console);
-  if (end.failure && options.json) {
-    report.fail(*end.failure);
+  const ReplayEnd end = replay(options.replay, words, eOutput::Standard, console);
+  if (end.trouble && options.json) {
+    fill_report(report, end);
     report.print();
   }
-  return end.status;
+  return end.program.status;
 }
 
 int run(const Command& command, const Options& options, const Words& words) {

@@ -113,6 +113,12 @@ void add_plugin_options(CLI::App& command, Options& options) {
   add_scene_options(command, options, simulate);
 }
 
+void add_program_output_option(CLI::App& command, Options& options) {
+  command.add_flag("--json", options.json,
+                   "Print the result as one JSON object; what the program prints goes to standard "
+                   "error");
+}
+
 void add_device_option(CLI::App& command, Options& options) {
   command
       .add_option("--device", options.device,

@@ -73,6 +73,7 @@ struct Options {
 /// @name The options by subject; each command adds those that it uses.
 /// @{
 void add_plugin_options(CLI::App& command, Options& options);
+void add_program_output_option(CLI::App& command, Options& options);
 void add_device_option(CLI::App& command, Options& options);
 void add_image_options(CLI::App& command, Options& options);
 void add_record_options(CLI::App& command, Options& options);

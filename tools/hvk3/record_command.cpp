@@ -10,7 +10,7 @@
 #include "hvk3/recording/forwarder_folder.h"
 #include "hvk3/recording/real_libraries.h"
 #include "hvk3/recording/recording_file.h"
-#include "recorder/format/recording.h"
+#include "hvk3/recording/recording_summary.h"
 #include "recorder/session/variables.h"
 
 namespace hvk3 {
@@ -47,18 +47,17 @@ void warn(Console& console, const RecordingOptions& options) {
       " the scanner's memory and serial number; keep it safe");
 }
 
-std::string result_of(const std::string& file) {
-  const std::size_t calls = Osv::recorder::Recording(file).calls().size();
-  return calls == 0 ? "nothing was recorded, the program called no closed library"
-                    : std::to_string(calls) + " calls are in " + file;
-}
-
 /// Throws nothing about the file: the program has ended, and what it ended with is to be told.
-void tell_result(Console& console, const RecordingOptions& options) {
+void tell_result(Context& context) {
+  auto& object = context.report()["recording"] = nullptr;
   try {
-    console.message(result_of(options.file));
+    const RecordingSummary recording = summary_of(context.options().recording.file);
+    object = to_json(recording);
+    context.console().message(
+        recording.calls == 0 ? "nothing was recorded, the program called no closed library"
+                             : std::to_string(recording.calls) + " calls are in " + recording.path);
   } catch (const std::exception& failure) {
-    console.message(std::string("the recording can't be read: ") + failure.what());
+    context.console().message(std::string("the recording can't be read: ") + failure.what());
   }
 }
 
@@ -73,12 +72,16 @@ void run(Context& context) {
   ::setenv(variable::kRecording, file.c_str(), 1);
   ::setenv(variable::kLibraries, listed(libraries).c_str(), 1);
   ::unsetenv(variable::kReplay);
-  context.end_with(run_program(options.program));
-  tell_result(context.console(), options);
+  const ProgramEnd end =
+      run_program(options.program, context.options().json ? eOutput::Error : eOutput::Standard);
+  context.end_with(end.status);
+  context.report().end(end.status, end.by_signal);
+  tell_result(context);
 }
 
 void add_options(CLI::App& app, Options& all) {
   RecordingOptions& options = all.recording;
+  add_program_output_option(app, all);
   app.add_option("FILE", options.file, "The recording to make")->type_name("")->required();
   CLI::Option* const folder =
       app.add_option("--real-dir", options.real_folder,

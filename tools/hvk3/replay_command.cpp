@@ -13,11 +13,20 @@ constexpr char kExamples[] =
     "A program that does not do what was recorded is ended with status 9.\n";
 
 void run(Context& context) {
-  const RecordingOptions& options = context.options().recording;
-  context.end_with(replay(options.file, options.program, context.console()).status);
+  const Options& options = context.options();
+  const ReplayEnd end =
+      replay(options.recording.file, options.recording.program,
+             options.json ? eOutput::Error : eOutput::Standard, context.console());
+  Report& report = context.report();
+  fill_report(report, end);
+  report["recording"] = to_json(end.recording);
+  report["played"] = end.played;
+  report["left_over"] = end.recording.answered_calls - end.played;
+  context.end_with(end.program.status);
 }
 
 void add_options(CLI::App& app, Options& options) {
+  add_program_output_option(app, options);
   app.add_option("FILE", options.recording.file, "The recording to play")
       ->type_name("")
       ->required()

@@ -11,6 +11,13 @@ Report::Report(const std::string& command, bool json) : m_bJson(json) {
   m_cObject["exit"] = 0;
 }
 
+void Report::end(int exit_code, bool by_signal) {
+  m_cObject["status"] = by_signal        ? name_of(ExitStatus::Interrupted)
+                        : exit_code == 0 ? name_of(ExitStatus::Ok)
+                                         : "program-failed";
+  m_cObject["exit"] = exit_code;
+}
+
 void Report::fail(const Failure& failure) {
   m_cObject["status"] = name_of(failure.status());
   m_cObject["exit"] = failure.exit_code();

@@ -22,6 +22,9 @@ class Report {
   /// Text for people, line ends included.
   void text(const std::string& lines) { m_sText += lines; }
 
+  /// Notes how a program ended that the command ran, and so the command does.
+  void end(int exit_code, bool by_signal);
+
   /// Notes how the command failed.
   void fail(const Failure& failure);
 

@@ -63,11 +63,16 @@ class Signals {
   sigset_t m_cMask = {};
 };
 
-pid_t spawn(const std::vector<std::string>& words, const sigset_t& mask) {
+pid_t spawn(const std::vector<std::string>& words, const sigset_t& mask, eOutput output) {
   posix_spawnattr_t attributes = {};
   ::posix_spawnattr_init(&attributes);
   ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
   ::posix_spawnattr_setsigmask(&attributes, &mask);
+  posix_spawn_file_actions_t streams = {};
+  ::posix_spawn_file_actions_init(&streams);
+  if (output == eOutput::Error) {
+    ::posix_spawn_file_actions_adddup2(&streams, STDERR_FILENO, STDOUT_FILENO);
+  }
   std::vector<char*> arguments;
   arguments.reserve(words.size() + 1);
   for (const std::string& word : words) {
@@ -76,7 +81,8 @@ pid_t spawn(const std::vector<std::string>& words, const sigset_t& mask) {
   arguments.push_back(nullptr);
   pid_t program = -1;
   const int failed =
-      ::posix_spawnp(&program, arguments.front(), nullptr, &attributes, arguments.data(), environ);
+      ::posix_spawnp(&program, arguments.front(), &streams, &attributes, arguments.data(), environ);
+  ::posix_spawn_file_actions_destroy(&streams);
   ::posix_spawnattr_destroy(&attributes);
   if (failed != 0) {
     throw Failure(ExitStatus::Usage,
@@ -96,17 +102,18 @@ void open_standard_streams() {
 
 }  // namespace
 
-int run_program(const std::vector<std::string>& words) {
+ProgramEnd run_program(const std::vector<std::string>& words, eOutput output) {
   open_standard_streams();
   const Signals signals;
-  const pid_t program = spawn(words, signals.mask_before());
+  const pid_t program = spawn(words, signals.mask_before(), output);
   s_nProgram = program;
   signals.let_through();
   int status = 0;
   while (::waitpid(program, &status, 0) < 0 && errno == EINTR) {
   }
   constexpr int kSignalled = 128;
-  return WIFSIGNALED(status) ? kSignalled + WTERMSIG(status) : WEXITSTATUS(status);
+  return WIFSIGNALED(status) ? ProgramEnd{kSignalled + WTERMSIG(status), true}
+                             : ProgramEnd{WEXITSTATUS(status), false};
 }
 
 }  // namespace hvk3

@@ -1,61 +1,77 @@
 #include "hvk3/recording/replay.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
-#include "hvk3/recording/child_program.h"
+#include "hvk3/failure.h"
 #include "hvk3/recording/forwarder_folder.h"
-#include "recorder/format/recording.h"
 #include "recorder/session/variables.h"
 
 namespace hvk3 {
 namespace {
 
 namespace variable = Osv::recorder::variable;
-using Osv::recorder::Recording;
+using Osv::recorder::ReplayReport;
 
-Osv::recorder::Header examine(const std::string& path, Console& console) {
+RecordingSummary examine(const std::string& path) {
   try {
-    const Recording recording(path);
-    if (recording.torn()) {
-      console.message(path + " ends within a call; " + std::to_string(recording.calls().size()) +
-                      " calls before it are whole");
-    }
-    if (!recording.end().empty()) {
-      console.message(path + " ended at " + recording.end());
-    }
-    if (!recording.header().pixels) {
-      console.message(path + " holds no images: frames are black");
-    }
-    return recording.header();
+    return summary_of(path);
   } catch (const Osv::recorder::DamagedRecording& damage) {
     throw Failure(ExitStatus::Usage, damage.what());
   }
 }
 
-std::string content_of(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
+void warn(Console& console, const RecordingSummary& recording) {
+  if (recording.is_torn) {
+    console.message(recording.path + " ends within a call; " + std::to_string(recording.calls) +
+                    " calls before it are whole");
+  } else if (!recording.early_end.empty()) {
+    console.message(recording.path + " ended at " + recording.early_end);
+  }
+  if (!recording.header.pixels) {
+    console.message(recording.path + " holds no images: frames are black");
+  }
 }
 
 }  // namespace
 
 ReplayEnd replay(const std::string& recording, const std::vector<std::string>& program,
-                 Console& console) {
-  const ForwarderFolder forwarders(examine(recording, console));
-  const PrivateFolder folder;
-  const std::filesystem::path report = folder.path() / "report";
-  ::setenv(variable::kReplay, std::filesystem::absolute(recording).c_str(), 1);
-  ::setenv(variable::kReport, report.c_str(), 1);
-  ::unsetenv(variable::kRecording);
+                 eOutput output, Console& console) {
   ReplayEnd end;
-  end.status = run_program(program);
-  if (const std::string why = content_of(report); !why.empty()) {
-    end.failure.emplace(static_cast<ExitStatus>(end.status), why);
+  end.recording = examine(recording);
+  warn(console, end.recording);
+  const ForwarderFolder forwarders(end.recording.header);
+  const PrivateFolder folder;
+  const std::filesystem::path path = folder.path() / "report";
+  ReplayReport::create(path);
+  const ReplayReport report(path);
+  ::setenv(variable::kReplay, std::filesystem::absolute(recording).c_str(), 1);
+  ::setenv(variable::kReport, path.c_str(), 1);
+  ::unsetenv(variable::kRecording);
+  end.program = run_program(program, output);
+  if (!report.has_begun()) {
+    console.message("nothing was played, the program opened no closed library");
   }
+  end.played = std::min<std::uint64_t>(report.played(), end.recording.answered_calls);
+  end.trouble = report.trouble();
   return end;
+}
+
+void fill_report(Report& report, const ReplayEnd& end) {
+  using Json = nlohmann::ordered_json;
+  report.end(end.program.status, end.program.by_signal);
+  auto& divergence = report["divergence"] = nullptr;
+  if (!end.trouble) {
+    return;
+  }
+  // A process of the program may have met it, and the program have ended otherwise.
+  if (end.program.status == end.trouble->status) {
+    report.fail(Failure(static_cast<ExitStatus>(end.trouble->status), end.trouble->text));
+  }
+  if (end.trouble->status == static_cast<int>(ExitStatus::Diverged)) {
+    divergence = Json{{"call", end.trouble->call}, {"function", name_of(end.trouble->function)}};
+  }
 }
 
 bool is_replay() { return std::getenv(variable::kReplay) != nullptr; }

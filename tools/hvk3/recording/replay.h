@@ -5,7 +5,10 @@
 #include <vector>
 
 #include "hvk3/console.h"
-#include "hvk3/failure.h"
+#include "hvk3/recording/child_program.h"
+#include "hvk3/recording/recording_summary.h"
+#include "hvk3/report.h"
+#include "recorder/format/replay_report.h"
 
 /// @file
 /// Programs in front of a recording.
@@ -14,14 +17,19 @@ namespace hvk3 {
 
 /// How a replay ended.
 struct ReplayEnd {
-  int status = 0;                  ///< of the program
-  std::optional<Failure> failure;  ///< why the program was ended: it diverged from the recording
+  RecordingSummary recording;
+  ProgramEnd program;
+  std::uint64_t played = 0;                             ///< calls that were answered
+  std::optional<Osv::recorder::ReplayTrouble> trouble;  ///< why it could not go on
 };
 
 /// Runs a program on what a recording holds.
 /// @throws Failure `Usage` for what is no recording or a damaged one
 ReplayEnd replay(const std::string& recording, const std::vector<std::string>& program,
-                 Console& console);
+                 eOutput output, Console& console);
+
+/// Notes the end of the program, and the call at which it diverged.
+void fill_report(Report& report, const ReplayEnd& end);
 
 /// Whether this program itself runs on a recording.
 bool is_replay();
