@@ -27,7 +27,7 @@ using Osv::recorder::kLibraryOfFunction;
 constexpr char kCommonPart[] = "libostrevan-recorder.so";
 
 fs::path installed_folder() {
-  const fs::path folder = recorder_folder();
+  fs::path folder = recorder_folder();
   if (!holds_forwarders(folder)) {
     throw Failure(ExitStatus::PluginUnavailable, "the recorder is not in " + folder.string());
   }

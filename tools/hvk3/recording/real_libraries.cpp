@@ -32,7 +32,7 @@ std::string path_of(const Library& library) {
   if (::dlinfo(library.get(), RTLD_DI_LINKMAP, &map) != 0 || map == nullptr) {
     throw Failure(ExitStatus::PluginUnavailable, "a closed library does not tell its path");
   }
-  const std::string path = std::filesystem::absolute(map->l_name).string();
+  std::string path = std::filesystem::absolute(map->l_name).string();
   if (path.find(':') != std::string::npos) {
     throw Failure(ExitStatus::Usage, "a path with a colon can't be recorded from: " + path);
   }
