@@ -43,9 +43,7 @@ std::vector<Case> all_cases() {
   std::vector<Case> cases;
   for (const Table& table : all_tables()) {
     for (const Situation& situation : kSituations) {
-      const bool is_slow = situation.anew || situation.frames;
-      if ((situation.captures || !table.only_while_capturing) &&
-          !(table.knows_no_situation && is_slow)) {
+      if (situation.captures || !table.only_while_capturing) {
         cases.emplace_back(table, situation);
       }
     }

@@ -7,8 +7,8 @@
 #include "ostrevanhvk3/image_block.h"
 
 /// @file
-/// The exported functions on records and numbers. They need no frame grabber, know no situation and
-/// store no text.
+/// The exported functions on records and numbers. They need no frame grabber, answer the same in
+/// every situation and store no text.
 
 namespace Osv::bad_calls {
 namespace {

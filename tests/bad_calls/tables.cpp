@@ -16,7 +16,7 @@ const std::vector<Table>& all_tables() {
       {.name = "MissingOperations", .calls = &operations_that_are_missing},
       {.name = "FeatureReads", .calls = &feature_reads},
       {.name = "FeatureWrites", .calls = &feature_writes},
-      {.name = "RecordsAndNumbers", .calls = &records_and_numbers, .knows_no_situation = true},
+      {.name = "RecordsAndNumbers", .calls = &records_and_numbers},
       {.name = "FrameGrabbers", .calls = &frame_grabbers, .own_rule_without_frame_grabber = true}};
   return tables;
 }

@@ -6,8 +6,7 @@
 #include "bad_calls/bad_call.h"
 
 /// @file
-/// All tables of bad calls. Each is gone through in every situation that means something to it, and
-/// with no frame grabber.
+/// All tables of bad calls. Each is gone through in every situation, and with no frame grabber.
 ///
 /// Every operation, exported function and feature of the scanner stands in one of them with what it
 /// can be given wrongly: null, too small, exactly fitting and huge where it takes a buffer, numbers
@@ -25,10 +24,6 @@ struct Table {
 
   /// Elsewhere they are good calls, which start a capture.
   bool only_while_capturing = false;
-
-  /// They look at nothing but their arguments. A situation in which each look at the state takes
-  /// its time tells nothing new of them: a new frame grabber for each row, a lock that frames hold.
-  bool knows_no_situation = false;
 
   /// The object that stands for a frame grabber that couldn't be made has a rule of its own for
   /// them, and so a test of its own.
