@@ -43,7 +43,7 @@ class FaultSweep : public testing::TestWithParam<Scenario> {
   Sweep sweep{GetParam()};
 };
 
-TEST_P(FaultSweep, WithoutAFaultEverythingIsAsPredicted) { run({{.in_order = true}}); }
+TEST_P(FaultSweep, WithoutAFaultEverythingIsAsPredicted) { run({Attempt()}); }
 
 TEST_P(FaultSweep, AFaultOfAnyCallHasThePredictedEnd) {
   constexpr std::size_t kRuns = 30;
@@ -75,6 +75,30 @@ TEST(FaultSweepRuns, AreFiveThousandAndMoreInSixteenScenariosAndMore) {
   }
   EXPECT_GE(all_scenarios().size(), kScenarios);
   EXPECT_GE(runs, kRuns);
+}
+
+const Scenario& scenario_of(const std::string& name) {
+  return *std::find_if(all_scenarios().begin(), all_scenarios().end(),
+                       [&](const Scenario& scenario) { return scenario.name == name; });
+}
+
+TEST(ALastingFault, IsNoRepeatIfOnlyTheLookAtTheLocksMeetsItAgain) {
+  const simulator::ClosedLibraries libraries;
+  const Sweep sweep(scenario_of("snap"));
+  for (const Attempt& attempt : sweep.single_faults()) {
+    const Fault& fault = attempt.faults.front();
+    if (fault.lasting && fault.function == eFunction::ftrScanGetImageByVariableDose) {
+      EXPECT_FALSE(sweep.is_repeat(attempt)) << attempt.in_words();
+    }
+  }
+}
+
+TEST(ALastingFault, IsARepeatIfItMeetsOneCallOnly) {
+  constexpr long kTolerated = 0x20000004;
+  const simulator::ClosedLibraries libraries;
+  const Attempt attempt = {
+      .faults = {{eFunction::ftrScanSetOptions, 1, true, {.fails_with = kTolerated}}}};
+  EXPECT_TRUE(Sweep(scenario_of("snap")).is_repeat(attempt));
 }
 
 /// What the whole sweep has seen.
@@ -138,7 +162,7 @@ void make_runs(Sweep& sweep, const std::vector<Attempt>& runs, const Share& shar
   const std::size_t before = figures.runs;
   ++figures.scenarios;
   if (share.part == 0) {
-    const std::string findings = sweep.findings_of({.in_order = true});
+    const std::string findings = sweep.findings_of({});
     std::printf("%s", findings.c_str());
     figures.findings += findings.empty() ? 0 : 1;
   }

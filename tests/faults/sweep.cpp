@@ -45,6 +45,12 @@ std::vector<Effect> first_kinds(eFunction function) {
   return found.empty() ? std::vector{kinds_of(function).front()} : found;
 }
 
+/// What the bench and the loader have written down is the tests' own memory.
+void forget_records() {
+  bench().clear_journal();
+  simulator::ClosedLibraries::forget_openings();
+}
+
 /// Whether faults give a text that nobody has asked for since the scene was laid out.
 bool gives_text_in_vain(const Faults& faults) {
   return bench().count(simulator::name_of(CalibrateGetErrorDescription)) == 0 &&
@@ -118,12 +124,11 @@ std::vector<Attempt> Sweep::double_faults() const {
 bool Sweep::is_repeat(const Attempt& attempt) const {
   DriverModel model(m_sScenario, m_dScore);
   model.plan(attempt.faults);
-  for (int round = 0; round < (attempt.twice ? 2 : 1); ++round) {
-    for (const Step& step : m_sScenario.steps) {
+  for (const std::vector<Step>& steps : {steps_of(attempt), locking_steps()}) {
+    for (const Step& step : steps) {
       model.run(step);
     }
   }
-  model.run({eStep::List});  // as the look at the locks does
   model.destroy();
   const Answers::Counts& counts = model.answers().counts();
   return std::any_of(attempt.faults.begin(), attempt.faults.end(), [&](const Fault& fault) {
@@ -161,15 +166,22 @@ Attempt Sweep::unplugging_inside(unsigned int callback, eReturn comes_back) cons
   return attempt;
 }
 
+/// An incident inside a callback is the first capture's.
+std::vector<Step> Sweep::steps_of(const Attempt& attempt) const {
+  std::vector<Step> steps = m_sScenario.steps;
+  if (attempt.incident.has_value() && attempt.incident->callback.has_value()) {
+    std::find_if(steps.begin(), steps.end(), &is_capture)->unplugs =
+        Unplugging{*attempt.incident->callback, attempt.incident->comes_back};
+  }
+  if (attempt.twice) {
+    steps.insert(steps.end(), m_sScenario.steps.begin(), m_sScenario.steps.end());
+  }
+  return steps;
+}
+
 std::string Sweep::do_steps(const Attempt& attempt, Client& client, DriverModel& model) {
   std::string findings;
-  bool is_first_capture = true;
-  for (const Step& own : m_sScenario.steps) {
-    Step step = own;
-    if (is_capture(step) && std::exchange(is_first_capture, false) &&
-        attempt.incident.has_value() && attempt.incident->callback.has_value()) {
-      step.unplugs = Unplugging{*attempt.incident->callback, attempt.incident->comes_back};
-    }
+  for (const Step& step : steps_of(attempt)) {
     const std::string predicted = model.run(step);
     m_vLines.push_back(client.run(step));
     findings += difference(m_vLines.back(), predicted);
@@ -211,7 +223,7 @@ Sweep::Run Sweep::run(const Attempt& attempt) {
   const std::string name = m_sScenario.name + ": " + attempt.in_words();
   Run made;
   m_vLines = {};
-  simulator::ClosedLibraries::forget_openings();
+  forget_records();
   const std::optional<long> before = live_blocks();
   m_cDeadline.begin(name);
   made.findings = pass(attempt);
@@ -220,7 +232,7 @@ Sweep::Run Sweep::run(const Attempt& attempt) {
   m_cDeadline.begin("behind " + name);
   const std::string behind = pass({});
   m_vLines = {};
-  simulator::ClosedLibraries::forget_openings();
+  forget_records();
   m_cDeadline.end();
   // A block for each line, and one for all. A library that a sanitizer is in leaves blocks of the C
   // library behind each time that it is loaded; there the sanitizer looks for leaks.
@@ -234,7 +246,7 @@ Sweep::Run Sweep::run(const Attempt& attempt) {
 std::string Sweep::pass(const Attempt& attempt) {
   lay_out(m_sScenario);
   DriverModel model(m_sScenario, m_dScore);
-  bench().record(attempt.in_order);
+  bench().record(true);
   bench().set_faults(in_words(attempt.faults));
   model.plan(attempt.faults);
   if (attempt.incident.has_value() && !attempt.incident->callback.has_value()) {
@@ -243,16 +255,12 @@ std::string Sweep::pass(const Attempt& attempt) {
   }
   m_vLines.clear();
   const Threads before = threads();
-  std::string findings;
   Client client;
-  for (int round = 0; round < (attempt.twice ? 2 : 1); ++round) {
-    findings += do_steps(attempt, client, model);
-  }
+  std::string findings = do_steps(attempt, client, model);
   findings += check_locks(client, model);
   client.destroy();
   model.destroy();
-  findings += check_counts(model.answers()) + check_census(model);
-  findings += attempt.in_order ? check_order(model.answers()) : "";
+  findings += check_order(model.answers()) + check_census(model);
   if (client.stray_callbacks() != 0) {
     findings += "  callbacks came when nothing was captured\n";
   }

@@ -21,8 +21,7 @@ namespace Osv::faults {
 struct Attempt {
   Faults faults = {};
   std::optional<Incident> incident = {};
-  bool twice = false;     ///< the steps once more on the same frame grabber
-  bool in_order = false;  ///< its calls are compared one by one, not by their number only
+  bool twice = false;  ///< the steps once more on the same frame grabber
 
   std::string in_words() const;
 };
@@ -30,8 +29,8 @@ struct Attempt {
 /// The faults of one scenario, and the runs with them. One at a time.
 class Sweep {
  public:
-  /// Learns the scenario's calls from the model. That the plug-in makes the same ones is what a run
-  /// without a fault and in order compares.
+  /// Learns the scenario's calls from the model. That the plug-in makes the same ones is what each
+  /// run compares.
   explicit Sweep(const Scenario& scenario);
 
   const Scenario& scenario() const { return m_sScenario; }
@@ -78,6 +77,7 @@ class Sweep {
 
   Run run(const Attempt& attempt);
   std::string pass(const Attempt& attempt);
+  std::vector<Step> steps_of(const Attempt& attempt) const;
   std::string do_steps(const Attempt& attempt, Client& client, DriverModel& model);
   std::string check_locks(Client& client, DriverModel& model);
   void learn_sites(const Answers& answers, std::size_t first_calls);
