@@ -364,7 +364,9 @@ void Client::await_end(bool captures) {
   m_cChanged.wait(lock, [this] { return m_bEnded || m_bFrozen; });
   if (!m_bEnded && m_bFrozen) {
     lock.unlock();
-    (void)test::Sleeps().await_nanosleeps(0, kPoll, kPolls);
+    if (test::Sleeps().await_nanosleeps(0, kPoll, kPolls)) {
+      note("frozen ");
+    }
     m_pGrabber->Freeze(kChannel, false);
     lock.lock();
   }

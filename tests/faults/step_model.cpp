@@ -353,6 +353,9 @@ void DriverModel::worker(const Step& step, std::string& value) {
     take_events(step, value);
     value += m_s.content == 0 ? "white " : m_s.content == before ? "same " : "live ";
     act_inside(step, image);
+    if (step.what == eStep::LiveFrozen && image == 1) {
+      value += "frozen ";
+    }
     if (step.what == eStep::LiveTwice && image == step.number) {
       value += "refused(" + std::to_string(stored(number::AlreadyCapturing, "")) + ") ";
     }
