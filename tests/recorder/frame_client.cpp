@@ -1,6 +1,8 @@
-// Takes a frame and asks nobody how large it is.
+// Takes a frame and asks nobody how large it is, behind the end of a fork of its own.
 
 #include <dlfcn.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <vector>
 
@@ -9,6 +11,11 @@ int main() {
   if (library == nullptr) {
     return 1;
   }
+  const pid_t fork = ::fork();
+  if (fork == 0) {
+    return 0;
+  }
+  ::waitpid(fork, nullptr, 0);
   const auto open =
       reinterpret_cast<void* (*)(int)>(dlsym(library, "ftrScanOpenDeviceOnInterface"));
   const auto take =
