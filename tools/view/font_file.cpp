@@ -9,6 +9,14 @@
 namespace hvk3::view {
 namespace {
 
+/// The library reads its configuration when it is first asked for something.
+struct Configuration {
+  Configuration() = default;
+  ~Configuration() { FcFini(); }
+  Configuration(const Configuration&) = delete;
+  Configuration& operator=(const Configuration&) = delete;
+};
+
 struct Destroyer {
   void operator()(FcPattern* pattern) const { FcPatternDestroy(pattern); }
 };
@@ -17,6 +25,7 @@ using Pattern = std::unique_ptr<FcPattern, Destroyer>;
 }  // namespace
 
 std::string find_font_file() {
+  const Configuration configuration;
   const Pattern wanted(FcNameParse(reinterpret_cast<const FcChar8*>("sans:scalable=true")));
   FcConfigSubstitute(nullptr, wanted.get(), FcMatchPattern);
   FcDefaultSubstitute(wanted.get());
