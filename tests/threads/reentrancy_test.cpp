@@ -198,7 +198,7 @@ class InTheMidstOfASnap : public ReentrancyOfEvents {
   /// two are of the snap.
   void await_worker_at_the_lock() {
     constexpr unsigned int kOthers = 3;
-    constexpr int kTurns = 1000;
+    constexpr int kTurns = 50;
     if (!records.empty()) {
       const unsigned int images = bench.count(kFrameCall) - m_nFramesBefore - kOthers;
       EXPECT_TRUE(sleeps.await_nanosleeps(0, 0, images));
