@@ -122,7 +122,8 @@ TEST_F(Scenarios, GoOnBehindAnUnplugging) {
 }
 
 TEST_F(Scenarios, EndWithTheirTime) {
-  EXPECT_EQ(expect_the_same("capture --timeout 0.2", {"--empty"}), 5);
+  const std::string script = file("script", "pace 15\n");
+  EXPECT_EQ(expect_the_same("capture --timeout 1", {"--empty", "--script", script}), 5);
 }
 
 TEST_F(Scenarios, GiveAClientTheSameCallbacks) {
