@@ -7,9 +7,9 @@
 #include <atomic>
 #include <boost/interprocess/file_mapping.hpp>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
-#include <type_traits>
-#include <utility>
+#include <stdexcept>
 
 namespace Osv::recorder {
 
@@ -38,6 +38,9 @@ ReplayReport::ReplayReport(const std::string& path)
     : m_cMemory(interprocess::file_mapping(path.c_str(), interprocess::read_write),
                 interprocess::read_write, 0, sizeof(Content)) {
   static_assert(std::atomic<std::uint64_t>::is_always_lock_free);
+  if (std::filesystem::file_size(path) < sizeof(Content)) {
+    throw std::runtime_error(path + " is no report of a replay");
+  }
 }
 
 ReplayReport::Content& ReplayReport::content() const {

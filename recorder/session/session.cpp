@@ -40,10 +40,10 @@ ReplayReport* report() {
 
 /// The process ends at once: nothing that it could still do would be as it was.
 [[noreturn]] void end_process(eEnd end, const LastCall& call) {
-  message("hvk3: " + call.why);
   if (report() != nullptr) {
     report()->end({static_cast<int>(end), call.number, call.function, call.why});
   }
+  message("hvk3: " + call.why);  // which may be the end by itself, when nobody reads it
   ::_exit(static_cast<int>(end));
 }
 

@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <functional>
 
 #include "support/temporary_folder.h"
@@ -81,6 +82,8 @@ TEST_F(Reporting, CutsALongText) {
 }
 
 TEST_F(Reporting, NeedsTheFileThatTheToolMade) {
+  std::filesystem::resize_file(path(), 1);
+  EXPECT_THROW(ReplayReport{path()}, std::exception);
   EXPECT_THROW(ReplayReport(m_cFolder.file("absent")), std::exception);
   EXPECT_THROW(ReplayReport::create(m_cFolder.file("absent/report")), std::exception);
 }
