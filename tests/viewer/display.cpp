@@ -126,6 +126,13 @@ void Display::close_window() {
   XSync(display, False);
 }
 
+void Display::resize(int width, int height) {
+  ::Display* const display = m_pConnection->display;
+  XResizeWindow(display, m_pConnection->window(), static_cast<unsigned int>(width),
+                static_cast<unsigned int>(height));
+  XSync(display, False);
+}
+
 /// Of the screen, for the server draws there what a window shows.
 Picture Display::look() const {
   ::Display* const display = m_pConnection->display;

@@ -31,6 +31,7 @@ class Display {
   void press_key(const std::string& name);
   void click(const Place& in_window);
   void close_window();
+  void resize(int width, int height);
   /// @}
 
   /// What stands on the screen where the window is.

@@ -72,6 +72,30 @@ TEST_F(Window, ShowsTheKeysAndHidesThemAgain) {
   EXPECT_EQ(picture().count(box, kBlue), before);
 }
 
+TEST_F(Window, HidesTheKeysAtAClickAndDoesNothingElse) {
+  start_capturing();
+  press("question", "keys shown");
+  click(eAction::Quit);
+  wait_for("keys hidden");
+  press("r", "red LED on");
+}
+
+TEST_F(Window, WritesTheSameOnItsButtonsWhenItIsSmall) {
+  start_capturing();
+  const Picture usual = picture();
+  m_cDisplay.resize(view::kLeastWidth, view::kLeastHeight);
+  const Picture small = picture();
+  const auto places =
+      view::lay_out(view::kLeastWidth, view::kLeastHeight, view::button_count()).buttons;
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    const SDL_Rect wide = layout().buttons[i];
+    const SDL_Rect narrow = places[i];
+    EXPECT_EQ(usual.pixels({wide.x + 2, wide.y + 2, narrow.w - 4, narrow.h - 4}),
+              small.pixels({narrow.x + 2, narrow.y + 2, narrow.w - 4, narrow.h - 4}))
+        << view::controls()[i].label;
+  }
+}
+
 TEST_F(Window, PicturesOfItAreForTheUserAlone) {
   start_capturing();
   picture();

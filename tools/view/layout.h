@@ -14,7 +14,7 @@ namespace hvk3::view {
 /// The size at which images stand one pixel on one, and the least that is legible.
 inline constexpr int kUsualWidth = 1064;
 inline constexpr int kUsualHeight = 786;
-inline constexpr int kLeastWidth = 860;
+inline constexpr int kLeastWidth = 980;
 inline constexpr int kLeastHeight = 600;
 
 /// A picture with its title above it.

@@ -220,7 +220,7 @@ void Painter::paint_help(const Layout& layout) {
   constexpr int kLine = 26;
   constexpr int kSignWidth = 70;
   const int height = static_cast<int>(controls().size() + 1) * kLine + 2 * kInset;
-  const int width = 560;
+  const int width = 620;
   const SDL_Rect box = {layout.header.x + (layout.header.w - width) / 2, layout.live.picture.y + 10,
                         width, height};
   m_cCanvas.fill(box, kPanel);

@@ -59,7 +59,9 @@ void Viewer::handle(const Input& input) {
     m_bDirty = m_bDirty || hovered != m_cView.hovered;
     m_cView.hovered = hovered;
   }
-  if (input.pressed) {
+  if (input.pressed && m_cView.help) {
+    do_action(eAction::Help);  // whatever lies behind the keys
+  } else if (input.pressed) {
     if (const auto button = places.button_at(input.pressed->x, input.pressed->y)) {
       do_action(controls()[*button].action);
     }
