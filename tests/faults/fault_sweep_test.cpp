@@ -112,10 +112,13 @@ struct Figures {
   std::map<eNoticed, std::size_t> by_notice;       ///< unpluggings
 };
 
-/// Which of the runs are made: each `parts`-th, beginning with this one.
+/// Which of the runs are made: two of every two times `parts`. The runs come in pairs, a fault once
+/// and from then on, and the second is often a repeat; so each share gets as many of both.
 struct Share {
   std::size_t part = 0;
   std::size_t parts = 1;
+
+  bool has(std::size_t run) const { return run / 2 % parts == part; }
 };
 
 std::vector<Attempt> faulty_runs(const Sweep& sweep) {
@@ -157,6 +160,20 @@ void print(const Figures& figures) {
   }
 }
 
+void make_run(Sweep& sweep, const Attempt& attempt, Figures& figures) {
+  std::string findings = sweep.findings_of(attempt);
+  if (attempt.incident.has_value()) {
+    findings += findings_of_unplugging(sweep.lines(), *attempt.incident);
+  }
+  if (!sweep.was_repeat()) {
+    count(attempt, sweep.lines(), figures);
+  }
+  if (!findings.empty()) {
+    std::printf("%s", findings.c_str());
+    ++figures.findings;
+  }
+}
+
 void make_runs(Sweep& sweep, const std::vector<Attempt>& runs, const Share& share,
                Figures& figures) {
   const std::size_t before = figures.runs;
@@ -166,20 +183,9 @@ void make_runs(Sweep& sweep, const std::vector<Attempt>& runs, const Share& shar
     std::printf("%s", findings.c_str());
     figures.findings += findings.empty() ? 0 : 1;
   }
-  for (std::size_t i = share.part; i < runs.size(); i += share.parts) {
-    if (sweep.is_repeat(runs[i])) {
-      continue;
-    }
-    std::string findings = sweep.findings_of(runs[i]);
-    if (runs[i].incident.has_value()) {
-      findings += findings_of_unplugging(sweep.lines(), *runs[i].incident);
-    }
-    if (!sweep.was_repeat()) {
-      count(runs[i], sweep.lines(), figures);
-    }
-    if (!findings.empty()) {
-      std::printf("%s", findings.c_str());
-      ++figures.findings;
+  for (std::size_t i = 0; i < runs.size(); ++i) {
+    if (share.has(i) && !sweep.is_repeat(runs[i])) {
+      make_run(sweep, runs[i], figures);
     }
   }
   std::printf("runs: %zu in scenario %s\n", figures.runs - before, sweep.scenario().name.c_str());
