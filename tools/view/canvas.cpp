@@ -6,6 +6,7 @@
 #include "hvk3/failure.h"
 #include "view/font_file.h"
 #include "view/layout.h"
+#include "view/shortening.h"
 
 namespace hvk3::view {
 namespace {
@@ -55,23 +56,13 @@ void Canvas::line(SDL_Point from, SDL_Point to, SDL_Color colour) {
   SDL_RenderDrawLine(renderer(), from.x, from.y, to.x, to.y);
 }
 
-std::string Canvas::shorten(TTF_Font* font, const std::string& text, int width) const {
-  int extent = 0;
-  int count = 0;
-  if (TTF_SizeUTF8(font, text.c_str(), &extent, nullptr) == 0 && extent <= width) {
-    return text;
-  }
-  constexpr char kDots[] = "...";
-  int dots = 0;
-  TTF_SizeUTF8(font, kDots, &dots, nullptr);
-  TTF_MeasureUTF8(font, text.c_str(), std::max(width - dots, 0), &extent, &count);
-  return text.substr(0, static_cast<std::size_t>(count)) + kDots;
-}
-
 int Canvas::text(const SDL_Rect& area, const std::string& text, eFont font, SDL_Color colour,
                  eAlign align) {
   TTF_Font* const face = m_aFonts.at(static_cast<std::size_t>(font)).get();
-  const std::string line = shorten(face, text, area.w);
+  const std::string line = shorten(text, [&](const std::string& each) {
+    int width = 0;
+    return TTF_SizeUTF8(face, each.c_str(), &width, nullptr) == 0 && width <= area.w;
+  });
   const SdlPointer<SDL_Surface> surface(TTF_RenderUTF8_Blended(face, line.c_str(), colour));
   if (!surface) {  // no text has no surface
     return 0;

@@ -45,7 +45,7 @@ class Canvas {
   void frame(const SDL_Rect& area, SDL_Color colour);
   void line(SDL_Point from, SDL_Point to, SDL_Color colour);
 
-  /// A line of text in the middle of the area's height; what is too long ends in dots.
+  /// A line of text in the middle of the area's height; what is too long has dots in it.
   /// @return its width
   int text(const SDL_Rect& area, const std::string& text, eFont font, SDL_Color colour,
            eAlign align = eAlign::Left);
@@ -61,8 +61,6 @@ class Canvas {
   void show() { SDL_RenderPresent(m_pRenderer.get()); }
 
  private:
-  std::string shorten(TTF_Font* font, const std::string& text, int width) const;
-
   SdlPointer<SDL_Renderer> m_pRenderer;
   std::array<SdlPointer<TTF_Font>, 3> m_aFonts;
 };
