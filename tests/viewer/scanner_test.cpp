@@ -151,6 +151,14 @@ TEST_F(Scanner, ThatHasStoppedShowsWhyWhateverIsRefused) {
   EXPECT_GT(picture().count(layout().notice, kRed), 20);
 }
 
+TEST_F(Scanner, ThatHasStoppedShowsWhyBesideWhatIsToldLater) {
+  start_capturing();
+  say("fault ftrScanGetImageByVariableDose always fails with 87");
+  wait_for("stopped");
+  picture();
+  EXPECT_GT(picture().count(layout().notice, kRed), 20);  // that of before is told by now
+}
+
 TEST_F(Scanner, ThatIsMissingTakesNoSnap) {
   start({"--scanners", "0"});
   wait_for("no scanner");

@@ -78,11 +78,6 @@ TEST(ViewerRemedy, OfASwitchIsItsKey) {
               HasSubstr("press F"));
 }
 
-TEST(ViewerRemedy, OfARefusalDependsOnWhatIsMissing) {
-  EXPECT_THAT(view::refusal_for(eConnection::Missing).remedy, HasSubstr("plug one in"));
-  EXPECT_THAT(view::refusal_for(eConnection::Stopped).remedy, HasSubstr("press Enter"));
-}
-
 TEST(ViewerRemedy, StandsBesideAWarningToo) {
   EXPECT_EQ(view::warning_of("odd").text, "odd");
   EXPECT_THAT(view::warning_of("odd").remedy, HasSubstr("capture goes on"));

@@ -188,6 +188,7 @@ TEST_F(Window, SaysThatThePluginCantBeLoaded) {
   start({"--plugin", m_cFolder.file("absent.so")});
   wait_for("failed");
   EXPECT_EQ(state_of(picture()), kRed);
+  EXPECT_GT(picture().count(layout().notice, kRed), 20);
   EXPECT_EQ(quit().status, 7);
 }
 

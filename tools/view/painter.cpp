@@ -50,6 +50,17 @@ SDL_Rect inset(const SDL_Rect& area, int by) {
   return {area.x + by, area.y + by, area.w - 2 * by, area.h - 2 * by};
 }
 
+bool is_bad(const Notice& notice) { return !notice.remedy.empty(); }
+
+SDL_Color colour_of(const Notice& notice) { return is_bad(notice) ? kRed : kText; }
+
+SDL_Rect upper_line(const SDL_Rect& notice) {
+  constexpr int kLine = 20;
+  return {notice.x, notice.y + 2, notice.w, kLine};
+}
+
+SDL_Rect line_below(const SDL_Rect& line) { return {line.x, line.y + line.h, line.w, line.h}; }
+
 std::string with_decimal(double number) {
   std::ostringstream text;
   text << std::fixed << std::setprecision(1) << number;
@@ -90,7 +101,7 @@ void Painter::paint(const View& view, const Layout& layout) {
   paint_kept(view, layout.kept);
   paint_plot(view.status, layout.plot);
   paint_buttons(view, layout);
-  paint_notice(view.status.notice, layout.notice);
+  paint_notices(view.status, layout.notice);
   if (view.help) {
     paint_help(layout);
   }
@@ -205,15 +216,28 @@ void Painter::paint_button(const SDL_Rect& area, std::size_t number, const View&
                  eFont::Small, kText);
 }
 
-void Painter::paint_notice(const Notice& notice, const SDL_Rect& area) {
-  constexpr int kLine = 20;
-  const bool bad = !notice.remedy.empty();
-  m_cCanvas.text({area.x, area.y + 2, area.w, kLine}, notice.text, eFont::Normal,
-                 bad ? kRed : kText);
-  if (bad) {
-    m_cCanvas.text({area.x, area.y + 2 + kLine, area.w, kLine}, "What to do: " + notice.remedy,
-                   eFont::Normal, kText);
+/// What is told later takes no place from the reason, to which the header points.
+void Painter::paint_notices(const Status& status, const SDL_Rect& area) {
+  if (status.reason.text.empty() || status.notice.text.empty()) {
+    paint_notice(status.reason.text.empty() ? status.notice : status.reason, area);
+    return;
   }
+  const SDL_Rect line = upper_line(area);
+  paint_notice_line(status.notice, line);
+  paint_notice_line(status.reason, line_below(line));
+}
+
+void Painter::paint_notice(const Notice& notice, const SDL_Rect& area) {
+  const SDL_Rect line = upper_line(area);
+  m_cCanvas.text(line, notice.text, eFont::Normal, colour_of(notice));
+  if (is_bad(notice)) {
+    m_cCanvas.text(line_below(line), "What to do: " + notice.remedy, eFont::Normal, kText);
+  }
+}
+
+void Painter::paint_notice_line(const Notice& notice, const SDL_Rect& line) {
+  const std::string remedy = is_bad(notice) ? "; " + notice.remedy : "";
+  m_cCanvas.text(line, notice.text + remedy, eFont::Normal, colour_of(notice));
 }
 
 void Painter::paint_help(const Layout& layout) {

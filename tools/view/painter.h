@@ -48,7 +48,9 @@ class Painter {
   void paint_scores(const Status& status, const SDL_Rect& area);
   void paint_buttons(const View& view, const Layout& layout);
   void paint_button(const SDL_Rect& area, std::size_t number, const View& view);
+  void paint_notices(const Status& status, const SDL_Rect& area);
   void paint_notice(const Notice& notice, const SDL_Rect& area);
+  void paint_notice_line(const Notice& notice, const SDL_Rect& line);
   void paint_help(const Layout& layout);
 
   Canvas m_cCanvas;

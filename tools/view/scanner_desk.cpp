@@ -47,6 +47,12 @@ bool read_switch(Osv::lx::ClFramegrabber& grabber, ePropertyIDs property) {
   return value != 0;
 }
 
+Notice notice_of(const Failure& failure, const std::string& remedy) {
+  const std::string number =
+      failure.number() ? "error " + std::to_string(*failure.number()) + ": " : "";
+  return {number + failure.what(), remedy};
+}
+
 std::string in_words(const std::string& name, bool on) { return name + (on ? " on" : " off"); }
 
 }  // namespace
@@ -89,6 +95,7 @@ void ScannerDesk::turn_to(const ListedScanner& scanner) {
   const std::optional<ListedScanner> before = m_cBoard.status().scanner;
   m_cBoard.update([&](Status& status) {
     status.scanner = scanner;
+    status.reason = {};
     status.notice = {};
   });
   if (!before || before->serial == scanner.serial) {
@@ -112,11 +119,16 @@ void ScannerDesk::lose(const Failure& failure) {
   part_from_scanner();
   const eConnection before =
       std::exchange(m_eConnection, gone ? eConnection::Missing : eConnection::Stopped);
-  m_cBoard.update([&](Status& status) { status.connection = m_eConnection; });
+  m_cBoard.update([&](Status& status) {
+    status.connection = m_eConnection;
+    status.reason = notice_of(failure, remedy_for(failure));
+    status.notice = {};
+  });
   if (before == eConnection::Missing && gone) {
     return;  // it went again before it could be opened
   }
-  complain(failure, remedy_for(failure));
+  m_cContext.console().message(notice_of(failure, "").text);
+  m_cEvents.tell("error");
   if (gone) {
     m_cEvents.tell(before == eConnection::Capturing ? "unplugged" : "no scanner");
   } else {
@@ -220,13 +232,9 @@ void ScannerDesk::perform_without_capture(eAction action) {
   m_cEvents.tell(in_words(property->name, on));
 }
 
-/// What has gone wrong before says more, so it stays.
+/// Why nothing captures says more than that this can't be done, so it is shown alone again.
 void ScannerDesk::refuse() {
-  m_cBoard.update([](Status& status) {
-    if (status.notice.remedy.empty()) {
-      status.notice = refusal_for(status.connection);
-    }
-  });
+  m_cBoard.update([](Status& status) { status.notice = {}; });
   m_cEvents.tell("refused");
 }
 
@@ -410,10 +418,9 @@ void ScannerDesk::tell(const std::string& text, const std::string& event) {
 }
 
 void ScannerDesk::complain(const Failure& failure, const std::string& remedy) {
-  const std::string number =
-      failure.number() ? "error " + std::to_string(*failure.number()) + ": " : "";
-  m_cContext.console().message(number + failure.what());
-  m_cBoard.update([&](Status& status) { status.notice = {number + failure.what(), remedy}; });
+  const Notice notice = notice_of(failure, remedy);
+  m_cContext.console().message(notice.text);
+  m_cBoard.update([&](Status& status) { status.notice = notice; });
   m_cEvents.tell("error");
 }
 

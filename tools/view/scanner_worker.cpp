@@ -60,7 +60,8 @@ void ScannerWorker::fail(const Failure& failure) {
   m_cFailure = failure;
   m_cBoard.update([&](Status& status) {
     status.connection = eConnection::Failed;
-    status.notice = {failure.what(), remedy_for(failure)};
+    status.reason = {failure.what(), remedy_for(failure)};
+    status.notice = {};
   });
   m_cContext.console().message(failure.what());
   m_cEvents.tell("failed");

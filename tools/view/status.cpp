@@ -106,12 +106,6 @@ std::string remedy_for(const Failure& failure, const std::string& otherwise) {
 
 std::string remedy_for(const Failure& failure) { return remedy_for(failure, kStartAgain); }
 
-Notice refusal_for(eConnection connection) {
-  return {"not while no scanner captures", connection == eConnection::Missing
-                                               ? "plug one in; the picture comes by itself"
-                                               : kStartAgain};
-}
-
 Notice warning_of(const std::string& text) {
   return {text, "nothing now, capture goes on; if it comes again, press Enter to start again"};
 }

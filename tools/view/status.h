@@ -52,7 +52,8 @@ struct Status {
   FrameRate rate;
   unsigned int threshold = 0;    ///< score up to which a finger is a fake
   std::deque<Judgement> scores;  ///< of the last frames, the newest behind
-  Notice notice;
+  Notice reason;                 ///< why nothing captures; empty while it does
+  Notice notice;                 ///< what was told since
 };
 
 /// How many scores are kept.
@@ -91,9 +92,6 @@ std::string remedy_for(const Failure& failure);
 
 /// @param otherwise is what to do when nothing better is known
 std::string remedy_for(const Failure& failure, const std::string& otherwise);
-
-/// What is told when that can't be done which needs a scanner that captures.
-Notice refusal_for(eConnection connection);
 
 /// Capture goes on behind a warning.
 Notice warning_of(const std::string& text);
