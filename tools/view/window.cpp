@@ -98,12 +98,15 @@ SDL_Point Window::size() const {
   return size;
 }
 
+/// Without SDL's own waiting: at each input that sends the window a message on a connection of its
+/// own, and if the window goes before the message is there, the process ends.
 std::optional<Input> Window::wait(int milliseconds) {
   SDL_Event event = {};
-  if (SDL_WaitEventTimeout(&event, milliseconds) == 0) {
-    return std::nullopt;
+  if (SDL_PollEvent(&event) != 0) {
+    return input_of(event);
   }
-  return input_of(event);
+  SDL_Delay(static_cast<Uint32>(milliseconds));
+  return SDL_PollEvent(&event) != 0 ? std::optional(input_of(event)) : std::nullopt;
 }
 
 }  // namespace hvk3::view
