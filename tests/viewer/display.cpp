@@ -75,9 +75,8 @@ struct Display::Connection {
   ::Display* display;
 };
 
-Display::Display()
-    : m_cServer(
-          {"/usr/bin/Xvfb", "-displayfd", "1", "-screen", "0", "1280x900x24", "-nolisten", "tcp"}) {
+Display::Display(const char* screen)
+    : m_cServer({"/usr/bin/Xvfb", "-displayfd", "1", "-screen", "0", screen, "-nolisten", "tcp"}) {
   const std::string name = start(m_cServer);
   ::setenv("DISPLAY", name.c_str(), 1);
   ::setenv("SDL_VIDEODRIVER", "x11", 1);

@@ -20,7 +20,8 @@ struct Place {
 /// there, drawn by software.
 class Display {
  public:
-  Display();
+  /// @param screen its width, height and depth, as X has them
+  explicit Display(const char* screen);
   ~Display();
   Display(const Display&) = delete;
   Display& operator=(const Display&) = delete;

@@ -48,6 +48,14 @@ INSTANTIATE_TEST_SUITE_P(Windows, LayoutOf,
                                          SDL_Point{view::kLeastWidth, view::kLeastHeight},
                                          SDL_Point{2560, 1440}, SDL_Point{901, 1203}));
 
+TEST(Layout, OpensNoLargerThanThereIsRoomAndNoSmallerThanLegible) {
+  const SDL_Point room_for_all = view::opening_size({0, 0, 1920, 1080});
+  EXPECT_EQ(room_for_all.x, view::kUsualWidth);
+  EXPECT_EQ(room_for_all.y, view::kUsualHeight);
+  EXPECT_EQ(view::opening_size({0, 27, 1024, 741}).y, 741);
+  EXPECT_EQ(view::opening_size({0, 0, 800, 480}).x, view::kLeastWidth);
+}
+
 TEST(Layout, HasRoomForImagesPixelByPixel) {
   const SDL_Rect area = lay_out(view::kUsualWidth, view::kUsualHeight).live.picture;
   const SDL_Rect place = view::fit(498, 438, area);

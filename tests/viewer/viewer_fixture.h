@@ -31,6 +31,8 @@ using view::eAction;
 
 class Viewer : public testing::Test {
  protected:
+  explicit Viewer(const char* screen = "1280x900x24") : m_cDisplay(screen) {}
+
   /// Nobody lays a finger on the platen until it is said.
   void start(const Words& more = {}) {
     start_with({"--simulate", "--empty", "--pace", "60", "--script", "-"}, more);

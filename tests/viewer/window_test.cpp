@@ -96,6 +96,18 @@ TEST_F(Window, WritesTheSameOnItsButtonsWhenItIsSmall) {
   }
 }
 
+class WindowOnASmallScreen : public Viewer {
+ protected:
+  WindowOnASmallScreen() : Viewer("1024x700x24") {}
+};
+
+TEST_F(WindowOnASmallScreen, IsNoLargerThanIt) {
+  start_capturing();
+  const Picture seen = picture();
+  EXPECT_EQ(seen.width(), 1024);
+  EXPECT_EQ(seen.height(), 700);
+}
+
 TEST_F(Window, PicturesOfItAreForTheUserAlone) {
   start_capturing();
   picture();

@@ -37,6 +37,11 @@ int grid_height(std::size_t count) {
 
 }  // namespace
 
+SDL_Point opening_size(const SDL_Rect& room) {
+  return {std::clamp(room.w, kLeastWidth, kUsualWidth),
+          std::clamp(room.h, kLeastHeight, kUsualHeight)};
+}
+
 std::optional<std::size_t> Layout::button_at(int x, int y) const {
   const SDL_Point point = {x, y};
   const auto hit = std::find_if(buttons.begin(), buttons.end(), [&](const SDL_Rect& button) {

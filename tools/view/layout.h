@@ -17,6 +17,9 @@ inline constexpr int kUsualHeight = 786;
 inline constexpr int kLeastWidth = 980;
 inline constexpr int kLeastHeight = 600;
 
+/// The size to open the window with, where the screen has so much room.
+SDL_Point opening_size(const SDL_Rect& room);
+
 /// A picture with its title above it.
 struct Pane {
   SDL_Rect title;

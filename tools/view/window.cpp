@@ -61,6 +61,13 @@ Input input_of(const SDL_Event& event) {
   return input;
 }
 
+/// Of the display on which the window is opened.
+SDL_Point find_opening_size() {
+  SDL_Rect room = {0, 0, kUsualWidth, kUsualHeight};
+  SDL_GetDisplayUsableBounds(0, &room);  // where nobody knows them, there is room
+  return opening_size(room);
+}
+
 }  // namespace
 
 Screen::Screen() {
@@ -83,9 +90,10 @@ Screen::~Screen() {
   SDL_Quit();
 }
 
-Window::Window(const char* title)
-    : m_pWindow(SDL_CreateWindow(title, SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED,
-                                 kUsualWidth, kUsualHeight, SDL_WINDOW_RESIZABLE)) {
+Window::Window(const char* title) {
+  const SDL_Point size = find_opening_size();
+  m_pWindow.reset(SDL_CreateWindow(title, SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED, size.x,
+                                   size.y, SDL_WINDOW_RESIZABLE));
   if (!m_pWindow) {
     fail_with_sdl("the window can't be opened");
   }
