@@ -105,6 +105,30 @@ void Display::press_key(const std::string& name) {
   XSync(display, False);
 }
 
+void Display::hold_key(const std::string& name, bool down) {
+  ::Display* const display = m_pConnection->display;
+  const KeyCode key = XKeysymToKeycode(display, XStringToKeysym(name.c_str()));
+  check(key != 0, "no such key");
+  XTestFakeKeyEvent(display, key, down ? True : False, CurrentTime);
+  XSync(display, False);
+}
+
+void Display::point_at(const Place& in_window) { m_pConnection->point_at(in_window); }
+
+void Display::cover(const Place& in_window) {
+  ::Display* const display = m_pConnection->display;
+  XEvent event = {};
+  event.xcrossing.type = LeaveNotify;
+  event.xcrossing.window = m_pConnection->window();
+  event.xcrossing.root = DefaultRootWindow(display);
+  event.xcrossing.x = in_window.x;
+  event.xcrossing.y = in_window.y;
+  event.xcrossing.mode = NotifyNormal;
+  event.xcrossing.detail = NotifyNonlinear;
+  XSendEvent(display, event.xcrossing.window, False, LeaveWindowMask, &event);
+  XSync(display, False);
+}
+
 void Display::click(const Place& in_window) {
   m_pConnection->point_at(in_window);
   XTestFakeButtonEvent(m_pConnection->display, 1, True, CurrentTime);

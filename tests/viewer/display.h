@@ -30,6 +30,11 @@ class Display {
   /// @{
   /// @param name of the key, as X has it
   void press_key(const std::string& name);
+  /// @param down it stays so
+  void hold_key(const std::string& name, bool down);
+  void point_at(const Place& in_window);
+  /// Another window has come over this one, where the pointer is.
+  void cover(const Place& in_window);
   void click(const Place& in_window);
   void close_window();
   void resize(int width, int height);

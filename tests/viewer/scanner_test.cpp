@@ -106,6 +106,7 @@ TEST_F(Scanner, ThatFailsIsStoppedUntilItIsStartedAgain) {
   EXPECT_EQ(state_of(picture()), kRed);
   say("faults off");
   press("Return", "live");
+  press("KP_Enter", "started 0 HVK30001");
 }
 
 TEST_F(Scanner, ComesBackWithoutADetectionThatFails) {

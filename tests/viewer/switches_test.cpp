@@ -24,6 +24,31 @@ TEST_F(Switches, AButtonSwitchesAnLedOn) {
   EXPECT_TRUE(is_lit(picture(), button(eAction::GreenLed)));
 }
 
+TEST_F(Switches, AKeyIsNobodysWhileAnotherOneIsHeld) {
+  start_capturing();
+  for (const char* const held : {"Control_L", "Alt_L", "Super_L"}) {
+    m_cDisplay.hold_key(held, true);
+    press("c");
+    m_cDisplay.hold_key(held, false);
+  }
+  press("r", "red LED on");
+  EXPECT_THAT(m_pViewer->output(), Not(HasSubstr("low contrast")));
+}
+
+TEST_F(Switches, AButtonIsLitAsLongAsThePointerIsOnIt) {
+  start_capturing();
+  const SDL_Rect snap = button(eAction::Snap);
+  const SDL_Rect other = button(eAction::Contamination);
+  const auto lit = [&](const Picture& seen) {
+    return seen.at(snap.x, snap.y) != seen.at(other.x, other.y);
+  };
+  const Place place = {snap.x + 4, snap.y + 4};
+  m_cDisplay.point_at(place);
+  EXPECT_TRUE(screen_comes_to_show(lit));
+  m_cDisplay.cover(place);
+  EXPECT_TRUE(screen_comes_to_show([&](const Picture& seen) { return !lit(seen); }));
+}
+
 TEST_F(Switches, ShowWhatTheCommandLineHasSwitchedOn) {
   start_capturing({"--set", "green-led=on"});
   EXPECT_TRUE(is_lit(picture(), button(eAction::GreenLed)));

@@ -8,6 +8,11 @@
 namespace hvk3::view {
 namespace {
 
+/// Keys that go with one of these are not meant for the viewer.
+constexpr int kModifiers = KMOD_CTRL | KMOD_ALT | KMOD_GUI;
+
+constexpr SDL_Point kNowhere = {-1, -1};
+
 std::optional<eAction> action_of(SDL_Keycode key) {
   const auto all = controls();
   const auto found = std::find_if(all.begin(), all.end(), [=](const Control& control) {
@@ -18,8 +23,9 @@ std::optional<eAction> action_of(SDL_Keycode key) {
 
 Input input_of_key(const SDL_KeyboardEvent& event) {
   Input input;
-  if (event.repeat == 0) {
-    input.action = action_of(event.keysym.sym);
+  if (event.repeat == 0 && (event.keysym.mod & kModifiers) == 0) {
+    const bool enter = event.keysym.sym == SDLK_KP_ENTER;
+    input.action = action_of(enter ? SDLK_RETURN : event.keysym.sym);
     input.escape = event.keysym.sym == SDLK_ESCAPE;
   }
   return input;
@@ -54,6 +60,9 @@ Input input_of(const SDL_Event& event) {
       break;
     case SDL_WINDOWEVENT:
       input.exposed = true;
+      if (event.window.event == SDL_WINDOWEVENT_LEAVE) {
+        input.pointed = kNowhere;
+      }
       break;
     default:
       break;
