@@ -47,7 +47,7 @@ using namespace Osv::recorder;
 OSV_FORWARDER void* CalibrateCreate() {
   constexpr auto kFunction = eFunction::CalibrateCreate;
   return exchange<void*>(
-      kFunction, Arguments(), [] { return real(CalibrateCreate, kFunction)(); },
+      kFunction, Arguments(), [] { return real<decltype(CalibrateCreate)>(kFunction)(); },
       [](Answer& answer, void*& handle) { answer.new_handle(handle, engines()); });
 }
 
@@ -60,7 +60,9 @@ OSV_FORWARDER long Calibrate(void* handle, void* input, unsigned long input_size
   arguments.pointer(output).pointer(output_size).number(static_cast<std::int64_t>(room));
   return exchange<long>(
       kFunction, arguments,
-      [&] { return real(Calibrate, kFunction)(handle, input, input_size, output, output_size); },
+      [&] {
+        return real<decltype(Calibrate)>(kFunction)(handle, input, input_size, output, output_size);
+      },
       [&](Answer& answer, long& code) {
         answer.number(code);
         if (output_size != nullptr && (code == 0 || code == kBufferTooSmall)) {
@@ -84,7 +86,7 @@ OSV_FORWARDER void CalibrateDelete(void** handle) {
   exchange<int>(
       kFunction, arguments,
       [&] {
-        real(CalibrateDelete, kFunction)(handle);
+        real<decltype(CalibrateDelete)>(kFunction)(handle);
         return 0;
       },
       [&](Answer& answer, int& /*nothing*/) {
@@ -99,14 +101,14 @@ OSV_FORWARDER void CalibrateDelete(void** handle) {
 OSV_FORWARDER long CalibrateSetData(void* handle, const unsigned char* data, unsigned long size) {
   constexpr auto kFunction = eFunction::CalibrateSetData;
   return code_call(kFunction, on_handle(engines(), handle).data(data, size),
-                   [&] { return real(CalibrateSetData, kFunction)(handle, data, size); });
+                   [&] { return real<decltype(CalibrateSetData)>(kFunction)(handle, data, size); });
 }
 
 OSV_FORWARDER const char* CalibrateGetErrorDescription(long code) {
   constexpr auto kFunction = eFunction::CalibrateGetErrorDescription;
   return exchange<const char*>(
       kFunction, Arguments().number(code),
-      [&] { return real(CalibrateGetErrorDescription, kFunction)(code); },
+      [&] { return real<decltype(CalibrateGetErrorDescription)>(kFunction)(code); },
       [](Answer& answer, const char*& text) { answer.text(text); });
 }
 
@@ -117,7 +119,9 @@ OSV_FORWARDER long ContaminationDetection(void* handle, void* bitmap, unsigned l
   add_image(arguments, bitmap, size);
   return exchange<long>(
       kFunction, arguments.pointer(percent),
-      [&] { return real(ContaminationDetection, kFunction)(handle, bitmap, size, percent); },
+      [&] {
+        return real<decltype(ContaminationDetection)>(kFunction)(handle, bitmap, size, percent);
+      },
       [&](Answer& answer, long& code) {
         answer.number(code);
         if (code == 0) {
@@ -129,7 +133,7 @@ OSV_FORWARDER long ContaminationDetection(void* handle, void* bitmap, unsigned l
 OSV_FORWARDER long CalibrateSetOption(void* handle, const char* option) {
   constexpr auto kFunction = eFunction::CalibrateSetOption;
   return code_call(kFunction, on_handle(engines(), handle).text(option),
-                   [&] { return real(CalibrateSetOption, kFunction)(handle, option); });
+                   [&] { return real<decltype(CalibrateSetOption)>(kFunction)(handle, option); });
 }
 
 OSV_FORWARDER long CalibrateGetOption(void* handle, const char* name, char* value,
@@ -142,7 +146,7 @@ OSV_FORWARDER long CalibrateGetOption(void* handle, const char* name, char* valu
           .text(name)
           .pointer(value)
           .number(static_cast<std::int64_t>(room)),
-      [&] { return real(CalibrateGetOption, kFunction)(handle, name, value, length); },
+      [&] { return real<decltype(CalibrateGetOption)>(kFunction)(handle, name, value, length); },
       [&](Answer& answer, long& code) {
         answer.number(code);
         if (length != nullptr && (code == 0 || code == kBufferTooSmall)) {

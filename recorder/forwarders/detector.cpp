@@ -26,21 +26,22 @@ using namespace Osv::recorder;
 
 OSV_FORWARDER long FakeFingerDetectionInitialize(void* reserved) {
   constexpr auto kFunction = eFunction::FakeFingerDetectionInitialize;
-  return code_call(kFunction, Arguments().pointer(reserved),
-                   [&] { return real(FakeFingerDetectionInitialize, kFunction)(reserved); });
+  return code_call(kFunction, Arguments().pointer(reserved), [&] {
+    return real<decltype(FakeFingerDetectionInitialize)>(kFunction)(reserved);
+  });
 }
 
 OSV_FORWARDER long FakeFingerDetectionUninitialize() {
   constexpr auto kFunction = eFunction::FakeFingerDetectionUninitialize;
   return code_call(kFunction, Arguments(),
-                   [] { return real(FakeFingerDetectionUninitialize, kFunction)(); });
+                   [] { return real<decltype(FakeFingerDetectionUninitialize)>(kFunction)(); });
 }
 
 OSV_FORWARDER long FakeFingerDetectionCreateHandle(void** handle) {
   constexpr auto kFunction = eFunction::FakeFingerDetectionCreateHandle;
   return exchange<long>(
       kFunction, Arguments().pointer(handle),
-      [&] { return real(FakeFingerDetectionCreateHandle, kFunction)(handle); },
+      [&] { return real<decltype(FakeFingerDetectionCreateHandle)>(kFunction)(handle); },
       [&](Answer& answer, long& code) {
         answer.number(code);
         if (code == 0 && handle != nullptr) {
@@ -58,7 +59,7 @@ OSV_FORWARDER long FakeFingerDetectionDestroyHandle(void** handle) {
   }
   return exchange<long>(
       kFunction, arguments,
-      [&] { return real(FakeFingerDetectionDestroyHandle, kFunction)(handle); },
+      [&] { return real<decltype(FakeFingerDetectionDestroyHandle)>(kFunction)(handle); },
       [&](Answer& answer, long& code) {
         bool is_null = handle != nullptr && *handle == nullptr;
         answer.number(code);
@@ -72,14 +73,16 @@ OSV_FORWARDER long FakeFingerDetectionDestroyHandle(void** handle) {
 OSV_FORWARDER long FakeFingerDetectionReset(void* handle) {
   constexpr auto kFunction = eFunction::FakeFingerDetectionReset;
   return code_call(kFunction, on_handle(detectors(), handle),
-                   [&] { return real(FakeFingerDetectionReset, kFunction)(handle); });
+                   [&] { return real<decltype(FakeFingerDetectionReset)>(kFunction)(handle); });
 }
 
 OSV_FORWARDER long FakeFingerDetectionEvaluateLiveliness(void* handle, double* score) {
   constexpr auto kFunction = eFunction::FakeFingerDetectionEvaluateLiveliness;
   return exchange<long>(
       kFunction, on_handle(detectors(), handle).pointer(score),
-      [&] { return real(FakeFingerDetectionEvaluateLiveliness, kFunction)(handle, score); },
+      [&] {
+        return real<decltype(FakeFingerDetectionEvaluateLiveliness)>(kFunction)(handle, score);
+      },
       [&](Answer& answer, long& code) {
         answer.number(code);
         if (has_score(code)) {
@@ -94,7 +97,7 @@ OSV_FORWARDER long FakeFingerDetectionSetImage(void* handle, std::int32_t kind, 
   Arguments arguments = on_handle(detectors(), handle);
   add_image(arguments.number(kind), bitmap, size);
   return code_call(kFunction, arguments, [&] {
-    return real(FakeFingerDetectionSetImage, kFunction)(handle, kind, bitmap, size);
+    return real<decltype(FakeFingerDetectionSetImage)>(kFunction)(handle, kind, bitmap, size);
   });
 }
 
@@ -102,7 +105,7 @@ OSV_FORWARDER long FakeFingerDetectionSetPropertyA(void* handle, const char* nam
                                                    const char* value) {
   constexpr auto kFunction = eFunction::FakeFingerDetectionSetPropertyA;
   return code_call(kFunction, on_handle(detectors(), handle).text(name).text(value), [&] {
-    return real(FakeFingerDetectionSetPropertyA, kFunction)(handle, name, value);
+    return real<decltype(FakeFingerDetectionSetPropertyA)>(kFunction)(handle, name, value);
   });
 }
 
@@ -116,7 +119,10 @@ OSV_FORWARDER long FakeFingerDetectionGetPropertyA(void* handle, const char* nam
           .text(name)
           .pointer(value)
           .number(static_cast<std::int64_t>(room)),
-      [&] { return real(FakeFingerDetectionGetPropertyA, kFunction)(handle, name, value, length); },
+      [&] {
+        return real<decltype(FakeFingerDetectionGetPropertyA)>(kFunction)(handle, name, value,
+                                                                          length);
+      },
       [&](Answer& answer, long& code) {
         answer.number(code);
         if (length != nullptr && (code == 0 || code == kLargerBufferNeeded)) {
@@ -132,6 +138,6 @@ OSV_FORWARDER const char* FakeFingerDetectionGetErrorDescriptionA(long code) {
   constexpr auto kFunction = eFunction::FakeFingerDetectionGetErrorDescriptionA;
   return exchange<const char*>(
       kFunction, Arguments().number(code),
-      [&] { return real(FakeFingerDetectionGetErrorDescriptionA, kFunction)(code); },
+      [&] { return real<decltype(FakeFingerDetectionGetErrorDescriptionA)>(kFunction)(code); },
       [](Answer& answer, const char*& text) { answer.text(text); });
 }

@@ -14,9 +14,10 @@
 
 namespace Osv::recorder {
 
-/// The real function behind one of these.
+/// The real function behind one of these, by whose type it is asked for and not by its address: a
+/// forwarder that refers to itself can't be loaded once it is hidden.
 template <class Function>
-Function* real(Function& /*forwarder*/, eFunction function) {
+Function* real(eFunction function) {
   return reinterpret_cast<Function*>(Session::get().real(function));
 }
 

@@ -33,7 +33,7 @@ OSV_FORWARDER __attribute__((format(printf, 2, 3))) void OsvLFLog(int level, con
   exchange<int>(
       kFunction, Arguments().number(level).text(format),
       [&] {
-        real(OsvLFLog, kFunction)(level, "%s", text);
+        real<decltype(OsvLFLog)>(kFunction)(level, "%s", text);
         return 0;
       },
       [&](Answer& answer, int& /*nothing*/) { answer.text(text); });
@@ -44,7 +44,7 @@ OSV_FORWARDER void OsvLFFlush() {
   exchange<int>(
       kFunction, Arguments(),
       [] {
-        real(OsvLFFlush, kFunction)();
+        real<decltype(OsvLFFlush)>(kFunction)();
         return 0;
       },
       [](Answer& /*answer*/, int& /*nothing*/) {});

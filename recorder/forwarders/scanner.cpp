@@ -98,7 +98,7 @@ OSV_FORWARDER void* ftrScanOpenDeviceOnInterface(int interface) {
   constexpr auto kFunction = eFunction::ftrScanOpenDeviceOnInterface;
   return exchange<void*>(
       kFunction, Arguments().number(interface),
-      [&] { return real(ftrScanOpenDeviceOnInterface, kFunction)(interface); },
+      [&] { return real<decltype(ftrScanOpenDeviceOnInterface)>(kFunction)(interface); },
       [](Answer& answer, void*& handle) { answer.new_handle(handle, devices()); });
 }
 
@@ -108,32 +108,33 @@ OSV_FORWARDER int ftrScanCloseDevice(void* handle) {
   const Arguments arguments = on_handle(devices(), handle);
   devices().forget(handle);  // another thread may be given it as soon as it is closed
   return status_call(kFunction, arguments,
-                     [&] { return real(ftrScanCloseDevice, kFunction)(handle); });
+                     [&] { return real<decltype(ftrScanCloseDevice)>(kFunction)(handle); });
 }
 
 OSV_FORWARDER int ftrScanSetOptions(void* handle, std::uint32_t mask, std::uint32_t flags) {
   constexpr auto kFunction = eFunction::ftrScanSetOptions;
-  return status_call(kFunction, on_handle(devices(), handle).number(mask).number(flags),
-                     [&] { return real(ftrScanSetOptions, kFunction)(handle, mask, flags); });
+  return status_call(kFunction, on_handle(devices(), handle).number(mask).number(flags), [&] {
+    return real<decltype(ftrScanSetOptions)>(kFunction)(handle, mask, flags);
+  });
 }
 
 OSV_FORWARDER int ftrScanGetOptions(void* handle, std::uint32_t* flags) {
   constexpr auto kFunction = eFunction::ftrScanGetOptions;
   return record_call(kFunction, handle, flags, sizeof(*flags),
-                     [&] { return real(ftrScanGetOptions, kFunction)(handle, flags); });
+                     [&] { return real<decltype(ftrScanGetOptions)>(kFunction)(handle, flags); });
 }
 
 OSV_FORWARDER int ftrScanGetDeviceInfo(void* handle, void* info) {
   constexpr auto kFunction = eFunction::ftrScanGetDeviceInfo;
   return record_call(kFunction, handle, info, kDeviceInfoSize,
-                     [&] { return real(ftrScanGetDeviceInfo, kFunction)(handle, info); });
+                     [&] { return real<decltype(ftrScanGetDeviceInfo)>(kFunction)(handle, info); });
 }
 
 OSV_FORWARDER int ftrScanGetImageSize(void* handle, ImageSize* size) {
   constexpr auto kFunction = eFunction::ftrScanGetImageSize;
   return status_call(
       kFunction, on_handle(devices(), handle).pointer(size),
-      [&] { return real(ftrScanGetImageSize, kFunction)(handle, size); },
+      [&] { return real<decltype(ftrScanGetImageSize)>(kFunction)(handle, size); },
       [&](Answer& answer) {
         answer.bytes(size, sizeof(*size));
         if (size != nullptr) {
@@ -144,84 +145,91 @@ OSV_FORWARDER int ftrScanGetImageSize(void* handle, ImageSize* size) {
 
 OSV_FORWARDER int ftrScanGetFrame(void* handle, void* buffer, void* parameters) {
   constexpr auto kFunction = eFunction::ftrScanGetFrame;
-  return frame_call(kFunction, on_handle(devices(), handle).pointer(buffer).pointer(parameters),
-                    handle, buffer,
-                    [&] { return real(ftrScanGetFrame, kFunction)(handle, buffer, parameters); });
+  return frame_call(
+      kFunction, on_handle(devices(), handle).pointer(buffer).pointer(parameters), handle, buffer,
+      [&] { return real<decltype(ftrScanGetFrame)>(kFunction)(handle, buffer, parameters); });
 }
 
 OSV_FORWARDER int ftrScanGetBacklightImage(void* handle, void* buffer) {
   constexpr auto kFunction = eFunction::ftrScanGetBacklightImage;
-  return frame_call(kFunction, on_handle(devices(), handle).pointer(buffer), handle, buffer,
-                    [&] { return real(ftrScanGetBacklightImage, kFunction)(handle, buffer); });
+  return frame_call(kFunction, on_handle(devices(), handle).pointer(buffer), handle, buffer, [&] {
+    return real<decltype(ftrScanGetBacklightImage)>(kFunction)(handle, buffer);
+  });
 }
 
 OSV_FORWARDER int ftrScanGetDarkImage(void* handle, void* buffer) {
   constexpr auto kFunction = eFunction::ftrScanGetDarkImage;
   return frame_call(kFunction, on_handle(devices(), handle).pointer(buffer), handle, buffer,
-                    [&] { return real(ftrScanGetDarkImage, kFunction)(handle, buffer); });
+                    [&] { return real<decltype(ftrScanGetDarkImage)>(kFunction)(handle, buffer); });
 }
 
 OSV_FORWARDER int ftrScanGetImageByVariableDose(void* handle, int dose, void* buffer) {
   constexpr auto kFunction = eFunction::ftrScanGetImageByVariableDose;
   return frame_call(
-      kFunction, on_handle(devices(), handle).number(dose).pointer(buffer), handle, buffer,
-      [&] { return real(ftrScanGetImageByVariableDose, kFunction)(handle, dose, buffer); });
+      kFunction, on_handle(devices(), handle).number(dose).pointer(buffer), handle, buffer, [&] {
+        return real<decltype(ftrScanGetImageByVariableDose)>(kFunction)(handle, dose, buffer);
+      });
 }
 
 OSV_FORWARDER int ftrScanIsFingerPresent(void* handle, void* parameters) {
   constexpr auto kFunction = eFunction::ftrScanIsFingerPresent;
-  return status_call(kFunction, on_handle(devices(), handle).pointer(parameters),
-                     [&] { return real(ftrScanIsFingerPresent, kFunction)(handle, parameters); });
+  return status_call(kFunction, on_handle(devices(), handle).pointer(parameters), [&] {
+    return real<decltype(ftrScanIsFingerPresent)>(kFunction)(handle, parameters);
+  });
 }
 
 OSV_FORWARDER int ftrScanSave7Bytes(void* handle, const void* bytes) {
   constexpr auto kFunction = eFunction::ftrScanSave7Bytes;
   return status_call(kFunction, on_handle(devices(), handle).data(bytes, kSevenBytes),
-                     [&] { return real(ftrScanSave7Bytes, kFunction)(handle, bytes); });
+                     [&] { return real<decltype(ftrScanSave7Bytes)>(kFunction)(handle, bytes); });
 }
 
 OSV_FORWARDER int ftrScanRestore7ControlBytes(void* handle, void* bytes) {
   constexpr auto kFunction = eFunction::ftrScanRestore7ControlBytes;
-  return record_call(kFunction, handle, bytes, kSevenBytes,
-                     [&] { return real(ftrScanRestore7ControlBytes, kFunction)(handle, bytes); });
+  return record_call(kFunction, handle, bytes, kSevenBytes, [&] {
+    return real<decltype(ftrScanRestore7ControlBytes)>(kFunction)(handle, bytes);
+  });
 }
 
 OSV_FORWARDER int ftrScanSetDiodesStatus(void* handle, std::uint8_t green, std::uint8_t red) {
   constexpr auto kFunction = eFunction::ftrScanSetDiodesStatus;
-  return status_call(kFunction, on_handle(devices(), handle).number(green).number(red),
-                     [&] { return real(ftrScanSetDiodesStatus, kFunction)(handle, green, red); });
+  return status_call(kFunction, on_handle(devices(), handle).number(green).number(red), [&] {
+    return real<decltype(ftrScanSetDiodesStatus)>(kFunction)(handle, green, red);
+  });
 }
 
 OSV_FORWARDER int ftrScanGetInterfaces(void* list) {
   constexpr auto kFunction = eFunction::ftrScanGetInterfaces;
   return status_call(
       kFunction, Arguments().pointer(list),
-      [&] { return real(ftrScanGetInterfaces, kFunction)(list); },
+      [&] { return real<decltype(ftrScanGetInterfaces)>(kFunction)(list); },
       [&](Answer& answer) { answer.bytes(list, kInterfaceListSize); });
 }
 
 OSV_FORWARDER int ftrSetBaseInterface(int interface) {
   constexpr auto kFunction = eFunction::ftrSetBaseInterface;
   return status_call(kFunction, Arguments().number(interface),
-                     [&] { return real(ftrSetBaseInterface, kFunction)(interface); });
+                     [&] { return real<decltype(ftrSetBaseInterface)>(kFunction)(interface); });
 }
 
 OSV_FORWARDER int ftrScanSaveSerialNumber(void* handle, const void* block) {
   constexpr auto kFunction = eFunction::ftrScanSaveSerialNumber;
-  return status_call(kFunction, on_handle(devices(), handle).data(block, kSerialBlockSize),
-                     [&] { return real(ftrScanSaveSerialNumber, kFunction)(handle, block); });
+  return status_call(kFunction, on_handle(devices(), handle).data(block, kSerialBlockSize), [&] {
+    return real<decltype(ftrScanSaveSerialNumber)>(kFunction)(handle, block);
+  });
 }
 
 OSV_FORWARDER int ftrScanGetSerialNumber(void* handle, void* serial) {
   constexpr auto kFunction = eFunction::ftrScanGetSerialNumber;
-  return record_call(kFunction, handle, serial, kSerialSize,
-                     [&] { return real(ftrScanGetSerialNumber, kFunction)(handle, serial); });
+  return record_call(kFunction, handle, serial, kSerialSize, [&] {
+    return real<decltype(ftrScanGetSerialNumber)>(kFunction)(handle, serial);
+  });
 }
 
 OSV_FORWARDER std::uint32_t ftrScanGetLastError() {
   constexpr auto kFunction = eFunction::ftrScanGetLastError;
   return exchange<std::uint32_t>(
-      kFunction, Arguments(), [] { return real(ftrScanGetLastError, kFunction)(); },
+      kFunction, Arguments(), [] { return real<decltype(ftrScanGetLastError)>(kFunction)(); },
       [](Answer& answer, std::uint32_t& error) { answer.number(error); });
 }
 
@@ -230,7 +238,7 @@ OSV_FORWARDER void ftrScanSetLastError(std::uint32_t error) {
   exchange<int>(
       kFunction, Arguments().number(error),
       [&] {
-        real(ftrScanSetLastError, kFunction)(error);
+        real<decltype(ftrScanSetLastError)>(kFunction)(error);
         return 0;
       },
       [](Answer& /*answer*/, int& /*nothing*/) {});
@@ -238,8 +246,9 @@ OSV_FORWARDER void ftrScanSetLastError(std::uint32_t error) {
 
 OSV_FORWARDER int ftrScanGetExtMemorySize(void* handle, std::int32_t* size) {
   constexpr auto kFunction = eFunction::ftrScanGetExtMemorySize;
-  return record_call(kFunction, handle, size, sizeof(*size),
-                     [&] { return real(ftrScanGetExtMemorySize, kFunction)(handle, size); });
+  return record_call(kFunction, handle, size, sizeof(*size), [&] {
+    return real<decltype(ftrScanGetExtMemorySize)>(kFunction)(handle, size);
+  });
 }
 
 OSV_FORWARDER int ftrScanSaveExtMemory(void* handle, const void* data, unsigned long offset,
@@ -248,7 +257,7 @@ OSV_FORWARDER int ftrScanSaveExtMemory(void* handle, const void* data, unsigned 
   return status_call(
       kFunction,
       on_handle(devices(), handle).data(data, size).number(static_cast<std::int64_t>(offset)),
-      [&] { return real(ftrScanSaveExtMemory, kFunction)(handle, data, offset, size); });
+      [&] { return real<decltype(ftrScanSaveExtMemory)>(kFunction)(handle, data, offset, size); });
 }
 
 OSV_FORWARDER int ftrScanRestoreExtMemory(void* handle, void* data, unsigned long offset,
@@ -260,28 +269,32 @@ OSV_FORWARDER int ftrScanRestoreExtMemory(void* handle, void* data, unsigned lon
           .pointer(data)
           .number(static_cast<std::int64_t>(offset))
           .number(size),
-      [&] { return real(ftrScanRestoreExtMemory, kFunction)(handle, data, offset, size); },
+      [&] {
+        return real<decltype(ftrScanRestoreExtMemory)>(kFunction)(handle, data, offset, size);
+      },
       [&](Answer& answer) { answer.some_bytes(data, size, size, size); });
 }
 
 OSV_FORWARDER int ftrScanGetVersion(void* handle, void* version) {
   constexpr auto kFunction = eFunction::ftrScanGetVersion;
   return record_call(kFunction, handle, version, kVersionSize,
-                     [&] { return real(ftrScanGetVersion, kFunction)(handle, version); });
+                     [&] { return real<decltype(ftrScanGetVersion)>(kFunction)(handle, version); });
 }
 
 // The three calls about the protected bytes. Code and bytes go through and leave no trace.
 
 OSV_FORWARDER int ftrScanSetNewAuthorizationCode(void* handle, const void* code) {
   constexpr auto kFunction = eFunction::ftrScanSetNewAuthorizationCode;
-  return status_call(kFunction, on_handle(devices(), handle).pointer(code),
-                     [&] { return real(ftrScanSetNewAuthorizationCode, kFunction)(handle, code); });
+  return status_call(kFunction, on_handle(devices(), handle).pointer(code), [&] {
+    return real<decltype(ftrScanSetNewAuthorizationCode)>(kFunction)(handle, code);
+  });
 }
 
 OSV_FORWARDER int ftrScanSaveSecret7Bytes(void* handle, const void* code, const void* bytes) {
   constexpr auto kFunction = eFunction::ftrScanSaveSecret7Bytes;
-  return status_call(kFunction, on_handle(devices(), handle).pointer(code).pointer(bytes),
-                     [&] { return real(ftrScanSaveSecret7Bytes, kFunction)(handle, code, bytes); });
+  return status_call(kFunction, on_handle(devices(), handle).pointer(code).pointer(bytes), [&] {
+    return real<decltype(ftrScanSaveSecret7Bytes)>(kFunction)(handle, code, bytes);
+  });
 }
 
 OSV_FORWARDER int ftrScanRestoreSecret7Bytes(void* handle, const void* code, void* bytes) {
@@ -289,7 +302,7 @@ OSV_FORWARDER int ftrScanRestoreSecret7Bytes(void* handle, const void* code, voi
   ProtectedMemory memory(bytes);
   return exchange<int>(
       kFunction, on_handle(devices(), handle).pointer(code).pointer(bytes),
-      [&] { return real(ftrScanRestoreSecret7Bytes, kFunction)(handle, code, bytes); },
+      [&] { return real<decltype(ftrScanRestoreSecret7Bytes)>(kFunction)(handle, code, bytes); },
       [&](Answer& answer, int& status) {
         bool is_changed = bytes != nullptr && !answer.is_played() && memory.is_changed();
         answer.number(status);
