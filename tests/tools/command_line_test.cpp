@@ -19,6 +19,20 @@ TEST_F(CommandLine, HelpNamesTheExitStatuses) {
   EXPECT_THAT(outcome.out, HasSubstr("Exit status: 0 success"));
 }
 
+TEST_F(CommandLine, TheHelpSaysWhereTheProgramOfACommandStands) {
+  for (const std::string command : {"record", "replay"}) {
+    EXPECT_THAT(run({HVK3_TOOL, command, "--help"}).out,
+                HasSubstr("Usage: hvk3 " + command + " [OPTIONS] FILE -- PROGRAM [ARGUMENT...]\n"));
+  }
+}
+
+TEST_F(CommandLine, TheHelpOfAGroupHasExamplesOfItsCommands) {
+  for (const std::string group : {"property", "feature", "secret", "completion"}) {
+    const std::string help = run({HVK3_TOOL, group, "--help"}).out;
+    EXPECT_THAT(help.substr(help.find("Examples:")), HasSubstr("hvk3 " + group + ' '));
+  }
+}
+
 TEST_F(CommandLine, WrongUsageEndsWith2) {
   EXPECT_EQ(status({}), 2);
   EXPECT_EQ(status({"paint"}), 2);

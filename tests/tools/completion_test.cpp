@@ -40,7 +40,9 @@ class Completion : public Tool {
   /// The commands that a help names, in the part that is about them.
   static WordSet commands(const std::string& help) {
     const std::size_t begin = help.find("Subcommands:");
-    return begin == std::string::npos ? WordSet() : matches(help.substr(begin), "\n  ([a-z]+) ");
+    const std::size_t end = help.find("\nExamples:");
+    return begin == std::string::npos ? WordSet()
+                                      : matches(help.substr(begin, end - begin), "\n  ([a-z]+) ");
   }
 
   /// The options that a help describes.

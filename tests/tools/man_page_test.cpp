@@ -57,9 +57,18 @@ TEST_F(ManPage, SaysOfEachOptionAndCommandWhatTheHelpSays) {
   }
 }
 
+TEST_F(ManPage, TellsTheCallAsTheHelpDoes) {
+  for (const std::string& name : pages()) {
+    const std::string help = ManPage::help(name);
+    const std::size_t usage = help.find("hvk3", help.find("\nUsage: "));
+    const std::string call = help.substr(usage, help.find('\n', usage) - usage);
+    EXPECT_THAT(read_page(path(name)), HasSubstr("\n       " + call + '\n'));
+  }
+}
+
 TEST_F(ManPage, NamesTheCommandAsItIsCalled) {
   EXPECT_THAT(read_page(path("hvk3-property-get")),
-              HasSubstr("\n       hvk3 property get [OPTIONS]"));
+              HasSubstr("\n       hvk3 property get [OPTIONS] [NAME...]\n"));
 }
 
 TEST_F(ManPage, HasTheExamplesOfTheHelp) {

@@ -1,7 +1,9 @@
 #include "hvk3/command_line.h"
 
 #include <algorithm>
+#include <memory>
 #include <string>
+#include <utility>
 
 namespace hvk3 {
 namespace {
@@ -20,12 +22,23 @@ constexpr char kFooter[] =
     "the\n"
     "recording, 128+N ended by signal N (130 for Ctrl-C).";
 
+/// For a command that takes a program, of which the parser never hears.
+class ProgramUsage : public CLI::Formatter {
+ public:
+  std::string make_usage(const CLI::App* app, std::string name) const override {
+    std::string usage = CLI::Formatter::make_usage(app, std::move(name));
+    usage.pop_back();  // the end of the line
+    return usage + " -- PROGRAM [ARGUMENT...]\n";
+  }
+};
+
 }  // namespace
 
 CommandLine::CommandLine()
     : m_cApp("Drives HVK3 fingerprint scanners through their frame grabber plug-in.", "hvk3") {
   m_cApp.require_subcommand(1);
   m_cApp.footer(kFooter);
+  m_cApp.get_formatter()->label("SUBCOMMAND", "COMMAND");
   for (const Command* const command : all_commands()) {
     add(*command);
   }
@@ -43,7 +56,9 @@ CLI::App& CommandLine::parent_of(const std::string& group) {
   const auto groups = all_command_groups();
   const auto described = std::find_if(groups.begin(), groups.end(),
                                       [&](const auto& each) { return group == each.name; });
-  return *m_cApp.add_subcommand(group, described->description)->require_subcommand(1);
+  CLI::App* const parser = m_cApp.add_subcommand(group, described->description);
+  parser->footer(std::string("Examples:\n") + described->examples);
+  return *parser->require_subcommand(1);
 }
 
 void CommandLine::add(const Command& command) {
@@ -53,6 +68,9 @@ void CommandLine::add(const Command& command) {
   const std::string own = name.substr(blank + 1);  // npos + 1 is 0
   CLI::App* const parser = parent_of(group).add_subcommand(own, command.description);
   parser->footer(std::string("Examples:\n") + command.examples);
+  if (command.takes_program) {
+    parser->formatter(std::make_shared<ProgramUsage>());
+  }
   Entry& entry = m_cEntries.emplace_back(Entry{command, parser, {}});
   command.add_options(*parser, entry.options);
 }

@@ -26,6 +26,7 @@ struct Command {
 struct CommandGroup {
   const char* name;
   const char* description;
+  const char* examples;  ///< lines for its help
 };
 
 extern const Command kListCommand;             ///< the attached scanners

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cctype>
+#include <regex>
 #include <set>
 #include <sstream>
 
@@ -105,15 +106,16 @@ void add_options(std::ostream& page, const CLI::App& command) {
   }
 }
 
+/// What the help has behind the command's words, placeholders in italics.
+std::string usage_of(const CLI::App& command) {
+  const std::string help = command.help();
+  const std::size_t begin = help.find(" [OPTIONS]", help.find("\nUsage: "));
+  const std::string usage = plain(help.substr(begin, help.find('\n', begin) - begin));
+  return std::regex_replace(usage, std::regex("[A-Z]+"), "\\fI$&\\fR");
+}
+
 void add_synopsis(std::ostream& page, const CLI::App& command) {
-  page << ".SH SYNOPSIS\n" << bold(words_of(command)) << " [" << italic("OPTIONS") << ']';
-  for (const CLI::Option* const option : command.get_options()) {
-    if (!option->nonpositional()) {
-      const bool needed = option->get_required();
-      page << (needed ? " " : " [") << italic(option->get_name()) << (needed ? "" : "]");
-    }
-  }
-  page << (commands_below(command).empty() ? "" : ' ' + italic("COMMAND")) << '\n';
+  page << ".SH SYNOPSIS\n" << bold(words_of(command)) << usage_of(command) << '\n';
 }
 
 void add_commands(std::ostream& page, const CLI::App& command, const std::string& title) {
