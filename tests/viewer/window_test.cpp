@@ -196,6 +196,16 @@ TEST_F(Window, NeedsADisplay) {
   EXPECT_THAT(outcome.error, HasSubstr("there is no display to show a window on"));
 }
 
+TEST_F(Window, NeedsADisplayAlsoWhenNobodyHasChosenItsKind) {
+  ::setenv("DISPLAY", ":nowhere", 1);
+  ::setenv("WAYLAND_DISPLAY", "nowhere", 1);
+  ::unsetenv("SDL_VIDEODRIVER");
+  start();
+  const Outcome outcome = m_pViewer->wait();
+  EXPECT_EQ(outcome.status, 6);
+  EXPECT_THAT(outcome.error, HasSubstr("there is no display to show a window on"));
+}
+
 TEST_F(Window, SaysThatThePluginCantBeLoaded) {
   start({"--plugin", m_cFolder.file("absent.so")});
   wait_for("failed");

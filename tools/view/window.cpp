@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "hvk3/failure.h"
 #include "view/layout.h"
 
 namespace hvk3::view {
@@ -77,6 +78,12 @@ SDL_Point find_opening_size() {
   return opening_size(room);
 }
 
+/// Without a display SDL draws where nobody sees it, instead of failing.
+bool is_hidden() {
+  return std::strcmp(SDL_GetCurrentVideoDriver(), "offscreen") == 0 &&
+         SDL_GetHint(SDL_HINT_VIDEODRIVER) == nullptr;  // else somebody has asked for it
+}
+
 }  // namespace
 
 Screen::Screen() {
@@ -87,6 +94,10 @@ Screen::Screen() {
   SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");
   if (SDL_Init(SDL_INIT_VIDEO) != 0) {
     fail_with_sdl("there is no display to show a window on");
+  }
+  if (is_hidden()) {
+    SDL_Quit();
+    throw Failure(ExitStatus::OutputFailed, "there is no display to show a window on");
   }
   if (TTF_Init() != 0) {
     SDL_Quit();
