@@ -44,6 +44,17 @@ TEST_F(CommandLine, WrongUsageEndsWith2) {
   EXPECT_EQ(status({"snap", "--simulate", "--show", "--json"}), 2);
 }
 
+TEST_F(CommandLine, AnUnknownCommandIsNamed) {
+  EXPECT_THAT(run({HVK3_TOOL, "paint", "it"}).error, HasSubstr("not expected: paint it\n"));
+  EXPECT_THAT(run({HVK3_TOOL, "property", "paint"}).error, HasSubstr("not expected: paint\n"));
+}
+
+TEST_F(CommandLine, AProgramThatDoesNotStandBehindItsMarkIsToldWhere) {
+  const Outcome outcome = run({HVK3_TOOL, "record", m_cFolder.file("recording"), "program"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_THAT(outcome.error, HasSubstr("the program to run is to stand behind '--'"));
+}
+
 TEST_F(CommandLine, SceneOptionsWithoutASimulationEndWith2) {
   EXPECT_EQ(status({"list", "--empty"}), 2);
   EXPECT_EQ(status({"list", "--log", m_cFolder.file("log")}), 2);

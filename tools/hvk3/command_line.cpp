@@ -32,6 +32,20 @@ class ProgramUsage : public CLI::Formatter {
   }
 };
 
+/// Tells a word that nobody knows before one that is missing.
+void parse_arguments(CLI::App& app, const std::vector<const char*>& arguments) {
+  try {
+    app.parse(static_cast<int>(arguments.size()), arguments.data());
+  } catch (const CLI::RequiredError&) {
+    std::vector<std::string> unknown = app.remaining(true);
+    if (unknown.empty()) {
+      throw;
+    }
+    std::reverse(unknown.begin(), unknown.end());  // the error tells the last one first
+    throw CLI::ExtrasError(unknown);
+  }
+}
+
 }  // namespace
 
 CommandLine::CommandLine()
@@ -88,8 +102,15 @@ void CommandLine::parse(const std::vector<std::string>& words) {
   for (auto word = words.begin(); word != end; ++word) {
     arguments.push_back(word->c_str());
   }
-  m_cApp.parse(static_cast<int>(arguments.size()), arguments.data());
-  if (entry != m_cEntries.end() && entry->options.recording.program.empty()) {
+  const bool lacks_program = entry != m_cEntries.end() && entry->options.recording.program.empty();
+  try {
+    parse_arguments(m_cApp, arguments);
+  } catch (const CLI::ExtrasError&) {
+    if (!lacks_program) {
+      throw;
+    }  // else the program stands among the command's own words
+  }
+  if (lacks_program) {
     throw CLI::ValidationError(entry->command.name, "the program to run is to stand behind '--'");
   }
 }
