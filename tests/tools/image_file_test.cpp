@@ -3,6 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <future>
+#include <set>
+#include <string>
+
+#include "hvk3/atomic_file.h"
 #include "hvk3/failure.h"
 #include "support/temporary_folder.h"
 #include "tools/files.h"
@@ -60,6 +65,28 @@ TEST_F(ImageFile, AFailureLeavesNothingBehind) {
   std::filesystem::create_directories(path + "/full");
   EXPECT_THROW(write_image(m_cImage, path), Failure);
   EXPECT_EQ(m_cFolder.count(), 1);
+}
+
+TEST_F(ImageFile, TakesAFreeNumberThatNobodyElseTakesAtTheSameTime) {
+  const auto write = [this] {
+    std::set<std::string> paths;
+    for (int i = 0; i < 20; ++i) {
+      paths.insert(write_numbered_image(m_cImage, m_cFolder.file("a.pgm")));
+    }
+    return paths;
+  };
+  auto others = std::async(std::launch::async, write);
+  std::set<std::string> paths = write();
+  paths.merge(others.get());
+  EXPECT_EQ(paths.size(), 40U);
+}
+
+TEST_F(ImageFile, ANewOneReplacesNoneThatHasComeWhileItWasWritten) {
+  const std::string path = m_cFolder.file("a.pgm");
+  AtomicFile file(path);
+  std::ofstream(path) << "of another";
+  EXPECT_FALSE(file.commit_new());
+  EXPECT_EQ(read_file(path), "of another");
 }
 
 TEST_F(ImageFile, OnlyTheNamesOfItsFormsAreImagePaths) {

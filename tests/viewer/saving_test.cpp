@@ -1,4 +1,3 @@
-#include "view/saving.h"
 #include "tools/files.h"
 #include "viewer/viewer_fixture.h"
 

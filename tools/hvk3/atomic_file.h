@@ -27,10 +27,17 @@ class AtomicFile {
   /// @throws Failure `OutputFailed`; the target is then what it was
   void commit();
 
+  /// Likewise, but never in the place of another file.
+  /// @return false when there is one
+  /// @throws Failure `OutputFailed`
+  bool commit_new();
+
   /// @throws Failure `OutputFailed` with the path and the reason of `errno`
   [[noreturn]] void fail() const;
 
  private:
+  void flush();
+
   struct Closer {
     void operator()(std::FILE* stream) const { std::fclose(stream); }
   };

@@ -4,6 +4,7 @@
 #include <array>
 #include <cctype>
 #include <filesystem>
+#include <system_error>
 
 #include "hvk3/atomic_file.h"
 #include "hvk3/bmp_file.h"
@@ -44,6 +45,19 @@ Writer writer_for(const std::string& path) {
   return form != kForms.end() ? form->writer : nullptr;
 }
 
+void fill(AtomicFile& file, const Image& image, const std::string& path,
+          const RecordDetails& details) {
+  if (!writer_for(path)(image, details, file.stream())) {
+    file.fail();
+  }
+}
+
+/// A link that leads nowhere is there as well. Why nobody can look is told by whoever writes.
+bool is_there(const std::string& path) {
+  std::error_code error;
+  return std::filesystem::exists(std::filesystem::symlink_status(path, error));
+}
+
 }  // namespace
 
 bool is_image_path(const std::string& path) { return writer_for(path) != nullptr; }
@@ -58,10 +72,22 @@ std::string numbered_path(const std::string& path, unsigned int number) {
 
 void write_image(const Image& image, const std::string& path, const RecordDetails& details) {
   AtomicFile file(path);
-  if (!writer_for(path)(image, details, file.stream())) {
-    file.fail();
-  }
+  fill(file, image, path, details);
   file.commit();
+}
+
+std::string write_numbered_image(const Image& image, const std::string& path) {
+  for (unsigned int number = 1;; ++number) {
+    const std::string candidate = numbered_path(path, number);
+    if (is_there(candidate)) {
+      continue;
+    }
+    AtomicFile file(candidate);
+    fill(file, image, candidate, {});
+    if (file.commit_new()) {
+      return candidate;
+    }
+  }
 }
 
 }  // namespace hvk3

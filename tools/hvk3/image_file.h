@@ -26,4 +26,10 @@ std::string numbered_path(const std::string& path, unsigned int number);
 /// @throws Failure `OutputFailed`
 void write_image(const Image& image, const std::string& path, const RecordDetails& details = {});
 
+/// Writes likewise under the first numbered path that is free, whoever else looks for one at the
+/// same time.
+/// @return the path
+/// @throws Failure `OutputFailed`
+std::string write_numbered_image(const Image& image, const std::string& path);
+
 }  // namespace hvk3

@@ -3,7 +3,6 @@
 #include <cstdlib>
 
 #include "hvk3/image_file.h"
-#include "view/saving.h"
 #include "view/window_picture.h"
 
 namespace hvk3::view {
@@ -117,8 +116,7 @@ void Viewer::save() {
     return;
   }
   try {
-    const std::string path = free_path(m_cOptions.out);
-    write_image(m_pKept->image, path);
+    const std::string path = write_numbered_image(m_pKept->image, m_cOptions.out);
     tell({"saved as " + path, ""});
     m_cEvents.tell("saved " + path);
   } catch (const Failure& failure) {
