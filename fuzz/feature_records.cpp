@@ -27,6 +27,20 @@ namespace {
 namespace error_number = lx::error_number;
 using Block = std::vector<unsigned char>;
 
+template <typename Record>
+Block bytes_of_record(const Record& record) {
+  const auto* const first = reinterpret_cast<const unsigned char*>(&record);
+  return {first, first + sizeof(record)};
+}
+
+/// Requires that a part of a record is as it was, and has it the same in both rounds.
+template <typename Part>
+void leave_alone(Part& part) {
+  require(std::memcmp(&part, unwritten_bytes(sizeof(part)).data(), sizeof(part)) == 0,
+          "the rest of a record is left alone");
+  std::memset(&part, 0, sizeof(part));
+}
+
 /// A frame grabber with a good scanner, which stays open for all runs.
 void open_once() {
   static const bool once = [] {
@@ -60,16 +74,21 @@ FeatureCall read_call(Input& input) {
   return call;
 }
 
+constexpr std::size_t kCodeSize = 7;
+constexpr std::size_t kSecretSize = 7;
+constexpr unsigned char kSecretByte = 0x5A;  // all that the scanner protects
+
+/// The format of image data that was set last.
+unsigned char g_format = 1;
+
 /// The bytes that a record's feature needs at its data, as documented.
 std::size_t room_for(const FeatureCall& call) {
-  constexpr std::size_t kCode = 7;
-  constexpr std::size_t kBoth = 14;
   const std::uint64_t size = call.record.size;
   switch (call.record.id) {
     case eFeatureAuthorizationCode:
-      return kCode;
+      return kCodeSize;
     case eFeatureSecretBytes:
-      return kBoth;
+      return kCodeSize + kSecretSize;
     case eFeatureImageDataFormat:
       return call.writes && (size == 1 || size == 2 || size == 4) ? size : 1;
     default:
@@ -77,7 +96,15 @@ std::size_t room_for(const FeatureCall& call) {
   }
 }
 
-/// What becomes of a call: its number, the record, and the bytes at its data.
+/// How many of these bytes the client gives: to write it gives all, to read no more than a code.
+std::size_t given_of(const FeatureCall& call) {
+  if (call.writes) {
+    return room_for(call);
+  }
+  return call.record.id == eFeatureSecretBytes ? kCodeSize : 0;
+}
+
+/// What becomes of a call: its number, the record, and what it was given to read.
 struct Outcome {
   unsigned long result = 0;
   unsigned int thrown = 0;
@@ -88,10 +115,30 @@ struct Outcome {
   bool operator==(const Outcome&) const = default;
 };
 
+/// The room at the data of a call: what the client gives, and behind it what nobody wrote yet.
+Block room_of(const FeatureCall& call, const Block& content) {
+  Block room = unwritten_bytes(content.size());
+  std::copy_n(content.begin(), std::min(given_of(call), content.size()), room.begin());
+  return room;
+}
+
+/// What a call that succeeds leaves at its data, or allocated for it.
+Block take_value(const FeatureCall& call, const unsigned char* room, std::size_t size) {
+  auto* const data = static_cast<unsigned char*>(call.record.data);
+  if (data == room) {
+    return {room, room + size};
+  }
+  const Block value(data, data + call.record.size);
+  LXSP_Free(data);
+  return value;
+}
+
 Outcome carry_out(FeatureCall call, const Block& content) {
-  const std::unique_ptr<unsigned char[]> data(new unsigned char[content.size()]);
-  std::copy(content.begin(), content.end(), data.get());
-  call.record.data = content.empty() ? nullptr : data.get();
+  const Block before = room_of(call, content);
+  const std::unique_ptr<unsigned char[]> data(new unsigned char[before.size()]);
+  std::copy(before.begin(), before.end(), data.get());
+  call.record.data = before.empty() ? nullptr : data.get();
+  const void* const given = call.record.data;
   Outcome outcome;
   try {
     outcome.result = call.writes ? LXSP_SetFeature(call.channel, &call.record)
@@ -101,10 +148,12 @@ Outcome carry_out(FeatureCall call, const Block& content) {
   }
   outcome.count = call.record.count;
   outcome.size = call.record.size;
-  outcome.data.assign(data.get(), data.get() + content.size());
-  if (call.record.data != nullptr && call.record.data != data.get()) {
-    outcome.data.push_back(*static_cast<unsigned char*>(call.record.data));
-    LXSP_Free(call.record.data);
+  const bool filled = !call.writes && outcome.result == 0 && outcome.thrown == 0;
+  require(
+      (filled && call.record.data == given) || std::equal(before.begin(), before.end(), data.get()),
+      "what is not filled is left alone");
+  if (filled) {
+    outcome.data = take_value(call, data.get(), before.size());
   }
   return outcome;
 }
@@ -161,6 +210,16 @@ unsigned int expected_exception(const FeatureCall& call, const Block& data) {
   return known ? 0 : error_number::OutOfRange;
 }
 
+/// What a call that succeeds reads.
+Block expected_value(const FeatureCall& call, const Block& content) {
+  if (call.record.id == eFeatureImageDataFormat) {
+    return {g_format};
+  }
+  Block value(content.begin(), content.begin() + kCodeSize);
+  value.insert(value.end(), kSecretSize, kSecretByte);
+  return value;
+}
+
 void call_feature(Input& input) {
   open_once();
   const FeatureCall call = read_call(input);
@@ -171,31 +230,52 @@ void call_feature(Input& input) {
   const Outcome outcome = written_whole([&] { return carry_out(call, content); });
   require(outcome.result == expected_result(call, !content.empty()), "a call has its number");
   require(outcome.thrown == expected_exception(call, content), "a refusal has its number");
-  const bool filled = outcome.result == 0 && outcome.thrown == 0 && !call.writes;
-  require(filled || outcome.data == content, "what is not read is left alone");
+  if (outcome.result != 0 || outcome.thrown != 0) {
+    return;
+  }
+  if (!call.writes) {
+    require(outcome.data == expected_value(call, content), "what is read is what the scanner has");
+  } else if (call.record.id == eFeatureImageDataFormat) {
+    g_format = content[0];
+  }
 }
 
 // Schemas.
 
-osvlx3_feature_schema garbage_schema(Input& input) {
-  osvlx3_feature_schema schema = {};
-  input.fill(&schema, sizeof(schema));
-  return schema;
-}
-
-Block bytes_of(const osvlx3_feature_schema& schema) {
-  Block bytes(sizeof(schema));
-  std::memcpy(bytes.data(), &schema, sizeof(schema));
-  std::memset(bytes.data() + offsetof(osvlx3_feature_schema, values), 0, sizeof(schema.values));
-  if (schema.values != nullptr) {
-    const auto* const values = static_cast<const unsigned char*>(schema.values);
+Block bytes_of(osvlx3_feature_schema schema) {
+  const auto* const values = static_cast<const unsigned char*>(schema.values);
+  schema.values = nullptr;
+  Block bytes = bytes_of_record(schema);
+  if (values != nullptr) {
     bytes.insert(bytes.end(), values, values + std::size_t{schema.value_size} * schema.value_count);
   }
   return bytes;
 }
 
-Block described(unsigned int id, osvlx3_feature_schema schema, bool with_condition) {
+bool is_known(unsigned int id) {
+  constexpr std::array<unsigned int, 7> kFirst = {3, 6, 7, 8, 10, 12, 13};
+  return std::find(kFirst.begin(), kFirst.end(), id) != kFirst.end() || (id >= 20 && id < 30) ||
+         (id >= 50 && id < 56);
+}
+
+/// Whether `condition` stays as it was when none is asked for.
+bool leaves_condition(unsigned int id) {
+  constexpr std::array<unsigned int, 7> kThese = {3, 6, 7, 8, 21, 22, 23};
+  return std::find(kThese.begin(), kThese.end(), id) != kThese.end();
+}
+
+Block described(unsigned int id, bool with_condition) {
+  auto schema = unwritten<osvlx3_feature_schema>();
   lx::GetFeatureSchema(id, schema, with_condition);
+  leave_alone(schema.reserved);
+  if (!is_known(id)) {
+    leave_alone(schema.id);
+    leave_alone(schema.name);
+    leave_alone(schema.description);
+  }
+  if (!is_known(id) || (!with_condition && leaves_condition(id))) {
+    leave_alone(schema.condition);
+  }
   Block bytes = bytes_of(schema);
   LXSP_Free(schema.values);
   return bytes;
@@ -204,8 +284,7 @@ Block described(unsigned int id, osvlx3_feature_schema schema, bool with_conditi
 void describe_feature(Input& input) {
   const unsigned int id = input.below(60);
   const bool with_condition = input.below(2) != 0;
-  const osvlx3_feature_schema garbage = garbage_schema(input);
-  written_whole([&] { return described(id, garbage, with_condition); });
+  written_whole([&] { return described(id, with_condition); });
 }
 
 /// Copies records of which some have values, up to one for which there is no memory.
@@ -250,28 +329,30 @@ void copy_features(Input& input) {
 void convert_unit(Input& input) {
   osvlx3_unit_schema unit = {};
   input.fill(&unit, sizeof(unit));
-  const auto convert = [&] {
-    DeviceInfo device;
+  const Block written = written_whole([&] {
+    auto device = unwritten<DeviceInfo>();
     lx::unit_schema2dev_info(unit, device);
-    Block written(sizeof(device));
-    std::memcpy(written.data(), &device, sizeof(device));
-    return written;
-  };
-  const Block device = written_whole(convert);
-  require(device[sizeof(DeviceInfo::szSerialNumber) - 1] == 0, "the serial number is ended");
+    return bytes_of_record(device);
+  });
+  require(written[sizeof(DeviceInfo::szSerialNumber) - 1] == 0, "the serial number is ended");
   DeviceInfo info;
-  std::memcpy(&info, device.data(), sizeof(info));
+  std::memcpy(&info, written.data(), sizeof(info));
   require(info.nInterface == unit.id, "the number is that of the unit");
   // As many bytes of a name as a record can have, with no zero byte among them.
   input.fill(info.szSerialNumber, sizeof(info.szSerialNumber));
+  const unsigned int channels = input.byte();
+  const Block bytes = written_whole([&] {
+    auto again = unwritten<osvlx3_unit_schema>();
+    lx::dev_info2unit_schema(info, again, channels);
+    return bytes_of_record(again);
+  });
   osvlx3_unit_schema again;
-  std::memset(&again, 0xA5, sizeof(again));
-  lx::dev_info2unit_schema(info, again, input.byte());
-  const auto* const text = reinterpret_cast<const char*>(again.name);
-  require(
-      std::string(text) == std::string(info.szSerialNumber,
-                                       strnlen(info.szSerialNumber, sizeof(info.szSerialNumber))),
-      "the name is the serial number");
+  std::memcpy(&again, bytes.data(), sizeof(again));
+  require(again.channels == channels && again.id == info.nInterface, "the numbers are those given");
+  require(std::string(reinterpret_cast<const char*>(again.name)) ==
+              std::string(info.szSerialNumber,
+                          strnlen(info.szSerialNumber, sizeof(info.szSerialNumber))),
+          "the name is the serial number");
 }
 
 // Samples.
@@ -313,23 +394,29 @@ std::optional<Block> read_block(const tagBITMAPINFOHEADER& bi, Input& input) {
   return block;
 }
 
-/// The sample that is made of an image, without the address in it.
+/// The envelope and the sample that are made of an image, without the addresses in them and the
+/// padding of the envelope, which stays as it was.
 Block sampled(const Block& image) {
-  osvlx3_biometric_data data = {};
+  auto envelope = unwritten<osvlx3_biometric_data>();
+  const Block before = bytes_of_record(envelope);
   try {
-    lx::image2biodata(image.data(), &data);
+    lx::image2biodata(image.data(), &envelope);
   } catch (const std::bad_alloc&) {
-    require(data.data == nullptr, "nothing is given without memory");
+    require(bytes_of_record(envelope) == before, "nothing is given without memory");
     return {};
   }
-  const auto* const sample = static_cast<const osvlx3_biometric_image*>(data.data);
-  require(sample->pixels == reinterpret_cast<const unsigned char*>(sample) + sizeof(*sample),
-          "the pixels stand behind the header");
-  require(data.size == sample->pixel_size + sizeof(*sample), "the size is that of the block");
-  Block bytes(reinterpret_cast<const unsigned char*>(sample),
-              reinterpret_cast<const unsigned char*>(sample) + data.size);
+  const auto* const sample = static_cast<const osvlx3_biometric_image*>(envelope.data);
+  const auto* const first = static_cast<const unsigned char*>(envelope.data);
+  require(sample->pixels == first + sizeof(*sample), "the pixels stand behind the header");
+  require(envelope.size == sample->pixel_size + sizeof(*sample), "the size is that of the block");
+  Block bytes(first, first + envelope.size);
   std::memset(bytes.data() + offsetof(osvlx3_biometric_image, pixels), 0, sizeof(void*));
-  LXSP_Free(data.data);
+  LXSP_Free(envelope.data);
+  envelope.data = nullptr;
+  leave_alone(envelope.reserved1);
+  leave_alone(envelope.reserved2);
+  const Block around = bytes_of_record(envelope);
+  bytes.insert(bytes.end(), around.begin(), around.end());
   return bytes;
 }
 

@@ -131,10 +131,12 @@ def feature_records():
     yield "no data read", bytes((0, 16, 4, 14, 1, 0))
     yield "no format", bytes((0, 17, 5, 1, 1, 0))
     yield "bad format", bytes((0, 17, 5, 1, 1, 1, 9))
+    yield "other format", bytes((0, 17, 5, 1, 1, 1, 2))
+    yield "other format read", bytes((0, 16, 5, 1, 1, 1))
     yield "other channel", bytes((0, 30, 4, 14, 1, 1)) + bytes(14)
     for number in range(60):
-        yield f"schema {number}", bytes((1, number, number % 2)) + b"garbage" * 30
-        yield f"schema {number} again", bytes((1, number, (number + 1) % 2))
+        yield f"schema {number}", bytes((1, number, 0))
+        yield f"schema {number} with a condition", bytes((1, number, 1))
     yield "copies", bytes((2,)) + b"0123456789abcdef" + bytes((5,)) + bytes((7, 1, 4, 2, 8, 0, 0, 0, 9, 2, 15, 15, 1, 1, 0, 0, 3, 0, 5, 5))
     yield "unit", b"\3" + struct.pack("<I264xI510x", 5, 1) + b"n" * 255 + bytes(255) + b"s" * 100 + b"\2"
     yield "plain unit", b"\3" + struct.pack("<I264xI510x", 5, 1) + b"HVK30001".ljust(255, b"\0") + bytes(255) + b"HVK30001"

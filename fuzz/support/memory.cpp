@@ -20,6 +20,7 @@ WatchedMemory::WatchedMemory() { g_watched = true; }
 WatchedMemory::~WatchedMemory() { g_watched = false; }
 
 void fill_new_memory_with(unsigned char byte) { g_fill = byte; }
+unsigned char filling() { return g_fill; }
 
 }  // namespace Osv::fuzz
 

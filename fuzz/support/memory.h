@@ -1,5 +1,9 @@
 #pragma once
 
+#include <cstddef>
+#include <cstring>
+#include <vector>
+
 #include "support/require.h"
 
 /// @file
@@ -20,6 +24,23 @@ class WatchedMemory {
 
 /// Fills all blocks from now on with this byte.
 void fill_new_memory_with(unsigned char byte);
+
+/// That byte, for outputs which are not blocks of their own.
+unsigned char filling();
+
+/// A record, or room for bytes, that nobody has written yet.
+/// @{
+template <typename Record>
+Record unwritten() {
+  Record record;
+  std::memset(&record, filling(), sizeof(record));
+  return record;
+}
+
+inline std::vector<unsigned char> unwritten_bytes(std::size_t size) {
+  return std::vector<unsigned char>(size, filling());
+}
+/// @}
 
 /// Makes an output twice, over memory of two fillings. Bytes that are not written differ.
 /// @param make gives something that compares
