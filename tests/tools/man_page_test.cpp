@@ -7,6 +7,7 @@
 namespace hvk3::test {
 namespace {
 
+using testing::ContainsRegex;
 using testing::IsSupersetOf;
 using testing::SizeIs;
 
@@ -54,6 +55,13 @@ TEST_F(ManPage, IsFreeOfWarningsAtTheUsualWidth) {
 TEST_F(ManPage, SaysOfEachOptionAndCommandWhatTheHelpSays) {
   for (const std::string& name : pages()) {
     expect_page_says(read_page(path(name)), help(name));
+  }
+}
+
+TEST_F(ManPage, AndHelpCallNoArgumentByTheTypeOfAVariable) {
+  for (const std::string& name : pages()) {
+    EXPECT_THAT(help(name), Not(ContainsRegex("U?INT|FLOAT|TEXT|[ A-Z]:[{A-Z]"))) << name;
+    EXPECT_THAT(read_page(path(name)), Not(ContainsRegex("U?INT |FLOAT|TEXT"))) << name;
   }
 }
 

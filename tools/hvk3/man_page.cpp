@@ -45,10 +45,8 @@ std::vector<const CLI::App*> commands_below(const CLI::App& command) {
   return command.get_subcommands([](const CLI::App*) { return true; });
 }
 
-/// What an argument is: of "TEXT:FILE" the narrower half.
 std::string argument_of(const CLI::Option& option) {
-  const std::string type = option.get_items_expected_max() == 0 ? "" : option.get_type_name();
-  return type.substr(type.find(':') + 1);  // npos + 1 is 0
+  return option.get_items_expected_max() == 0 ? "" : option.get_type_name();
 }
 
 /// Words in a row may go on in the next line behind each comma.

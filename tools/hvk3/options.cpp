@@ -3,7 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <map>
 
-#include "hvk3/choice_option.h"
+#include "hvk3/argument.h"
 #include "hvk3/failure.h"
 #include "hvk3/image_file.h"
 
@@ -36,13 +36,13 @@ auto parsed(const std::string& option, const std::string& word, Parse parse) {
   }
 }
 
-/// Shows in the help which words an argument takes.
-CLI::Validator property_names() {
+/// For the help; a number is taken too.
+std::string property_names() {
   std::string names;
   for (const Property& property : known_properties()) {
     names += (names.empty() ? "" : ",") + property.name;
   }
-  return {[](const std::string&) { return std::string(); }, "{" + names + "}"};
+  return "{" + names + "}";
 }
 
 CLI::Option* add_words(CLI::App& command, const std::string& name,
@@ -54,11 +54,9 @@ CLI::Option* add_words(CLI::App& command, const std::string& name,
 void add_led_option(CLI::App& command, const std::string& name, std::optional<bool>& target,
                     const std::string& description) {
   static const std::map<std::string, bool> kWords = {{"on", true}, {"off", false}};
-  command
-      .add_option_function<std::string>(
-          name, [&target](const std::string& word) { target = kWords.at(word); }, description)
-      ->type_name("")
-      ->check(CLI::IsMember(kWords));
+  const auto assign = [&target](const std::string& word) { target = kWords.at(word); };
+  take_only(command.add_option_function<std::string>(name, assign, description), choices_of(kWords),
+            CLI::IsMember(kWords));
 }
 
 void add_scene_options(CLI::App& command, Options& options, CLI::Option* simulate) {
@@ -66,13 +64,14 @@ void add_scene_options(CLI::App& command, Options& options, CLI::Option* simulat
   const auto scene_option = [&](CLI::Option* option) {
     return option->needs(simulate)->group("Simulated scene");
   };
-  CLI::Option* const finger =
+  CLI::Option* const finger = take_only(
       scene_option(command.add_option("--finger", scene.finger,
-                                      "Picture of the finger: 8-bit gray PNG or BMP, 500 DPI"))
-          ->check(CLI::ExistingFile);
+                                      "Picture of the finger: 8-bit gray PNG or BMP, 500 DPI")),
+      "FILE", CLI::ExistingFile);
   scene_option(command.add_flag("--empty", scene.empty, "No finger comes"))->excludes(finger);
-  scene_option(command.add_option("--scanners", scene.scanners, "Number of scanners"))
-      ->check(CLI::Range(0U, kInterfaces))
+  take_only(scene_option(
+                command.add_option("--scanners", scene.scanners, "Number of scanners, 0 to 128")),
+            "N", CLI::Range(0U, kInterfaces))
       ->capture_default_str();
   scene_option(command.add_option_function<std::string>(
                    "--pace", [&scene](const std::string& word) { scene.pace = to_pace(word); },
@@ -120,10 +119,10 @@ void add_program_output_option(CLI::App& command, Options& options) {
 }
 
 void add_device_option(CLI::App& command, Options& options) {
-  command
-      .add_option("--device", options.device,
-                  "Interface number of the scanner, as 'hvk3 list' shows it (default: the first)")
-      ->check(CLI::Range(0U, kInterfaces - 1));
+  take_only(command.add_option("--device", options.device,
+                               "Interface number of the scanner, 0 to 127, as 'hvk3 list' shows it "
+                               "(default: the first)"),
+            "N", CLI::Range(0U, kInterfaces - 1));
 }
 
 void add_image_options(CLI::App& command, Options& options) {
@@ -131,12 +130,11 @@ void add_image_options(CLI::App& command, Options& options) {
       [](const std::string& path) {
         return is_image_path(path) ? "" : "the file name must end in .png, .bmp, .pgm or .fir";
       },
-      "FILE");
-  command
-      .add_option(
-          "--out", options.out,
-          "Write the image, by the extension as PNG, BMP, PGM or finger image record (.fir)")
-      ->check(image_path);
+      "");
+  take_only(command.add_option(
+                "--out", options.out,
+                "Write the image, by the extension as PNG, BMP, PGM or finger image record (.fir)"),
+            "FILE", image_path);
   add_record_options(command, options);
   command.add_flag("--show", options.show, "Draw the image with characters")->excludes("--json");
   add_choice(command, "--shades", options.shades,
@@ -156,20 +154,21 @@ void add_preview_option(CLI::App& command, Options& options) {
 }
 
 void add_count_option(CLI::App& command, Options& options, const std::string& description) {
-  command.add_option("--count", options.count, description)
-      ->check(CLI::Range(1U, kLargestCount))
+  take_only(command.add_option("--count", options.count, description), "N",
+            CLI::Range(1U, kLargestCount))
       ->capture_default_str();
 }
 
 void add_settle_option(CLI::App& command, Options& options, const std::string& description) {
-  command.add_option("--settle", options.settle, description)
-      ->check(CLI::Range(1U, kLargestCount))
+  take_only(command.add_option("--settle", options.settle, description), "N",
+            CLI::Range(1U, kLargestCount))
       ->capture_default_str();
 }
 
 void add_timeout_option(CLI::App& command, Options& options) {
-  command.add_option("--timeout", options.timeout, "Seconds for the whole capture, 0 for no limit")
-      ->check(CLI::Range(0.0, kLongestTimeout))
+  take_only(command.add_option("--timeout", options.timeout,
+                               "Time for the whole capture, 0 for no limit"),
+            "SECONDS", CLI::Range(0.0, kLongestTimeout))
       ->capture_default_str();
 }
 
@@ -197,8 +196,7 @@ void add_property_names(CLI::App& command, Options& options) {
     }
   };
   add_words(command, "NAME", assign, "Names or numbers of properties (default: all)")
-      ->type_name("")
-      ->check(property_names());
+      ->type_name(property_names());
 }
 
 void add_property_value(CLI::App& command, Options& options) {
@@ -209,8 +207,7 @@ void add_property_value(CLI::App& command, Options& options) {
             options.properties = {parsed("NAME", word, &find_property)};
           },
           "Name or number of the property")
-      ->type_name("")
-      ->check(property_names())
+      ->type_name(property_names())
       ->required();
   command.add_option("VALUE", options.value, "A number, or on, off, level-1, level-2")
       ->type_name("")
@@ -230,17 +227,16 @@ void add_feature_value(CLI::App& command, Options& options) {
 }
 
 void add_level_option(CLI::App& command, Options& options) {
-  command.add_option("--level", options.level, "Security level, 1 or 2")
-      ->check(CLI::Range(1U, 2U))
+  take_only(command.add_option("--level", options.level, "Security level, 1 or 2"), "N",
+            CLI::Range(1U, 2U))
       ->capture_default_str();
 }
 
 void add_led_options(CLI::App& command, Options& options) {
   add_led_option(command, "--red", options.red_led, "Switch the red LED");
   add_led_option(command, "--green", options.green_led, "Switch the green LED");
-  command.add_option("--hold", options.hold, "Seconds to keep them so, 0 until Ctrl-C")
-      ->type_name("SECONDS")
-      ->check(CLI::Range(0.0, kLongestTimeout))
+  take_only(command.add_option("--hold", options.hold, "How long to keep them so, 0 until Ctrl-C"),
+            "SECONDS", CLI::Range(0.0, kLongestTimeout))
       ->required();
 }
 

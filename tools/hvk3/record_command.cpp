@@ -1,9 +1,9 @@
-#include <CLI/CLI.hpp>
 #include <chrono>
 #include <cstdlib>
 #include <exception>
 #include <string>
 
+#include "hvk3/argument.h"
 #include "hvk3/commands.h"
 #include "hvk3/installation.h"
 #include "hvk3/recording/child_program.h"
@@ -83,11 +83,10 @@ void add_options(CLI::App& app, Options& all) {
   RecordingOptions& options = all.recording;
   add_program_output_option(app, all);
   app.add_option("FILE", options.file, "The recording to make")->type_name("")->required();
-  CLI::Option* const folder =
+  CLI::Option* const folder = take_only(
       app.add_option("--real-dir", options.real_folder,
-                     "Folder of the closed libraries (default: those that the loader finds)")
-          ->type_name("DIR")
-          ->check(CLI::ExistingDirectory);
+                     "Folder of the closed libraries (default: those that the loader finds)"),
+      "DIR", CLI::ExistingDirectory);
   CLI::Option* const simulate =
       app.add_flag("--simulate", options.simulate, "Record simulated scanners")->excludes(folder);
   app.add_option("--simulator", options.simulator, "Folder of the simulator")

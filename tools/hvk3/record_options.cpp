@@ -1,6 +1,6 @@
 #include <vector>
 
-#include "hvk3/choice_option.h"
+#include "hvk3/argument.h"
 #include "hvk3/image_file.h"
 #include "hvk3/options.h"
 
@@ -29,13 +29,13 @@ void add_record_options(CLI::App& command, Options& options) {
                  "How the pixels stand in it (default: none)"),
       add_choice(command, "--record-position", record.position, kPositions,
                  "Which finger it is (default: unknown)"),
-      command
-          .add_option("--record-quality", record.quality, "Quality of the image (default: none)")
-          ->check(CLI::Range(0U, kBestQuality)),
-      command
-          .add_option("--record-device", record.device_id,
-                      "Identifier of the scanner's kind, 0 for not reported")
-          ->check(CLI::Range(0U, kLargestId))
+      take_only(command.add_option("--record-quality", record.quality,
+                                   "Quality of the image, 0 to 100 (default: none)"),
+                "N", CLI::Range(0U, kBestQuality)),
+      take_only(
+          command.add_option("--record-device", record.device_id,
+                             "Identifier of the scanner's kind, up to 65535, 0 for not reported"),
+          "N", CLI::Range(0U, kLargestId))
           ->capture_default_str()};
   for (CLI::Option* const option : details) {
     option->group(kGroup);

@@ -1,5 +1,4 @@
-#include <CLI/CLI.hpp>
-
+#include "hvk3/argument.h"
 #include "hvk3/commands.h"
 #include "hvk3/recording/replay.h"
 
@@ -27,10 +26,9 @@ void run(Context& context) {
 
 void add_options(CLI::App& app, Options& options) {
   add_program_output_option(app, options);
-  app.add_option("FILE", options.recording.file, "The recording to play")
-      ->type_name("")
-      ->required()
-      ->check(CLI::ExistingFile);
+  take_only(app.add_option("FILE", options.recording.file, "The recording to play"), "",
+            CLI::ExistingFile)
+      ->required();
 }
 
 }  // namespace

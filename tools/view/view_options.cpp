@@ -1,5 +1,6 @@
 #include "view/view_options.h"
 
+#include "hvk3/argument.h"
 #include "hvk3/image_file.h"
 #include "view/controls.h"
 
@@ -48,10 +49,11 @@ void add_view_options(CLI::App& app, ViewOptions& options) {
       [](const std::string& path) {
         return is_image_path(path) ? "" : "the file name has no extension of an image";
       },
-      "FILE");
-  app.add_option("--out", options.out,
-                 "Where to save images: -1, -2, ... join the file name, whatever is free")
-      ->check(image_path)
+      "");
+  take_only(
+      app.add_option("--out", options.out,
+                     "Where to save images: -1, -2, ... join the file name, whatever is free"),
+      "FILE", image_path)
       ->capture_default_str();
   app.add_option("--window-picture", options.picture, "Where to save pictures of the window")
       ->type_name("FILE")
