@@ -22,7 +22,7 @@ void add_options(CLI::App& app, Options& options) {
 
 }  // namespace
 
-const Command kCompletionBashCommand = {"completion bash", "For bash", kExamples, &add_options,
-                                        &run};
+const Command kCompletionBashCommand = {"completion bash", "Print the script for bash", kExamples,
+                                        &add_options, &run};
 
 }  // namespace hvk3

@@ -6,13 +6,16 @@ namespace hvk3 {
 namespace {
 
 constexpr char kExamples[] =
-    "  hvk3 property set threshold 60    try whether the scanner takes a value, and read it back\n"
-    "  hvk3 property set low-contrast on\n"
+    "  hvk3 property set low-contrast on   try whether the scanner takes a value, and read it "
+    "back\n"
+    "  hvk3 property set liveness level-2\n"
     "A property lasts only as long as the program that sets it. To work with one, set it where "
     "the\n"
     "work is done:\n"
-    "  hvk3 capture --set low-contrast=on --out finger.png\n"
-    "  hvk3 leds --red on --hold 5\n";
+    "  hvk3 snap --set low-contrast=on --out finger.png\n"
+    "  hvk3 leds --red on --hold 5\n"
+    "  hvk3 liveness --set threshold=60\n"
+    "The threshold reads as 0 while fake finger detection is off, whatever it was set to.\n";
 
 void run(Context& context) {
   const Options& options = context.options();
