@@ -32,25 +32,34 @@ std::string said(bool answer, const Buffer& buffer) {
   return answer ? std::string(buffer.begin(), buffer.end()) : "no";
 }
 
-Buffer frame_buffer(ClFutronicBaseSDK& device) {
-  __FTRSCAN_IMAGE_SIZE size{};
-  const bool known = device.GetImageSize(&size) && size.nWidth > 0 && size.nHeight > 0;
-  constexpr int kLargest = 200;
-  require(!known || (size.nWidth <= kLargest && size.nHeight <= kLargest), "a frame has a size");
-  return Buffer(known ? static_cast<std::size_t>(size.nWidth * size.nHeight) : 0);
-}
-
-/// Fetches a frame, if it is known how large one is.
+/// Tells how large a frame is, and fetches one if it can be.
 template <typename Fetch>
 std::string framed(ClFutronicBaseSDK& device, Fetch fetch) {
-  Buffer buffer = frame_buffer(device);
-  return buffer.empty() ? "no size" : said(fetch(buffer), buffer);
+  auto size = unwritten<__FTRSCAN_IMAGE_SIZE>();
+  if (!device.GetImageSize(&size)) {
+    return "no size";
+  }
+  const std::string told = std::to_string(size.nWidth) + 'x' + std::to_string(size.nHeight);
+  if (size.nWidth <= 0 || size.nHeight <= 0) {
+    return told;
+  }
+  constexpr int kLargest = 200;
+  require(size.nWidth <= kLargest && size.nHeight <= kLargest, "a frame has a size");
+  Buffer buffer = unwritten_bytes(static_cast<std::size_t>(size.nWidth * size.nHeight));
+  return told + said(fetch(buffer), buffer);
 }
 
 template <typename Fetch>
 std::string seven_bytes(Fetch fetch) {
-  Buffer buffer(7);
+  Buffer buffer = unwritten_bytes(7);
   return said(fetch(buffer.data()), buffer);
+}
+
+/// Fetches a number.
+template <typename Number, typename Fetch>
+std::string told(Fetch fetch) {
+  auto number = unwritten<Number>();
+  return fetch(&number) ? std::to_string(number) : "no";
 }
 
 std::string list(ClFutronicBaseSDK& device, unsigned int /*number*/) {
@@ -77,7 +86,7 @@ std::string serial(ClFutronicBaseSDK& device, unsigned int /*number*/) {
 }
 
 std::string read_raw(ClFutronicBaseSDK& device, unsigned int number) {
-  Buffer buffer(1UL + number);
+  Buffer buffer = unwritten_bytes(1UL + number);
   device.ReadRaw(buffer.data(), buffer.size());
   return {buffer.begin(), buffer.end()};
 }
@@ -120,12 +129,10 @@ constexpr std::array<Operation, 27> kOperations = {{
     [](auto& device, auto) { return said(device.SetLongImage()); },
     [](auto& device, auto number) { return said(device.SetOptions(number, number)); },
     [](auto& device, auto) {
-      unsigned int flags = 0;
-      return said(device.GetOptions(&flags)) + std::to_string(flags);
+      return told<unsigned int>([&](unsigned int* flags) { return device.GetOptions(flags); });
     },
     [](auto& device, auto) {
-      int size = 0;
-      return said(device.GetEPROMSize(&size));
+      return told<int>([&](int* size) { return device.GetEPROMSize(size); });
     },
     &read_raw,
     [](auto& device, auto number) {
@@ -135,9 +142,7 @@ constexpr std::array<Operation, 27> kOperations = {{
     [](auto& device, auto) {
       return seven_bytes([&](unsigned char* bytes) { return device.GetEPROMData(bytes); });
     },
-    [](auto& device, auto) {
-      return seven_bytes([&](unsigned char* bytes) { return device.PutEPROMData(bytes); });
-    },
+    [](auto& device, auto) { return said(device.PutEPROMData(Buffer(7).data())); },
     &serial,
     [](auto& device, auto number) {
       return said(device.SetSerialNumber(std::string(number % 12, 's')));
@@ -150,11 +155,11 @@ constexpr std::array<Operation, 27> kOperations = {{
     },
     &last_error,
     [](auto& device, auto number) {
-      unsigned long interface = 0;
-      device.GetScanInterface(interface);
       device.RemoteDesktopHandling();
       return said(device.LoggingEnable(static_cast<unsigned short>(number), nullptr)) +
-             said(device.LoggingDisable()) + std::to_string(interface);
+             said(device.LoggingDisable()) + told<unsigned long>([&](unsigned long* interface) {
+               return device.GetScanInterface(*interface);
+             });
     },
     [](auto& device, auto) {
       Buffer code(7);

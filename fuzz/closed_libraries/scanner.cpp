@@ -19,6 +19,8 @@ constexpr int kFailed = 0;
 constexpr std::uint32_t kInvalidParameter = 87;
 constexpr std::uint32_t kNoDevice = 259;
 constexpr std::size_t kSerialSize = 8;
+constexpr std::size_t kSecretSize = 7;
+constexpr int kByte = 0x5A;  // of the bytes that it keeps
 constexpr std::size_t kListRecordSize = 204;
 
 int fail(std::uint32_t error) {
@@ -73,14 +75,16 @@ int give_frame(const char* function, void* handle, void* buffer) {
 }
 
 int give_bytes(const char* function, void* handle, void* bytes, std::size_t size) {
-  return answer(function, handle, [&](OpenDevice&) {
-    std::memset(bytes, 0x5A, size);
+  const auto give = [&](std::uint32_t byte) {
+    std::memset(bytes, static_cast<int>(byte), size);
     return kDone;
-  });
+  };
+  return answer(
+      function, handle, [&](OpenDevice&) { return give(kByte); },
+      [&](OpenDevice&, std::uint32_t value) { return give(value % 256); });
 }
 
-/// Answers with a status other than the two that are known, or with the one of success and nothing
-/// done.
+/// Answers with a status other than the two that are known, or with the one of success.
 int odd_secret(OpenDevice& /*device*/, std::uint32_t value) { return static_cast<int>(value); }
 
 int read_memory(void* data, unsigned long offset, std::uint32_t size) {
@@ -190,7 +194,7 @@ int ftrScanSave7Bytes(void* handle, const void*) {
 }
 
 int ftrScanRestore7ControlBytes(void* handle, void* bytes) {
-  return give_bytes(__func__, handle, bytes, 7);
+  return give_bytes(__func__, handle, bytes, kSecretSize);
 }
 
 int ftrScanGetDiodesStatus(void* handle, std::uint8_t* green, std::uint8_t* red) {
@@ -294,11 +298,13 @@ int ftrScanSaveSecret7Bytes(void* handle, const void*, const void*) {
 }
 
 int ftrScanRestoreSecret7Bytes(void* handle, const void*, void* bytes) {
-  const auto give = [&](OpenDevice& /*device*/) {
-    std::memset(bytes, 0x5A, 7);
-    return kDone;
+  const auto give = [&](int status) {
+    std::memset(bytes, kByte, kSecretSize);  // also where its status isn't that of success
+    return status;
   };
-  return answer(__func__, handle, give, &odd_secret);
+  return answer(
+      __func__, handle, [&](OpenDevice&) { return give(kDone); },
+      [&](OpenDevice& device, std::uint32_t value) { return give(odd_secret(device, value)); });
 }
 
 int ftrScanGlobalSetOptions(std::uint32_t, std::uint32_t) { return kDone; }
