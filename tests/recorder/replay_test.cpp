@@ -1,3 +1,5 @@
+#include <csignal>
+
 #include "recorder/recorded_tool.h"
 
 namespace hvk3::test {
@@ -22,6 +24,28 @@ TEST_F(Replay, TellsInJsonWhereItDiverged) {
   EXPECT_EQ(object["status"], "diverged");
   EXPECT_EQ(object["exit"], 9);
   EXPECT_THAT(object["error"]["text"].get<std::string>(), HasSubstr("call "));
+}
+
+TEST_F(Replay, TellsTheTrueEndInOneObjectWhenItDivergesInTheTeardown) {
+  record("info");
+  std::filesystem::resize_file(recording(), std::filesystem::file_size(recording()) - 3);
+  const Outcome outcome = replay("info --json");
+  EXPECT_EQ(outcome.status, 9);
+  EXPECT_EQ(Json::parse(outcome.out)["status"], "diverged");
+  EXPECT_GT(Json::parse(outcome.out)["divergence"]["call"], 0);
+  EXPECT_THAT(replay("info").out, HasSubstr("HVK30001"));  // for people it is printed before
+}
+
+TEST_F(Replay, TellsInJsonWhichSignalEndedTheCommand) {
+  record("snap");
+  const std::string image = m_cFolder.file("image.bmp");  // larger than files may be
+  const Outcome outcome = run(
+      {"/bin/bash", "-c",
+       "ulimit -c 0 -f 100; exec \"$0\" snap --json --replay '" + recording() + "' --out " + image,
+       HVK3_BARE_TOOL});
+  EXPECT_EQ(outcome.status, 128 + SIGXFSZ);
+  EXPECT_EQ(Json::parse(outcome.out)["status"], "interrupted");
+  EXPECT_EQ(Json::parse(outcome.out)["exit"], outcome.status);
 }
 
 TEST_F(Replay, TellsWhichCallsWereNotMade) {

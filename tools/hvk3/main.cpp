@@ -27,11 +27,22 @@ int end_with(const Failure& failure, Console& console, Report& report) {
 int run_on_recording(const Options& options, Words words, Console& console, Report& report) {
   words.front() = std::filesystem::read_symlink("/proc/self/exe").string();
   const ReplayEnd end = replay(options.replay, words, eOutput::Standard, console);
-  if (end.trouble && options.json) {
+  if (options.json && (end.trouble || end.program.by_signal)) {  // else it has printed its own
     fill_report(report, end);
     report.print();
   }
   return end.program.status;
+}
+
+/// What people read is printed at once. The object tells the end, which a replay may still come to
+/// while the plug-in goes.
+int carry_out(const Command& command, const Options& options, Console& console, Report& report) {
+  Context context(options, console, report);
+  command.run(context);
+  if (!options.json) {
+    report.print();
+  }
+  return context.exit_code();
 }
 
 int run(const Command& command, const Options& options, const Words& words) {
@@ -41,10 +52,11 @@ int run(const Command& command, const Options& options, const Words& words) {
     if (!options.replay.empty() && !is_replay()) {
       return run_on_recording(options, words, console, report);
     }
-    Context context(options, console, report);
-    command.run(context);
-    report.print();
-    return context.exit_code();
+    const int exit_code = carry_out(command, options, console, report);
+    if (options.json) {
+      report.print();
+    }
+    return exit_code;
   } catch (const Failure& failure) {
     return end_with(failure, console, report);
   } catch (const std::exception& error) {
