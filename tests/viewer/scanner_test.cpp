@@ -73,6 +73,47 @@ TEST_F(Scanner, MayComeBackBeforeTheInterfaceThatItHasLeft) {
   wait_for("back 2 HVK30003");
 }
 
+TEST_F(Scanner, ThatTabHasComeToMayComeBackAnywhere) {
+  start_capturing({"--scanners", "2"});
+  press("Tab", "started 1 HVK30002");
+  say("unplug all");
+  wait_for("unplugged");
+  say("plug 5");
+  wait_for("back 5 HVK30006");
+}
+
+TEST_F(Scanner, ThatGoesLeavesItsPlaceToAnotherOneAlsoBehindTab) {
+  start_capturing({"--scanners", "2"});
+  press("Tab", "started 1 HVK30002");
+  say("unplug 1");
+  wait_for("back 0 HVK30001");
+  press("Tab", "no other scanner");
+}
+
+TEST_F(Scanner, ComesBackWhereItWasThoughAnotherOneIsAttached) {
+  start_capturing({"--scanners", "2"});
+  press("Tab", "started 1 HVK30002");
+  say("fault ftrScanGetInterfaces always blocks until told\nunplug 1");
+  wait_for("unplugged");
+  say("plug 1\nfaults off");
+  wait_for("back 1 HVK30002");
+}
+
+TEST_F(Scanner, IsStartedAgainWhereItIsThoughAnotherOneComesFirst) {
+  start_capturing({"--scanners", "2"});
+  press("Tab", "started 1 HVK30002");
+  press("Return", "started 1 HVK30002");
+}
+
+TEST_F(Scanner, ThatIsNamedIsTheOnlyOneThatIsWaitedFor) {
+  start_capturing({"--scanners", "2", "--device", "0"});
+  press("Tab", "started 1 HVK30002");
+  say("unplug all");
+  wait_for("unplugged");
+  say("plug 5\nwait 3 calls of ftrScanGetInterfaces\nplug 0");
+  wait_for("back 0 HVK30001");
+}
+
 TEST_F(Scanner, ThatIsUnpluggedWhileFrozenIsMissed) {
   start_capturing();
   press("space", "frozen");

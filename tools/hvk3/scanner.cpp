@@ -84,16 +84,21 @@ bool is_attached(ClFramegrabber& grabber, std::optional<unsigned int> interface)
   return find_at(scanners, interface) != scanners.end();
 }
 
-ListedScanner choose_scanner(ClFramegrabber& grabber, std::optional<unsigned int> interface) {
+ListedScanner find_scanner(ClFramegrabber& grabber, std::optional<unsigned int> interface) {
   const std::vector<ListedScanner> scanners = list_scanners(grabber);
-  const auto chosen = find_at(scanners, interface);
-  if (chosen == scanners.end()) {
+  const auto found = find_at(scanners, interface);
+  if (found == scanners.end()) {
     throw Failure(ExitStatus::NoScanner,
                   interface ? "no scanner at interface " + std::to_string(*interface)
                             : "no scanner is attached");
   }
-  check(grabber, grabber.SetActiveDevice(chosen->interface));
-  return *chosen;
+  return *found;
+}
+
+ListedScanner choose_scanner(ClFramegrabber& grabber, std::optional<unsigned int> interface) {
+  const ListedScanner scanner = find_scanner(grabber, interface);
+  check(grabber, grabber.SetActiveDevice(scanner.interface));
+  return scanner;
 }
 
 ScannerInfo describe_scanner(ClFramegrabber& grabber) {

@@ -34,6 +34,10 @@ std::vector<ListedScanner> list_scanners(Osv::lx::ClFramegrabber& grabber);
 /// Whether there is a scanner at an interface, or any at all.
 bool is_attached(Osv::lx::ClFramegrabber& grabber, std::optional<unsigned int> interface);
 
+/// The scanner at an interface, or the first of the list.
+/// @throws Failure `NoScanner` when it isn't there
+ListedScanner find_scanner(Osv::lx::ClFramegrabber& grabber, std::optional<unsigned int> interface);
+
 /// Chooses the scanner at an interface, or the first of the list, and opens it.
 /// @throws Failure `NoScanner` when it isn't there
 ListedScanner choose_scanner(Osv::lx::ClFramegrabber& grabber,

@@ -71,8 +71,9 @@ void ScannerDesk::open() {
 
 void ScannerDesk::begin() {
   try {
-    const ListedScanner scanner = choose_scanner(grabber(), m_nWanted);
+    const ListedScanner scanner = find_scanner_to_begin_with();
     turn_to(scanner);
+    check(grabber(), grabber().SetActiveDevice(scanner.interface));
     look_for_scanners();
     m_cFeed.emplace(m_cContext.plugin(), m_cBoard, m_cEvents, m_cWakeup,
                     m_cContext.options().settle);
@@ -88,6 +89,11 @@ void ScannerDesk::begin() {
   } catch (const Failure& failure) {
     lose(failure);
   }
+}
+
+/// The interface of before comes first: the user has seen its scanner last, or has gone on to it.
+ListedScanner ScannerDesk::find_scanner_to_begin_with() {
+  return find_scanner(grabber(), is_present_attached() ? present() : m_nWanted);
 }
 
 /// No image of another scanner is taken for this one's, and none is kept on the screen by freezing.
@@ -150,7 +156,7 @@ void ScannerDesk::part_from_scanner() {
 bool ScannerDesk::is_gone(const Failure& failure) {
   try {
     return failure.status() == ExitStatus::NoScanner ||
-           (failure.number() && !is_attached(grabber(), m_nWanted));
+           (failure.number() && !is_attached(grabber(), present()));
   } catch (const Failure&) {
     return false;  // who knows: the user starts again
   }
@@ -343,7 +349,6 @@ void ScannerDesk::go_to_next_scanner() {
     return choose(each.interface);
   });
   if (next != others.end()) {
-    m_nWanted = next->interface;
     turn_to(*next);
   }
   begin();
@@ -381,22 +386,29 @@ void ScannerDesk::look_at_scanner() {
   } else if (m_eConnection == eConnection::Capturing) {
     if (const std::optional<std::string> error = m_cFeed->error()) {
       lose(Failure::of_capture(*error));
-    } else if (m_cWanted->frozen && !is_attached(grabber(), m_nWanted)) {
+    } else if (m_cWanted->frozen && !is_attached(grabber(), present())) {
       lose(Failure(ExitStatus::NoScanner, "the scanner was unplugged while frozen"));
     }
   }
 }
 
-/// Without a wish any scanner will do, also one that the list leaves out: see above. Choosing it
-/// brings it into the list.
+/// The interface of the scanner that is shown, also when it has gone.
+std::optional<unsigned int> ScannerDesk::present() const {
+  const std::optional<ListedScanner> scanner = m_cBoard.status().scanner;
+  return scanner ? std::optional(scanner->interface) : std::nullopt;
+}
+
+bool ScannerDesk::is_present_attached() { return present() && is_attached(grabber(), present()); }
+
+/// What will do comes back also where the list leaves it out: see above. Choosing it brings it into
+/// the list.
 bool ScannerDesk::has_come_back() {
-  if (is_attached(grabber(), m_nWanted)) {
+  if (is_present_attached() || is_attached(grabber(), m_nWanted)) {
     return true;
   }
-  const std::optional<ListedScanner> last = m_cBoard.status().scanner;
   bool found = false;
-  for (unsigned int i = 0; !found && !m_nWanted && last && i < last->interface; ++i) {
-    found = choose(i);
+  for (unsigned int i = m_nWanted.value_or(0); !found && i < present().value_or(0); ++i) {
+    found = (!m_nWanted || i == m_nWanted) && choose(i);
   }
   return found;
 }

@@ -40,8 +40,11 @@ class ScannerDesk {
 
  private:
   void begin();
+  ListedScanner find_scanner_to_begin_with();
   void turn_to(const ListedScanner& scanner);
   void look_at_scanner();
+  std::optional<unsigned int> present() const;
+  bool is_present_attached();
   bool has_come_back();
   void lose(const Failure& failure);
   void part_from_scanner();
@@ -70,7 +73,7 @@ class ScannerDesk {
   Board& m_cBoard;
   EventLog& m_cEvents;
   const Wakeup& m_cWakeup;
-  std::optional<unsigned int> m_nWanted;        // interface; none: the first of the list
+  const std::optional<unsigned int> m_nWanted;  // interface of --device; none: any will do
   std::map<unsigned int, std::string> m_cSeen;  // interfaces with a scanner, and its serial number
   std::optional<Switches> m_cWanted;            // kept over a scanner that comes back
   std::optional<LiveFeed> m_cFeed;              // while capture runs, or has ended with an error
