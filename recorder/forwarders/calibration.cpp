@@ -153,7 +153,7 @@ OSV_FORWARDER long CalibrateGetOption(void* handle, const char* name, char* valu
           answer.number(*length);
         }
         if (value != nullptr && code == 0) {
-          answer.some_bytes(value, std::min(room, ::strnlen(value, room) + 1), room);
+          answer.written_text(value, room);
         }
       });
 }

@@ -129,7 +129,7 @@ OSV_FORWARDER long FakeFingerDetectionGetPropertyA(void* handle, const char* nam
           answer.number(*length);
         }
         if (value != nullptr && code == 0) {
-          answer.some_bytes(value, room, room);
+          answer.some_bytes(value, room, room, room);
         }
       });
 }

@@ -78,6 +78,15 @@ void Answer::some_bytes(void* memory, std::size_t size, std::size_t room, std::s
   }
 }
 
+void Answer::written_text(char* memory, std::size_t room) {
+  const std::size_t length = is_played() ? 0 : ::strnlen(memory, room);
+  const std::size_t size = checked_size(length + 1, room);
+  bytes(memory, size);
+  if (is_played() && size < room && (size == 0 || memory[size - 1] != '\0')) {
+    throw DamagedRecording("a text in the recording has no end");
+  }
+}
+
 void Answer::image(void* memory, std::size_t front, std::size_t size, std::size_t room,
                    std::size_t least) {
   const std::size_t checked = checked_size(size, room, least);

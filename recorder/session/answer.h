@@ -58,6 +58,10 @@ class Answer {
   /// @param least what the caller may rely on, when played
   void some_bytes(void* memory, std::size_t size, std::size_t room, std::size_t least = 0);
 
+  /// A text that the library wrote into the caller's memory: as far as its end, which is that of
+  /// the memory where it has none.
+  void written_text(char* memory, std::size_t room);
+
   /// An image. Without pixels, what comes behind the front is black.
   /// @param front bytes that describe the image, for a recording
   /// @param size, room, least as in `some_bytes`

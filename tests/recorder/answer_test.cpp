@@ -58,6 +58,33 @@ TEST(Answer, FillsWhatItHasToFill) {
   EXPECT_THROW(Answer(ByteView(written), true).image(block.data(), 0, 6, 6, 6), DamagedRecording);
 }
 
+/// Plays so many bytes of a text into memory for six.
+void play_text(std::string text, std::size_t size) {
+  Bytes written;
+  Answer(written, true).some_bytes(text.data(), size, size);
+  std::array<char, 6> played = {};
+  Answer answer(ByteView(written), true);
+  answer.written_text(played.data(), played.size());
+  answer.finish();
+  EXPECT_EQ(std::string(played.data(), size), text.substr(0, size));
+}
+
+TEST(Answer, GivesAWrittenTextBackAsFarAsItsEnd) {
+  Bytes written;
+  char text[] = "ab\0cd";
+  Answer(written, true).written_text(text, sizeof(text));
+  char played[] = "xxxxx";
+  Answer(ByteView(written), true).written_text(played, sizeof(played));
+  EXPECT_EQ(std::string(played, 5), std::string("ab\0xx", 5));
+}
+
+TEST(Answer, TakesATextWithoutAnEndThatFillsItsMemory) { EXPECT_NO_THROW(play_text("abcdef", 6)); }
+
+TEST(Answer, RefusesATextWithoutAnEndThatLeavesMemoryAsItWas) {
+  EXPECT_THROW(play_text("abcde", 5), DamagedRecording);
+  EXPECT_THROW(play_text("", 0), DamagedRecording);
+}
+
 TEST(Answer, GivesNothingToACallerWithoutMemory) {
   for (const bool pixels : {true, false}) {
     Bytes written;
