@@ -188,7 +188,7 @@ std::vector<unsigned char> edges(const std::vector<Frame>& frames, unsigned int 
   for (const Frame& frame : frames) {
     ClSimpleBitmap bitmap;
     frame.give_to(bitmap);
-    std::vector<unsigned char> next(bitmap.Height());
+    std::vector<unsigned char> next = unwritten_bytes(bitmap.Height());
     followed.CalculateLineRand(bitmap, profile, next);
     const unsigned char first = next.empty() ? static_cast<unsigned char>(0) : next.front();
     if (!next.empty() && bitmap.Width() > 0) {

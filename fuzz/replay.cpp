@@ -76,9 +76,11 @@ struct Client {
   std::size_t frame = 0;
   std::vector<unsigned char> outputs = {};
 
-  void take(Room& room, std::size_t size) {
-    outputs.insert(outputs.end(), room.bytes(), room.bytes() + size);
+  void take(const void* bytes, std::size_t size) {
+    const auto* const first = static_cast<const unsigned char*>(bytes);
+    outputs.insert(outputs.end(), first, first + size);
   }
+  void take(Room& room, std::size_t size) { take(room.bytes(), size); }
 };
 
 /// The numbers that the handles are going to have, and whether images are recorded.
@@ -125,6 +127,35 @@ void calibrate(Client& client) {
                 out.as<tagBITMAPINFOHEADER>(), &size) == 0) {
     client.take(out, std::min<std::size_t>(size, kRoom));
   }
+}
+
+/// A replay has no protected bytes: it changes all seven where they were changed, or none.
+void restore_secret(Client& client) {
+  constexpr std::ptrdiff_t kSecret = 7;
+  Room room(kSecret);
+  ftrScanRestoreSecret7Bytes(client.scanner, kGiven.data(), room.bytes());
+  const std::ptrdiff_t as_before = std::count(room.bytes(), room.bytes() + kSecret, filling());
+  require(as_before == 0 || as_before == kSecret, "protected bytes are changed whole");
+  client.outputs.push_back(as_before == 0 ? 1 : 0);
+}
+
+/// A text up to its end, which is that of the room at the latest, and what is told of its length.
+void get_option(Client& client) {
+  Room room(kRoom);
+  unsigned long size = kRoom;
+  if (CalibrateGetOption(client.engine, "name", room.text(), &size) == 0) {
+    client.take(room, std::min(strnlen(room.text(), kRoom) + 1, kRoom));
+  }
+  client.take(&size, sizeof(size));
+}
+
+void get_property(Client& client) {
+  Room room(kRoom);
+  unsigned long size = kRoom;
+  if (FakeFingerDetectionGetPropertyA(client.detector, "name", room.text(), &size) == 0) {
+    client.take(room, kRoom);
+  }
+  client.take(&size, sizeof(size));
 }
 
 Arguments calibrate_arguments(const Numbers& numbers) {
@@ -181,10 +212,7 @@ const std::array kOperations = {
               [](const Numbers& numbers) {
                 return Arguments().handle(numbers.scanner).pointer(&kGiven).pointer(&kGiven);
               },
-              [](Client& client) {
-                Room room(7);
-                ftrScanRestoreSecret7Bytes(client.scanner, kGiven.data(), room.bytes());
-              }},
+              &restore_secret},
     Operation{eFunction::ftrScanCloseDevice,
               [](const Numbers& numbers) { return Arguments().handle(numbers.scanner); },
               [](Client& client) { ftrScanCloseDevice(client.scanner); }},
@@ -196,11 +224,7 @@ const std::array kOperations = {
         [](const Numbers& numbers) {
           return Arguments().handle(numbers.engine).text("name").pointer(&kGiven).number(kRoom);
         },
-        [](Client& client) {
-          Room room(kRoom);
-          unsigned long size = kRoom;
-          CalibrateGetOption(client.engine, "name", room.text(), &size);
-        }},
+        &get_option},
     Operation{eFunction::CalibrateGetErrorDescription,
               [](const Numbers&) { return Arguments().number(-3); },
               [](Client&) {
@@ -229,11 +253,7 @@ const std::array kOperations = {
         [](const Numbers& numbers) {
           return Arguments().handle(numbers.detector).text("name").pointer(&kGiven).number(kRoom);
         },
-        [](Client& client) {
-          Room room(kRoom);
-          unsigned long size = kRoom;
-          FakeFingerDetectionGetPropertyA(client.detector, "name", room.text(), &size);
-        }},
+        &get_property},
     Operation{eFunction::FakeFingerDetectionDestroyHandle,
               [](const Numbers& numbers) { return Arguments().handle(numbers.detector); },
               [](Client& client) { FakeFingerDetectionDestroyHandle(&client.detector); }}};

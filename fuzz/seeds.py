@@ -446,7 +446,7 @@ def replay():
     status, code, some = struct.pack("<i", 1), bytes(8), lambda size: struct.pack("<Q", size) + b"x" * size
     good = [
         struct.pack("<I", 1), status + struct.pack("<ii", 4, 3), status + some(12), status + some(64), status + b"HVK30001", status + b"\1", status,
-        struct.pack("<I", 1), code + struct.pack("<Q", 60) + some(60), code + struct.pack("<Q", 8) + some(8), b"\4\0text", b"\1",
+        struct.pack("<I", 1), code + struct.pack("<Q", 60) + some(60), code + struct.pack("<QQ", 8, 8) + b"Enabled\0", b"\4\0text", b"\1",
         code + struct.pack("<I", 1), code + bytes(8), code + struct.pack("<Q", 64) + some(64), code + b"\1",
     ]
     call = lambda operation, answer, differs=0, thread=0: bytes((operation, differs, thread, len(answer))) + answer
@@ -465,6 +465,8 @@ def replay():
     yield "opened twice", b"\0" + session[0] + session[1] + session[0] + size(12, 8) + frame
     yield "opened again", b"\0" + session[0] + session[1] + session[6] + session[0] + size(12, 8) + frame
     yield "threads", b"\0" + session[0] + session[1] + frames + session[6] + frames
+    yield "endless", b"\0" + session[7] + call(9, code + struct.pack("<Q", 8) + some(8))
+    yield "short", b"\0" + session[12] + call(14, code + struct.pack("<Q", 64) + some(8))
     yield "black", b"\1" + session[0] + session[1] + call(2, status + struct.pack("<QQ", 12, 0)) + call(8, code + struct.pack("<QQQ", 60, 60, 4) + b"head")
 
 
