@@ -17,7 +17,7 @@ unsigned long ClOstrevanHVK3SDK::ContaminationDetection(unsigned int channel, do
   if (level == nullptr) {
     throw ClLXException("", error_number::NullPointer);
   }
-  OpeningLock opening(m_cOpeningLock);  // size and frame are to come from the same unit
+  RecursiveLock unit(m_cUnitLock);  // size and frame are to come from the same unit
   if (const unsigned long result = InitializeScanner(); result != 0) {
     return result;
   }
@@ -25,7 +25,7 @@ unsigned long ClOstrevanHVK3SDK::ContaminationDetection(unsigned int channel, do
   ClSimpleBitmap bitmap;
   CaptureUncorrected(bitmap);
   const auto calibration = Calibration();
-  opening.unlock();
+  unit.unlock();
   PrepareImage(bitmap);
   *level = calibration->ContaminationDetection(bitmap.BI());
   return 0;

@@ -110,7 +110,7 @@ unsigned long ClOstrevanHVK3SDK::SetActiveChannel(ClFrameGrabberChannel& channel
   }
   OSV_LOG(OsvLFTrace, "KR9 scanner. Calling SetActiveChannel function. Channel number: %d",
           channel.m_nChannel);
-  const OpeningLock opening(m_cOpeningLock);  // size and frame are to come from the same unit
+  const RecursiveLock unit(m_cUnitLock);  // size and frame are to come from the same unit
   if (const unsigned long result = InitializeScanner(); result != 0) {
     return result;
   }
@@ -196,11 +196,16 @@ bool ClOstrevanHVK3SDK::FuzzyImage(unsigned char* pixels) {
 
 void ClOstrevanHVK3SDK::GetLiveBitmap(ClFrameGrabberChannel& channel, ClSimpleBitmap& bitmap) {
   const Guard guard(m_cLock);
-  OpeningLock opening(m_cOpeningLock);
+  RecursiveLock unit(m_cUnitLock);
+  RecursiveLock opening(m_cOpeningLock);
   // Another thread may have opened or closed a scanner since this bitmap was shaped. A preparation
   // that fails is judged as a fetch through the dead handle would have been: without a scanner this
   // is a disconnection.
-  if (NeedsPreparation(channel, bitmap)) {
+  const bool outdated = NeedsPreparation(channel, bitmap);
+  if (outdated || m_bInitialized) {
+    opening.unlock();  // else the scanner is to stay closed until the fetch has failed
+  }
+  if (outdated) {
     const unsigned long result = SetActiveChannel(channel, bitmap);
     if (result != 0) {
       CheckScannerError(result);
@@ -208,16 +213,16 @@ void ClOstrevanHVK3SDK::GetLiveBitmap(ClFrameGrabberChannel& channel, ClSimpleBi
     }
   }
   if (m_pLiveDetection->IsInit()) {
-    CaptureLDBmp(bitmap, opening);
+    CaptureLDBmp(bitmap, unit);
   } else {
-    CaptureBmp(bitmap, opening);
+    CaptureBmp(bitmap, unit);
   }
 }
 
-void ClOstrevanHVK3SDK::CaptureBmp(ClSimpleBitmap& bitmap, OpeningLock& opening) {
+void ClOstrevanHVK3SDK::CaptureBmp(ClSimpleBitmap& bitmap, RecursiveLock& unit) {
   if (m_pScanner->GetImageByDose(m_cRawBitmap.Pixel(), Dose())) {
     const auto calibration = Calibration();  // that of the unit which the frame is from
-    opening.unlock();
+    unit.unlock();
     PrepareImage(m_cRawBitmap);
     OSV_LOG(OsvLFTrace, "KR9 scanner. CalibrateBitmap.");
     calibration->CalibrateBitmap(m_cRawBitmap.BI(), img::bmp_size(m_cRawBitmap.BI()), bitmap.BI(),
@@ -231,9 +236,9 @@ void ClOstrevanHVK3SDK::CaptureBmp(ClSimpleBitmap& bitmap, OpeningLock& opening)
   }
 }
 
-void ClOstrevanHVK3SDK::CaptureLDBmp(ClSimpleBitmap& bitmap, OpeningLock& opening) {
+void ClOstrevanHVK3SDK::CaptureLDBmp(ClSimpleBitmap& bitmap, RecursiveLock& unit) {
   try {
-    CaptureAndScore(bitmap, opening);
+    CaptureAndScore(bitmap, unit);
   } catch (const CLiveDetectionException& failure) {
     if (failure.GetErrorNumber() != kNoUsableFinger) {
       throw;
@@ -242,7 +247,7 @@ void ClOstrevanHVK3SDK::CaptureLDBmp(ClSimpleBitmap& bitmap, OpeningLock& openin
   }
 }
 
-void ClOstrevanHVK3SDK::CaptureAndScore(ClSimpleBitmap& bitmap, OpeningLock& opening) {
+void ClOstrevanHVK3SDK::CaptureAndScore(ClSimpleBitmap& bitmap, RecursiveLock& unit) {
   LDImagesLoan loan(m_pLDImages);
   LDImages& images = loan.get();
   const __FTRSCAN_IMAGE_SIZE size = ReadImageSize();
@@ -256,7 +261,7 @@ void ClOstrevanHVK3SDK::CaptureAndScore(ClSimpleBitmap& bitmap, OpeningLock& ope
     ResetLD(bitmap);
     return;
   }
-  opening.unlock();
+  unit.unlock();
   PrepareImage(images.dark);
   PrepareImage(images.backlight);
   PrepareImage(images.dose);
@@ -344,7 +349,7 @@ void ClOstrevanHVK3SDK::GetRowLiveBitmap(ClSimpleBitmap& bitmap) {
 }
 
 void ClOstrevanHVK3SDK::SnapRefImage(ClSimpleBitmap& bitmap) {
-  const OpeningLock opening(m_cOpeningLock);  // size and frame are to come from the same unit
+  const RecursiveLock unit(m_cUnitLock);  // size and frame are to come from the same unit
   CreateRaw(bitmap, ReadImageSize());
   bitmap.SetResolution(m_cnDotsPerInch, m_cnDotsPerInch);
   FuzzyImage(bitmap.Pixel());

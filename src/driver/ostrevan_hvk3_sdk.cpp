@@ -83,7 +83,7 @@ unsigned long ClOstrevanHVK3SDK::InitializeScanner() {
 }
 
 unsigned long ClOstrevanHVK3SDK::OpenChosenScanner() {
-  const OpeningLock opening(m_cOpeningLock);
+  const RecursiveLock opening(m_cOpeningLock);
   if (m_bInitialized) {
     return 0;  // by another thread meanwhile
   }
@@ -106,8 +106,8 @@ unsigned long ClOstrevanHVK3SDK::ChooseFirstScanner() {
   }
   // Nothing captures yet, so there is nothing to stop. What another thread has chosen meanwhile
   // stays: it may capture by now.
-  const OpeningLock opening(m_cOpeningLock);
-  return m_nActiveScanner == kNoActiveScanner ? ChangeScanner(list.front().nInterface)
+  const RecursiveLock opening(m_cOpeningLock);
+  return m_nActiveScanner == kNoActiveScanner ? OpenScanner(list.front().nInterface)
                                               : OpenChosenScanner();
 }
 
@@ -149,7 +149,8 @@ std::shared_ptr<CXCalibration> ClOstrevanHVK3SDK::Calibration() const {
 }
 
 void ClOstrevanHVK3SDK::UninitializeScanner() {
-  const OpeningLock opening(m_cOpeningLock);
+  const RecursiveLock unit(m_cUnitLock);
+  const RecursiveLock opening(m_cOpeningLock);
   if (m_bInitialized) {
     m_pScanner->Unitialize();
     m_bInitialized = false;
@@ -170,8 +171,13 @@ unsigned long ClOstrevanHVK3SDK::SetActiveScanner(unsigned long index) {
 /// One step for other threads: an opening in the midst of it would be closed by the choice and
 /// count as open all the same.
 unsigned long ClOstrevanHVK3SDK::ChangeScanner(unsigned long index) {
-  const OpeningLock opening(m_cOpeningLock);
+  const RecursiveLock unit(m_cUnitLock);
+  const RecursiveLock opening(m_cOpeningLock);
   UninitializeScanner();
+  return OpenScanner(index);
+}
+
+unsigned long ClOstrevanHVK3SDK::OpenScanner(unsigned long index) {
   SelectInterface(index);
   m_nActiveScanner = static_cast<unsigned int>(index);
   return InitializeScanner();

@@ -40,11 +40,12 @@ unsigned long MultiStringCpy(const ClMultiString& text, char* buffer, unsigned l
 /// once when the scanner is open. The same call recovers from a disconnection.
 ///
 /// Results called numbers are 0 or an error number without the boundary's bit; refusals are thrown
-/// as `ClLXException`. Locks in their order: `m_cLock`, `m_cOpeningLock`, then the device's own.
-/// Operations that hold `m_cLock` wait at most for one frame or one preparation; `FreeSDK` joins
-/// the worker with it held. `m_cOpeningLock` keeps openings, closings and changes of the scanner
-/// apart, and out of the time between the look at a frame's buffer and its fetch. While the scanner
-/// is open, only frames and what closes the scanner want it; nobody joins with it held.
+/// as `ClLXException`. Locks in their order: `m_cLock`, `m_cUnitLock`, `m_cOpeningLock`, then the
+/// device's own. Operations that hold `m_cLock` wait at most for one frame or one preparation;
+/// `FreeSDK` joins the worker with it held. `m_cUnitLock` keeps the unit that an image is taken
+/// from: it is neither closed nor changed between the look at a frame's buffer and the end of the
+/// fetch. `m_cOpeningLock` keeps openings apart, and is free during a frame: who needs the scanner
+/// open waits for an opening and not for images. Nobody joins with either held.
 class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
  public:
   // The driver's own classes, under the names that they have within it.
@@ -197,7 +198,7 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   friend unsigned long CBLoggingFacility(OsvLFCBEventstag event, void* data);
 
   using Guard = std::lock_guard<CXMutex>;
-  using OpeningLock = std::unique_lock<std::recursive_mutex>;
+  using RecursiveLock = std::unique_lock<std::recursive_mutex>;
 
   static constexpr unsigned int kNoActiveChannel = 65535;
   static constexpr unsigned int kNoActiveScanner = 0xFFFFFFFF;
@@ -210,8 +211,8 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   /// @{
 
   /// @param opening held since the bitmap was looked at; let go once the frame is fetched
-  void CaptureBmp(ClSimpleBitmap& bitmap, OpeningLock& opening);
-  void CaptureLDBmp(ClSimpleBitmap& bitmap, OpeningLock& opening);
+  void CaptureBmp(ClSimpleBitmap& bitmap, RecursiveLock& unit);
+  void CaptureLDBmp(ClSimpleBitmap& bitmap, RecursiveLock& unit);
   void PrepareImage(ClSimpleBitmap& bitmap);
   bool FuzzyImage(unsigned char* pixels);
   void ResetLD(ClSimpleBitmap& bitmap);
@@ -260,6 +261,7 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   unsigned long ChooseFirstScanner();
   unsigned long OpenChosenScanner();
   unsigned long ChangeScanner(unsigned long index);
+  unsigned long OpenScanner(unsigned long index);
   void SwitchToLongImage();
   void SelectInterface(unsigned long index);
   void ReadSerialNumber();
@@ -291,7 +293,7 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   int Dose() const { return static_cast<int>(m_cSetting.m_nDose); }
   bool FetchLDImages(LDImages& images);
   void ScoreFinger(CXCalibration& calibration, LDImages& images, ClSimpleBitmap& bitmap);
-  void CaptureAndScore(ClSimpleBitmap& bitmap, OpeningLock& opening);
+  void CaptureAndScore(ClSimpleBitmap& bitmap, RecursiveLock& unit);
 
   // Kept from one frame to the next while fake finger detection is on; guarded by m_cLock.
   std::unique_ptr<LDImages> m_pLDImages;
@@ -299,8 +301,11 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   CXEventLock m_cEventLock{m_cLock};
   mutable std::mutex m_cErrorLock;  // leaf
 
-  // Held to open, close or change the scanner, and from the look at a bitmap until the frame is in
-  // it. Never while joining, and never during a client's callback.
+  // Held to close or change the scanner, and from the look at a bitmap until the frame is in it.
+  // Neither this one nor the next while joining, nor during a client's callback.
+  std::recursive_mutex m_cUnitLock;
+
+  // Held to open, close or change the scanner, and while a frame is asked of a closed one.
   std::recursive_mutex m_cOpeningLock;
 
   // What was shaped before the present opening may be too small for the unit that is open now.

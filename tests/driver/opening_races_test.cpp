@@ -67,23 +67,19 @@ void snap_as_it_comes(Driver& driver) {
   driver.SnapRefImage(bitmap);
 }
 
-/// A unit with small frames, and a worker's bitmap shaped for it.
-class OpeningDuringAFrame : public DriverFixture, public ::testing::WithParamInterface<FrameTaker> {
+/// A unit with small frames, and a worker's bitmap.
+class SmallFrames : public DriverFixture {
  protected:
-  OpeningDuringAFrame() {
+  SmallFrames() {
     SizedUnit::attached = &unit;
     libraries.use_file("libostrevancalibratesdk.so", SizedUnit::kEngine);
     open();
     SizedUnit::answer_for_the_scanner_of(driver);
-    if (GetParam().scored) {
-      score_frames();
-    }
     driver.channel().SetCurrentThread();
     driver.channel().get_capture_bitmap() = boost::make_shared<ClSimpleBitmap>();
-    prepare_workers_bitmap();
   }
 
-  ~OpeningDuringAFrame() override {
+  ~SmallFrames() override {
     if (client.joinable()) {
       client.join();
     }
@@ -95,19 +91,12 @@ class OpeningDuringAFrame : public DriverFixture, public ::testing::WithParamInt
               0UL);
   }
 
-  void score_frames() {
-    driver.m_pLiveDetection->Init();
-    driver.m_pLiveDetection->SetFakeScore(1);
-    bench.set_faults(
-        "FakeFingerDetectionEvaluateLiveliness gives 90;"
-        "FakeFingerDetectionEvaluateLiveliness answers 0");  // these frames show no finger
-  }
-
-  /// Another client closes the scanner and opens a unit with larger frames, as far as it can.
-  void change_unit() {
+  /// Another client opens a unit with larger frames, as far as it can.
+  template <typename Closing>
+  void change_unit(Closing close) {
     unit.next = {1000, 800};
-    client = go_as_far_as_locks_let([this] {
-      driver.UninitializeScanner();
+    client = go_as_far_as_locks_let([this, close] {
+      close();
       EXPECT_EQ(driver.InitializeScanner(), 0UL);
     });
   }
@@ -116,10 +105,42 @@ class OpeningDuringAFrame : public DriverFixture, public ::testing::WithParamInt
   std::thread client;
 };
 
+TEST_F(SmallFrames, AFrameOfAClosedScannerFailsBeforeAUnitIsOpened) {
+  prepare_workers_bitmap();
+  driver.UninitializeScanner();
+  unit.size = {1000, 800};
+  {
+    const BeforeLock fetch(system_mutex(scanner_lock(driver)), 1, [this] { change_unit([] {}); });
+    EXPECT_THROW(take_a_frame(driver), ClLXException);
+  }
+  ASSERT_TRUE(client.joinable());
+  client.join();
+  EXPECT_TRUE(unit.buffers_suffice);
+}
+
+/// The bitmap is shaped, and the scanner open.
+class OpeningDuringAFrame : public SmallFrames, public ::testing::WithParamInterface<FrameTaker> {
+ protected:
+  OpeningDuringAFrame() {
+    if (GetParam().scored) {
+      score_frames();
+    }
+    prepare_workers_bitmap();
+  }
+
+  void score_frames() {
+    driver.m_pLiveDetection->Init();
+    driver.m_pLiveDetection->SetFakeScore(1);
+    bench.set_faults(
+        "FakeFingerDetectionEvaluateLiveliness gives 90;"
+        "FakeFingerDetectionEvaluateLiveliness answers 0");  // these frames show no finger
+  }
+};
+
 TEST_P(OpeningDuringAFrame, LeavesTheFrameTheUnitThatItsBufferWasShapedFor) {
   {
     const BeforeLock fetch(system_mutex(scanner_lock(driver)), GetParam().fetch,
-                           [this] { change_unit(); });
+                           [this] { change_unit([this] { driver.UninitializeScanner(); }); });
     GetParam().run(driver);
   }
   ASSERT_TRUE(client.joinable()) << "the frame made fewer calls into the device";
@@ -142,6 +163,8 @@ const FrameTaker kTakers[] = {
 INSTANTIATE_TEST_SUITE_P(Table, OpeningDuringAFrame, ::testing::ValuesIn(kTakers),
                          [](const auto& row) { return std::string(row.param.name); });
 
+constexpr char kFrame[] = "ftrScanGetImageByVariableDose";
+
 /// Two threads of a client at a driver that has chosen no scanner yet.
 class MeetingOpenings : public DriverFixture {
  protected:
@@ -161,6 +184,20 @@ class MeetingOpenings : public DriverFixture {
     return result;
   }
 
+  /// Whoever waited for the opening goes on while the frame behind it is fetched.
+  template <typename Operation>
+  void expect_to_wait_for_no_frame_of(Operation take) {
+    auto first = begin("CalibrateSetData", take);
+    std::thread second =
+        go_as_far_as_locks_let([this] { EXPECT_EQ(driver.InitializeScanner(), 0UL); });
+    bench.set_faults(std::string(kFrame) + " call 1 blocks until told");
+    bench.release();
+    bench.wait_until_blocked(kFrame);
+    second.join();
+    bench.release();
+    first.get();
+  }
+
   void expect_open(unsigned int interface) {
     EXPECT_EQ(bench.state(interface).open_handles, 1U);
     snap(driver);
@@ -176,6 +213,14 @@ TEST_F(MeetingOpenings, OpenTheScannerOnce) {
   second.join();
   EXPECT_EQ(bench.count("ftrScanSetOptions"), 1U);
   expect_open(0);
+}
+
+TEST_F(MeetingOpenings, AMeasureThatOpensTheScannerKeepsNobodyWaitingForItsFrame) {
+  expect_to_wait_for_no_frame_of([this] { measure(driver); });
+}
+
+TEST_F(MeetingOpenings, APreparationThatOpensTheScannerKeepsNobodyWaitingForItsFrame) {
+  expect_to_wait_for_no_frame_of([this] { lx::prepare(driver); });
 }
 
 TEST_F(MeetingOpenings, AnOpeningDoesNotFallIntoTheMidstOfAChange) {
