@@ -113,7 +113,8 @@ const std::vector<Scenario>& all_scenarios() {
 
 const std::vector<Scenario>& unplugging_scenarios() {
   using enum eStep;
-  const std::vector<Attached> one = {{0}, {.interface = kElsewhere, .away = true}};
+  const std::vector<Attached> one = {
+      {0}, {.interface = kElsewhere, .away = true, .serial = serial_of(0)}};
   const auto with = [&](const std::string& name, std::vector<Step> steps,
                         eFingerKind finger = eFingerKind::Live) {
     for (const Step& step :

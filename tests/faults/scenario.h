@@ -79,7 +79,7 @@ bool is_capture(const Step& step);
 constexpr std::pair kTinyFrames = {160, 120};
 constexpr std::pair kLargerFrames = {simulator::kSmallWidth, simulator::kSmallHeight};
 
-/// Another device than a scanner with calibration at an interface.
+/// A device at an interface.
 struct Attached {
   unsigned int interface = 0;
   unsigned char model = 1;

@@ -109,11 +109,12 @@ void lay_out(const Scenario& scenario) {
   bench().set_finger_kind(scenario.finger);
   bench().list_from_base(true);
   for (const Attached& device : scenario.attached) {
-    bench().plug_in(device.interface, {.serial = serial_of(device.interface),
-                                       .model = device.model,
-                                       .frame_width = device.frames.first,
-                                       .frame_height = device.frames.second,
-                                       .memory = device.memory});
+    bench().plug_in(device.interface,
+                    {.serial = device.serial.value_or(serial_of(device.interface)),
+                     .model = device.model,
+                     .frame_width = device.frames.first,
+                     .frame_height = device.frames.second,
+                     .memory = device.memory});
     if (device.away) {
       bench().unplug(device.interface);
     }

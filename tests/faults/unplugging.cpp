@@ -56,7 +56,7 @@ bool is_right_behind(const Story& story, const Incident& incident) {
   return noticed(story.first) == eNoticed::OnAFrame ? closed : told_again;
 }
 
-/// The list behind it. A unit that was replaced is a ghost if its serial number is there.
+/// The list behind it. A unit that has moved or was replaced is a ghost where it was.
 std::string in_list(eReturn comes_back) {
   switch (comes_back) {
     case eReturn::Never:
@@ -64,7 +64,7 @@ std::string in_list(eReturn comes_back) {
     case eReturn::Here:
       break;
     case eReturn::Elsewhere:
-      return "0x0 3  '";
+      return "0x0 " + listed_in_words(kElsewhere, serial_of(0)) + " '";
     case eReturn::Another:
       return "0x0 " + listed_in_words(0, kSerialOfAnother) + " '";
   }
