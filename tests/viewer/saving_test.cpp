@@ -9,6 +9,16 @@ class Saving : public Viewer {
   void start_saving(const std::string& name = "image.png") {
     start_capturing({"--out", m_cFolder.file(name)});
   }
+
+  void settle_and_lift() {
+    say("finger on");
+    wait_for("settled");
+    say("finger off");
+    wait_for("lifted");
+  }
+
+  /// What stands above the image on the right.
+  std::vector<Colour> title() { return picture().pixels(layout().kept.title); }
 };
 
 TEST_F(Saving, WritesASnapForTheUserAlone) {
@@ -38,14 +48,36 @@ TEST_F(Saving, WritesTheSettledFinger) {
   EXPECT_GT(Picture(path).turns({0, 0, 498, 438}), 24);
 }
 
+TEST_F(Saving, WritesASnapInThePlaceOfTheSettledFinger) {
+  start_saving();
+  settle_and_lift();
+  press("n", "snap");
+  const std::string path = m_cFolder.file("image-1.png");
+  press("s", "saved " + path);
+  EXPECT_EQ(Picture(path).turns({0, 0, 498, 438}), 0);  // all of it is bright
+}
+
 TEST_F(Saving, KeepsASnapAsLongAsTheSameFingerLies) {
   start_saving();
   say("finger on");
   wait_for("settled");
+  const std::vector<Colour> before = title();
   press("n", "snap");
-  const int titled = picture().drawn(layout().kept.title);
+  const std::vector<Colour> snapped = title();
+  EXPECT_NE(snapped, before);
   wait_for("settled");
-  EXPECT_EQ(picture().drawn(layout().kept.title), titled);
+  EXPECT_EQ(title(), snapped);
+}
+
+TEST_F(Saving, WritesTheNextFingerInThePlaceOfASnap) {
+  start_saving();
+  press("n", "snap");
+  const std::vector<Colour> snapped = title();
+  settle_and_lift();
+  EXPECT_NE(title(), snapped);
+  const std::string path = m_cFolder.file("image-1.png");
+  press("s", "saved " + path);
+  EXPECT_GT(Picture(path).turns({0, 0, 498, 438}), 24);
 }
 
 TEST_F(Saving, SaysThatThereIsNothingToSave) {

@@ -172,6 +172,10 @@ TEST_F(Detection, CallsAnImageNoFakeForWhatItSawBeforeItWasSwitchedOn) {
 TEST_F(Detection, TellsAFakeOfASnapFromThatOfAFrame) {
   detect("printed");
   wait_for("settled fake");
+  say("kind live");
+  press("n", "snap");
+  EXPECT_EQ(picture().count(layout().kept.title, kRed), 0);
+  say("kind printed");
   press("n", "snap");
   EXPECT_GT(picture().count(layout().kept.title, kRed), 20);
 }

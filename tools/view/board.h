@@ -5,6 +5,7 @@
 #include <mutex>
 
 #include "hvk3/image.h"
+#include "view/kept_box.h"
 #include "view/mailbox.h"
 #include "view/status.h"
 
@@ -13,21 +14,13 @@
 
 namespace hvk3::view {
 
-/// An image that stays on the right.
-struct Kept {
-  Image image;
-  bool snap = false;       ///< or the settled image of a finger
-  unsigned int touch = 0;  ///< number of the finger at that time
-  bool fake = false;       ///< so fake finger detection says
-};
-
 /// Whoever writes waits for no drawing: the window takes what is there and draws it afterwards.
 class Board {
  public:
   /// @name A null pointer empties the pane
   /// @{
   Mailbox<std::unique_ptr<Image>> live;
-  Mailbox<std::unique_ptr<Kept>> kept;
+  KeptBox kept;
   /// @}
 
   Status status() const {

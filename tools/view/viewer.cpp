@@ -142,21 +142,17 @@ void Viewer::tell(const Notice& notice) {
   m_cBoard.update([&](Status& status) { status.notice = notice; });
 }
 
-/// A snap stays until another finger has settled.
 void Viewer::take_images() {
   if (const auto live = m_cBoard.live.take()) {
     m_cPainter.set_live(live->get());
     m_bDirty = true;
   }
-  auto kept = m_cBoard.kept.take();
-  const bool finger = kept && *kept && !(*kept)->snap;
-  if (!kept || (finger && m_pKept && m_pKept->snap && (*kept)->touch == m_pKept->touch)) {
-    return;
+  if (auto kept = m_cBoard.kept.take()) {
+    m_pKept = *std::move(kept);
+    name_kept();
+    m_cPainter.set_kept(m_pKept ? &m_pKept->image : nullptr);
+    m_bDirty = true;
   }
-  m_pKept = *std::move(kept);
-  name_kept();
-  m_cPainter.set_kept(m_pKept ? &m_pKept->image : nullptr);
-  m_bDirty = true;
 }
 
 void Viewer::name_kept() {
