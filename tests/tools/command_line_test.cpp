@@ -4,6 +4,9 @@
 namespace hvk3::test {
 namespace {
 
+using testing::MatchesRegex;
+using testing::StartsWith;
+
 class CommandLine : public Tool {
  protected:
   static int status(const Words& arguments) {
@@ -31,6 +34,17 @@ TEST_F(CommandLine, TheHelpOfAGroupHasExamplesOfItsCommands) {
     const std::string help = run({HVK3_TOOL, group, "--help"}).out;
     EXPECT_THAT(help.substr(help.find("Examples:")), HasSubstr("hvk3 " + group + ' '));
   }
+}
+
+TEST_F(CommandLine, TellsTheVersionOfThePackage) {
+  const Outcome outcome = run({HVK3_TOOL, "--version"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(outcome.out, MatchesRegex("hvk3 [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+}
+
+TEST_F(CommandLine, WrongUsageIsToldInTheNameOfTheTool) {
+  EXPECT_THAT(run({HVK3_TOOL, "list", "--paint"}).error, StartsWith("hvk3: "));
+  EXPECT_THAT(run({HVK3_TOOL, "property"}).error, StartsWith("hvk3: "));
 }
 
 TEST_F(CommandLine, WrongUsageEndsWith2) {
@@ -83,7 +97,9 @@ TEST_F(CommandLine, ASimulatorThatIsNotThereEndsWith7) {
 }
 
 TEST_F(CommandLine, ALostStandardOutputEndsWith6) {
-  EXPECT_EQ(run({"/bin/sh", "-c", HVK3_TOOL " list --simulate >/dev/full"}).status, 6);
+  for (const std::string command : {"list --simulate", "list --help", "--version"}) {
+    EXPECT_EQ(run({"/bin/sh", "-c", HVK3_TOOL " " + command + " >/dev/full"}).status, 6) << command;
+  }
 }
 
 TEST_F(CommandLine, AFailureThatNobodyForesawEndsWith1) {

@@ -5,6 +5,8 @@
 #include <string>
 #include <utility>
 
+#include "hvk3/program_options.h"
+
 namespace hvk3 {
 namespace {
 
@@ -50,6 +52,7 @@ void parse_arguments(CLI::App& app, const std::vector<const char*>& arguments) {
 
 CommandLine::CommandLine()
     : m_cApp("Drives HVK3 fingerprint scanners through their frame grabber plug-in.", "hvk3") {
+  add_program_options(m_cApp);
   m_cApp.require_subcommand(1);
   m_cApp.footer(kFooter);
   m_cApp.get_formatter()->label("SUBCOMMAND", "COMMAND");

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "hvk3/command_line.h"
+#include "hvk3/program_options.h"
 #include "hvk3/recording/replay.h"
 
 namespace hvk3 {
@@ -69,7 +70,7 @@ int parse_and_run(const Words& words) {
   try {
     line.parse(words);
   } catch (const CLI::ParseError& error) {
-    return line.app().exit(error) == 0 ? 0 : static_cast<int>(ExitStatus::Usage);
+    return end_parsing(line.app(), error);
   }
   const CommandLine::Choice choice = line.choice();
   return run(choice.command, choice.options, words);

@@ -2,6 +2,7 @@
 #include <iostream>
 
 #include "hvk3/context.h"
+#include "hvk3/program_options.h"
 #include "view/display_loss.h"
 #include "view/view_options.h"
 #include "view/viewer.h"
@@ -82,7 +83,7 @@ int main(int argc, char** argv) {
   try {
     line.app().parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return line.app().exit(error) == 0 ? 0 : static_cast<int>(hvk3::ExitStatus::Usage);
+    return hvk3::end_parsing(line.app(), error);
   }
   return hvk3::view::run(line.options());
 }

@@ -2,6 +2,7 @@
 
 #include "hvk3/argument.h"
 #include "hvk3/image_file.h"
+#include "hvk3/program_options.h"
 #include "view/controls.h"
 
 namespace hvk3::view {
@@ -65,6 +66,7 @@ void add_view_options(CLI::App& app, ViewOptions& options) {
 }  // namespace
 
 CommandLine::CommandLine() : m_cApp("Shows what an HVK3 fingerprint scanner sees.", "hvk3-view") {
+  add_program_options(m_cApp);
   add_view_options(m_cApp, m_cOptions);
 }
 
