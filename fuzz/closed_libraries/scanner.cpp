@@ -247,7 +247,10 @@ int ftrScanGetSerialNumber(void* handle, void* serial) {
 
 std::uint32_t ftrScanGetLastError() {
   const Fault fault = answers().next(__func__);
-  return fault.kind == eFault::None ? scene().last_error : answers().scanner_error(fault.value);
+  const std::uint32_t error =
+      fault.kind == eFault::None ? scene().last_error : answers().scanner_error(fault.value);
+  scene().unnamed_failures += error == 0 ? 1 : 0;
+  return error;
 }
 
 void ftrScanSetLastError(std::uint32_t error) { scene().last_error = error; }

@@ -71,6 +71,7 @@ class Scene {
   /// @}
 
   std::uint32_t last_error = 0;
+  unsigned int unnamed_failures = 0;  ///< of which the number was asked for, and is 0
 
  private:
   Installation m_installation;

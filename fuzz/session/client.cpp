@@ -4,11 +4,12 @@
 
 #include <array>
 #include <memory>
-#include <vector>
 
 #include "capture/capture_channel.h"
+#include "closed_libraries/scene.h"
 #include "foundation/wait.h"
 #include "ostrevanhvk3/errors.h"
+#include "session/room.h"
 #include "support/require.h"
 
 namespace Osv::fuzz {
@@ -20,6 +21,8 @@ constexpr int kHandle = 4711;
 constexpr unsigned int kChannel = 1;
 constexpr unsigned int kDeepest = 3;
 constexpr unsigned int kMostPasses = 6;
+constexpr std::array<unsigned char, 7> kCode = {'t', 'h', 'e', 'c', 'o', 'd', 'e'};
+constexpr std::size_t kSecretSize = 7;
 
 Client* g_client = nullptr;
 
@@ -39,9 +42,10 @@ std::string copied_text(Get get, bool short_of) {
   get(nullptr, size);
   constexpr unsigned long kLongest = 1UL << 16;
   require(size < kLongest, "a text has a length");
-  std::vector<char> text(short_of && size > 0 ? size - 1 : size);
-  size = text.size();
-  get(text.data(), size);
+  Room room(short_of && size > 0 ? size - 1 : size);
+  size = room.size();
+  const unsigned long result = get(room.as<char>(), size);
+  const Bytes text = room.taken(result, room.size());
   return {text.begin(), text.end()};
 }
 
@@ -146,7 +150,7 @@ void Client::do_next(Place place) {
 }
 
 void Client::called_back(const char* word, Place place) {
-  m_transcript.word(word);
+  m_transcript.text(word);
   ++m_depth;
   do_next(place);
   --m_depth;
@@ -198,26 +202,26 @@ void Client::on_event(int handle, unsigned int /*channel*/, eFGs grabber, unsign
 
 void Client::get_info(const Choice& choice) {
   const auto get = [&](char* text, unsigned long& size) {
-    m_transcript.result("info", grabber().GetInfo(text, size),
-                        {error_number::BufferTooSmall, error_number::NullPointer});
+    return m_transcript.result("info", grabber().GetInfo(text, size),
+                               {error_number::BufferTooSmall, error_number::NullPointer});
   };
-  m_transcript.word(copied_text(get, choice.first % 4 == 0).c_str());
+  m_transcript.text(copied_text(get, choice.first % 4 == 0));
 }
 
 void Client::get_version(const Choice& choice) {
   const auto get = [&](char* text, unsigned long& size) {
-    m_transcript.result("version", grabber().GetVersion(text, size),
-                        {error_number::VersionTooSmall, error_number::VersionNullPointer});
+    return m_transcript.result("version", grabber().GetVersion(text, size),
+                               {error_number::VersionTooSmall, error_number::VersionNullPointer});
   };
-  m_transcript.word(copied_text(get, choice.first % 4 == 0).c_str());
+  m_transcript.text(copied_text(get, choice.first % 4 == 0));
 }
 
 void Client::get_last_error(const Choice& choice) {
   const auto get = [&](char* text, unsigned long& size) {
-    m_transcript.result("last error", grabber().GetLastError(text, size),
-                        {error_number::BufferTooSmall, error_number::NullPointer});
+    return m_transcript.result("last error", grabber().GetLastError(text, size),
+                               {error_number::BufferTooSmall, error_number::NullPointer});
   };
-  m_transcript.word(copied_text(get, choice.first % 4 == 0).c_str());
+  m_transcript.text(copied_text(get, choice.first % 4 == 0));
 }
 
 void Client::set_camera(const Choice& choice) {
@@ -231,9 +235,12 @@ void Client::set_camera(const Choice& choice) {
 void Client::get_image(const Choice& choice) {
   unsigned char* image = nullptr;
   unsigned char** const place = choice.second % 16 == 0 ? nullptr : &image;
-  m_transcript.result(
+  const unsigned int unnamed = scene().unnamed_failures;
+  const unsigned long result = m_transcript.result(
       "image", grabber().GetImage(choice.channel(), place),
       {error_number::NullPointer, error_number::IncorrectChannel, error_number::DetectionDisabled});
+  require(unnamed != scene().unnamed_failures || (result == 0) == (image != nullptr),
+          "an image comes with success, and only then");
   if (image != nullptr) {
     m_transcript.image(image);
   }
@@ -279,11 +286,12 @@ void Client::set_property(const Choice& choice) {
 }
 
 void Client::get_property(const Choice& choice) {
-  unsigned int value = 0;
-  m_transcript.result("get property",
-                      grabber().GetFGProperty(ePropertyIDs{choice.first % 15U}, value),
-                      {error_number::IncorrectProperty, error_number::DetectionDisabled});
-  m_transcript.output(&value, sizeof(value));
+  Room value(sizeof(unsigned int));
+  const unsigned long result = m_transcript.result(
+      "get property",
+      grabber().GetFGProperty(ePropertyIDs{choice.first % 15U}, *value.as<unsigned int>()),
+      {error_number::IncorrectProperty, error_number::DetectionDisabled});
+  m_transcript.output(value.taken(result, value.size()));
 }
 
 void Client::set_property_ex(const Choice& choice) {
@@ -295,13 +303,15 @@ void Client::set_property_ex(const Choice& choice) {
 }
 
 void Client::get_property_ex(const Choice& choice) {
-  unsigned long value = 0;
-  m_transcript.result(
+  constexpr std::size_t kLowBits = sizeof(unsigned int);
+  Room value(sizeof(unsigned long));
+  const unsigned long result = m_transcript.result(
       "get property ex",
-      grabber().GetFGPropertyEx(choice.channel(), ePropertyIDs{choice.first % 15U}, value),
+      grabber().GetFGPropertyEx(choice.channel(), ePropertyIDs{choice.first % 15U},
+                                *value.as<unsigned long>()),
       {error_number::IncorrectProperty, error_number::IncorrectChannel,
        error_number::DetectionDisabled});
-  m_transcript.output(&value, sizeof(value));
+  m_transcript.output(value.taken(result, kLowBits));
 }
 
 void Client::freeze(const Choice& choice) {
@@ -320,30 +330,27 @@ void Client::go_on(const Choice& choice) {
   m_rendezvous.wait();
 }
 
+template <typename Id>
+void Client::copy_list(const Choice& choice,
+                       unsigned long (lx::ClFramegrabber::*operation)(Id* list,
+                                                                      unsigned long& count)) {
+  constexpr std::size_t kMost = 8;
+  Room list(kMost * sizeof(Id));
+  unsigned long count = choice.second % kMost;
+  const unsigned long result = m_transcript.result(
+      "list", (grabber().*operation)(choice.first % 4 == 0 ? nullptr : list.as<Id>(), count),
+      {error_number::BufferTooSmall, error_number::NullPointer});
+  require(count <= kMost, "a list has a length");
+  m_transcript.output(&count, sizeof(count));
+  m_transcript.output(list.taken(result, count * sizeof(Id)));
+}
+
 void Client::lists(const Choice& choice) {
-  std::array<std::uint32_t, 8> list = {};
-  const auto ask = [&](auto operation) {
-    unsigned long count = choice.second % list.size();
-    m_transcript.result("list", operation(count),
-                        {error_number::BufferTooSmall, error_number::NullPointer});
-    m_transcript.output(list.data(), sizeof(list));
-  };
-  void* const place = choice.first % 4 == 0 ? nullptr : list.data();
-  ask([&](auto& count) {
-    return grabber().AvailableCameras(static_cast<eCameraIDs*>(place), count);
-  });
-  ask([&](auto& count) {
-    return grabber().AvailableColorModes(static_cast<eColorModeIDs*>(place), count);
-  });
-  ask([&](auto& count) {
-    return grabber().AvailableDetections(static_cast<eCaptureModeIDs*>(place), count);
-  });
-  ask([&](auto& count) {
-    return grabber().AvailableFilters(static_cast<eFilterIDs*>(place), count);
-  });
-  ask([&](auto& count) {
-    return grabber().AvailablePropertiesEx(static_cast<ePropertyIDs*>(place), count);
-  });
+  copy_list(choice, &lx::ClFramegrabber::AvailableCameras);
+  copy_list(choice, &lx::ClFramegrabber::AvailableColorModes);
+  copy_list(choice, &lx::ClFramegrabber::AvailableDetections);
+  copy_list(choice, &lx::ClFramegrabber::AvailableFilters);
+  copy_list(choice, &lx::ClFramegrabber::AvailablePropertiesEx);
 }
 
 void Client::enable_events(const Choice& choice) {
@@ -391,9 +398,10 @@ void Client::choose_device(const Choice& choice) {
 }
 
 void Client::get_active_device(const Choice& /*choice*/) {
-  unsigned long index = 0;
-  m_transcript.result("active", grabber().GetActiveDevice(index), {});
-  m_transcript.output(&index, sizeof(index));
+  Room index(sizeof(unsigned long));
+  const unsigned long result =
+      m_transcript.result("active", grabber().GetActiveDevice(*index.as<unsigned long>()), {});
+  m_transcript.output(index.taken(result, index.size()));
 }
 
 void Client::set_callbacks(const Choice& choice) {
@@ -405,34 +413,45 @@ void Client::set_callbacks(const Choice& choice) {
 }
 
 void Client::measure_contamination(const Choice& choice) {
-  double level = 0.0;
-  m_transcript.result(
+  Room level(sizeof(double));
+  const unsigned long result = m_transcript.result(
       "contamination",
-      grabber().ContaminationDetection(choice.channel(), choice.second % 8 == 0 ? nullptr : &level),
+      grabber().ContaminationDetection(choice.channel(),
+                                       choice.second % 8 == 0 ? nullptr : level.as<double>()),
       {error_number::IncorrectChannel, error_number::NullPointer});
-  m_transcript.output(&level, sizeof(level));
+  if (result == 0 || level.is_untouched()) {
+    m_transcript.output(level.taken(result, level.size()));
+  } else {
+    require(*level.as<double>() == 0.0, "a measurement that failed is 0");
+  }
 }
 
 void Client::frame_info(const Choice& choice) {
-  std::array<unsigned char, 12> info = {};
-  m_transcript.result(
+  constexpr std::array<std::size_t, 3> kSizes = {sizeof(double), sizeof(double) + sizeof(int), 0};
+  const unsigned int type = choice.first % kSizes.size();
+  Room info(sizeof(double) + sizeof(int));
+  const unsigned long result = m_transcript.result(
       "frame info",
-      FGCurrentFrameInfo(0, 0, choice.first % 3, choice.second % 8 == 0 ? nullptr : info.data()),
+      FGCurrentFrameInfo(0, 0, type, choice.second % 8 == 0 ? nullptr : info.as<void>()),
       {error_number::NullPointer, error_number::FrameInfoType});
-  m_transcript.output(info.data(), info.size());
+  m_transcript.output(info.taken(result, kSizes[type]));
 }
 
 void Client::get_feature(const Choice& choice) {
-  std::array<unsigned char, 14> bytes = {};
-  osvlx3_feature feature = {52U + choice.first % 5U, 0, bytes.size(), 1, bytes.data()};
+  Room value(kCode.size() + kSecretSize);
+  value.give(kCode);
+  osvlx3_feature feature = {52U + choice.first % 5U, 0, value.size(), 1, value.as<void>()};
   if (feature.id == eFeatureImageDataFormat) {
     feature.count = choice.second % 2;
   }
-  m_transcript.bare_result("get feature", LXSP_GetFeature(choice.channel(), &feature),
-                           {error_number::IncorrectProperty, error_number::WriteOnly});
-  m_transcript.output(bytes.data(), bytes.size());
-  if (feature.data != bytes.data()) {
+  const unsigned long result =
+      m_transcript.bare_result("get feature", LXSP_GetFeature(choice.channel(), &feature),
+                               {error_number::IncorrectProperty, error_number::WriteOnly});
+  if (feature.data != value.as<void>()) {
+    m_transcript.output(feature.data, feature.size);
     LXSP_Free(feature.data);
+  } else if (result == 0 || feature.id != eFeatureSecretBytes) {  // the scanner may write and fail
+    m_transcript.output(value.taken(result, feature.count));
   }
 }
 

@@ -86,6 +86,10 @@ class Client {
   void set_feature(const Choice& choice);
   void start_anew(const Choice& choice);
 
+  template <typename Id>
+  void copy_list(const Choice& choice,
+                 unsigned long (lx::ClFramegrabber::*operation)(Id* list, unsigned long& count));
+
   template <typename Operation>
   unsigned long joining(Operation operation);
 

@@ -38,17 +38,19 @@ bool is_documented_result(unsigned long result, Transcript::Numbers documented) 
 
 }  // namespace
 
-void Transcript::result(const char* operation, unsigned long result, Numbers documented) {
+unsigned long Transcript::result(const char* operation, unsigned long result, Numbers documented) {
   const bool reported = result == 0 || (result & lx::error_number::ReportedBit) != 0;
   require(reported, (std::string("the result is a reported one: ") + operation).c_str());
-  bare_result(operation, result, documented);
+  return bare_result(operation, result, documented);
 }
 
-void Transcript::bare_result(const char* operation, unsigned long result, Numbers documented) {
+unsigned long Transcript::bare_result(const char* operation, unsigned long result,
+                                      Numbers documented) {
   const std::string line = std::string(operation) + ' ' + std::to_string(result);
   m_text += line + '\n';
   require(result == 0 || is_documented_result(result, documented),
           ("the result is documented: " + line).c_str());
+  return result;
 }
 
 void Transcript::error(const std::string& text, Numbers documented) {
