@@ -12,8 +12,23 @@ static_assert(kLongestCallHead >= Arguments::kLongest + 2 * sizeof(std::uint64_t
                                       sizeof(eEntry));
 
 constexpr std::size_t kLongestEnd = 500;
+constexpr std::size_t kLongestFailure = 500;
 
 void append_kind(Bytes& target, eEntry kind) { target.push_back(static_cast<unsigned char>(kind)); }
+
+void append_failure(Bytes& target, const std::string& failure) {
+  const std::size_t size = std::min(failure.size(), kLongestFailure);
+  append_number(target, static_cast<std::uint16_t>(size));
+  append(target, failure.data(), size);
+}
+
+std::string take_failure(ByteReader& reader) {
+  const auto size = reader.number<std::uint16_t>();
+  if (size > kLongestFailure) {
+    throw DamagedRecording("the recording's header has a text that is too long");
+  }
+  return printable(reader.take(size));
+}
 
 bool take_flag(ByteReader& reader) {
   const auto flag = reader.number<std::uint8_t>();
@@ -34,6 +49,9 @@ void append_header(Bytes& target, const Header& header) {
   }
   for (const bool exported : header.exported) {
     append_number(target, static_cast<std::uint8_t>(exported));
+  }
+  for (const std::string& failure : header.failures) {
+    append_failure(target, failure);
   }
 }
 
@@ -69,6 +87,11 @@ Header take_header(ByteReader& reader) {
   }
   for (bool& exported : header.exported) {
     exported = take_flag(reader);
+  }
+  if (!reader.rest().empty()) {  // an earlier recorder ended here
+    for (std::string& failure : header.failures) {
+      failure = take_failure(reader);
+    }
   }
   return header;
 }

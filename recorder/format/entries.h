@@ -19,6 +19,9 @@ struct Header {
   std::int64_t seconds = 0;                        ///< of the beginning, since 1970
   std::array<bool, kLibraryCount> present = {};    ///< the libraries that there were
   std::array<bool, kFunctionCount> exported = {};  ///< and the functions that they had
+
+  /// What the loader told of a library that was there and could not be loaded.
+  std::array<std::string, kLibraryCount> failures = {};
 };
 
 /// Whether a call asks for a frame of a capture.

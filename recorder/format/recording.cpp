@@ -8,7 +8,7 @@
 namespace Osv::recorder {
 namespace {
 
-constexpr std::size_t kHeaderSize = 1024;
+constexpr std::size_t kHeaderSize = 4096;
 
 /// Whether an answer begins with the status of a success.
 bool is_success(ByteReader answer) {

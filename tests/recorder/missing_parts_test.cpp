@@ -1,6 +1,7 @@
 #include <regex>
 
 #include "recorder/recorded_tool.h"
+#include "recorder/recording_builder.h"
 
 namespace hvk3::test {
 namespace {
@@ -17,6 +18,8 @@ class MissingParts : public RecordedTool {
     }
   }
 
+  ~MissingParts() override { ::unsetenv("LD_LIBRARY_PATH"); }
+
   void leave_out(const std::string& library) const {
     std::filesystem::remove(libraries() / library);
   }
@@ -24,6 +27,27 @@ class MissingParts : public RecordedTool {
   void leave_out(const std::string& library, const std::string& function) const {
     leave_out(library);
     link("variants/" + function + '/' + library, libraries() / library);
+  }
+
+  void spoil(const std::string& library, const std::string& content) const {
+    leave_out(library);
+    std::ofstream(libraries() / library, std::ios::binary) << content;
+  }
+
+  /// As on a machine with words of 32 bits.
+  static std::string foreign_library() { return "\177ELF\1" + std::string(59, '\0'); }
+
+  /// Records what the doctor finds of the libraries of the folder, and plays it.
+  Json expect_the_same_findings() {
+    m_cRecorded = tool({"record", recording(), "--real-dir", libraries(), "--", HVK3_BARE_TOOL,
+                        "doctor", "--json"});
+    m_cPlayed = replay("doctor --json");
+    const Json recorded = Json::parse(without_folders(m_cRecorded.out))["libraries"];
+    const Json played = Json::parse(without_folders(m_cPlayed.out))["libraries"];
+    for (std::size_t i = 0; i < recorded.size(); ++i) {
+      EXPECT_EQ(played[i]["failure"], recorded[i]["failure"]);
+    }
+    return recorded;
   }
 
   /// Records a client's session and plays it. @return what the client wrote both times
@@ -39,11 +63,13 @@ class MissingParts : public RecordedTool {
     return recorded.out;
   }
 
- private:
-  static constexpr char kSimulator[] = "libostrevan-simulator.so";
-
   std::filesystem::path libraries() const { return m_cFolder.file("real/libraries"); }
 
+  Outcome m_cRecorded;
+  Outcome m_cPlayed;
+  static constexpr char kSimulator[] = "libostrevan-simulator.so";
+
+ private:
   static void link(const std::string& name, const std::filesystem::path& path) {
     std::filesystem::create_symlink(std::string(HVK3_SIMULATOR_DIR) + '/' + name, path);
   }
@@ -73,6 +99,60 @@ TEST_F(MissingParts, NoDetectorIsPlayed) {
 TEST_F(MissingParts, NoLoggingFacilityIsPlayed) {
   leave_out("libostrevanlf.so");
   EXPECT_THAT(expect_the_same_session(), HasSubstr("finger 1 "));
+}
+
+TEST_F(MissingParts, AnEngineThatIsCutShortIsPlayed) {
+  spoil("libostrevancalibratesdk.so", "short");
+  EXPECT_THAT(expect_the_same_session(), HasSubstr("libostrevancalibratesdk.so: file too short"));
+}
+
+TEST_F(MissingParts, LibrariesThatCannotBeLoadedAreNamed) {
+  spoil("libKR9ScanAPI.so", "short");
+  spoil("libostrevancalibratesdk.so", std::string(100, '-'));
+  spoil("libostrevanfakefingerdetection.so", foreign_library());
+  const Json libraries = expect_the_same_findings();
+  for (const auto& [place, why] :
+       {std::pair(0, "libKR9ScanAPI.so: file too short"),
+        std::pair(1, "libostrevancalibratesdk.so: invalid ELF header"),
+        std::pair(2, "libostrevanfakefingerdetection.so: wrong ELF class: ELFCLASS32")}) {
+    EXPECT_THAT(libraries[place]["failure"].get<std::string>(), EndsWith(why));
+    const std::string name = libraries[place]["name"];
+    EXPECT_THAT(m_cRecorded.error, HasSubstr(name + " is there and can't be loaded: /"));
+    EXPECT_THAT(m_cPlayed.error, HasSubstr(name + " was there and could not be loaded: /"));
+    EXPECT_THAT(m_cPlayed.error, HasSubstr(why));
+  }
+}
+
+TEST_F(MissingParts, ALibraryForAnotherMachineIsNotReplacedByTheLoaders) {
+  spoil("libostrevanfakefingerdetection.so", foreign_library());
+  ::setenv("LD_LIBRARY_PATH", HVK3_SIMULATOR_DIR, 1);
+  const Json libraries = expect_the_same_findings();
+  EXPECT_TRUE(libraries[0]["failure"].is_null());
+  EXPECT_FALSE(libraries[2]["failure"].is_null());
+}
+
+TEST_F(MissingParts, ALibraryFindsWhatItNeedsInItsFolder) {
+  leave_out("libKR9ScanAPI.so", "ftrScanGetVersion");
+  std::filesystem::remove(m_cFolder.file(kSimulator));
+  EXPECT_TRUE(expect_the_same_findings()[0]["failure"].is_null());
+  EXPECT_THAT(m_cRecorded.error, Not(HasSubstr("can't be loaded")));
+}
+
+TEST_F(MissingParts, ALibraryThatNeedsOneThatIsNotThereIsNamed) {
+  std::string library = read_file(std::string(HVK3_SIMULATOR_DIR) + "/libKR9ScanAPI.so");
+  library.replace(library.find(kSimulator), sizeof(kSimulator) - 1, "libostrevan-is-absent.so");
+  spoil("libKR9ScanAPI.so", library);
+  EXPECT_EQ(expect_the_same_findings()[0]["failure"],
+            "libostrevan-is-absent.so: cannot open shared object file: No such file or directory");
+  EXPECT_THAT(m_cPlayed.error, HasSubstr("libKR9ScanAPI.so was there and could not be loaded: "));
+}
+
+TEST_F(MissingParts, WhatALibraryNeededIsNotFoundOnThisMachineEither) {
+  Osv::recorder::Header header;
+  header.failures[0] = "libcrypt.so.1: cannot open shared object file: No such file or directory";
+  const Osv::recorder::test::RecordingBuilder builder(header);
+  const Outcome played = tool({"doctor", "--json", "--replay", builder.path()});
+  EXPECT_EQ(Json::parse(played.out)["libraries"][0]["failure"], header.failures[0]);
 }
 
 TEST_F(MissingParts, AScannerLibraryThatLacksAFunctionIsPlayed) {

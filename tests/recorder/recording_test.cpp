@@ -37,6 +37,7 @@ TEST(Recording, HoldsWhatWasWritten) {
   header.seconds = 1700000000;
   header.present[1] = true;
   header.exported[3] = true;
+  header.failures[2] = "lib.so: file too short";
   RecordingBuilder builder(header);
   builder.call(7, kGetOptions, Arguments().handle(1), {1, 2, 3});
   Recording recording(builder.path());
@@ -44,12 +45,41 @@ TEST(Recording, HoldsWhatWasWritten) {
   EXPECT_EQ(recording.header().seconds, 1700000000);
   EXPECT_EQ(recording.header().present, header.present);
   EXPECT_EQ(recording.header().exported, header.exported);
+  EXPECT_EQ(recording.header().failures, header.failures);
   ASSERT_EQ(recording.calls().size(), 1U);
   EXPECT_EQ(recording.calls()[0].head.thread, 7U);
   EXPECT_EQ(recording.calls()[0].head.function, kGetOptions);
   Bytes answer;
   recording.read_answer(recording.calls()[0], answer);
   EXPECT_EQ(answer, (Bytes{1, 2, 3}));
+}
+
+Header header_behind_writing(const Bytes& written) {
+  ByteReader reader(written);
+  take_kind(reader);
+  return take_header(reader);
+}
+
+TEST(Recording, OfAnEarlierRecorderSaysNothingOfFailures) {
+  Bytes header;
+  append_header(header, {});
+  const std::size_t texts = kLibraryCount * sizeof(std::uint16_t);  // empty ones
+  header.resize(header.size() - texts);
+  EXPECT_EQ(header_behind_writing(header).failures, Header().failures);
+}
+
+TEST(Recording, IsRefusedWithAFailureThatIsTooLong) {
+  Bytes header;
+  append_header(header, {});
+  header.insert(header.end(), 60000, 'x');
+  header[header.size() - 60000 - 1] = 0xEA;  // the last text's size, 59904
+  EXPECT_THROW(header_behind_writing(header), DamagedRecording);
+}
+
+TEST(Recording, KeepsALongFailureByItsBeginning) {
+  Header header;
+  header.failures[0] = std::string(5000, 'x');
+  EXPECT_EQ(Recording(RecordingBuilder(header).path()).header().failures[0], std::string(500, 'x'));
 }
 
 TEST(Recording, GivesLargeAnswersBackToTheByte) {

@@ -40,7 +40,13 @@ std::string listed(const RealLibraries& libraries) {
   return list;
 }
 
-void warn(Console& console, const RecordingOptions& options) {
+void warn(Console& console, const RecordingOptions& options, const RealLibraries& libraries) {
+  for (std::size_t i = 0; i < Osv::recorder::kLibraryCount; ++i) {
+    if (const std::string& failure = libraries.header.failures[i]; !failure.empty()) {
+      console.message(std::string(Osv::recorder::kLibraryNames[i]) +
+                      " is there and can't be loaded: " + failure);
+    }
+  }
   console.message(
       options.file +
       (options.without_pixels ? " will hold no images, but" : " will hold fingerprints,") +
@@ -66,9 +72,9 @@ void run(Context& context) {
   RealLibraries libraries = find_real_libraries(folder_of_libraries(options));
   libraries.header.pixels = !options.without_pixels;
   libraries.header.seconds = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
-  const ForwarderFolder forwarders(libraries.header);
+  const ForwarderFolder forwarders(libraries.header, libraries.others);
   const std::string file = create_recording(options.file, libraries.header);
-  warn(context.console(), options);
+  warn(context.console(), options, libraries);
   ::setenv(variable::kRecording, file.c_str(), 1);
   ::setenv(variable::kLibraries, listed(libraries).c_str(), 1);
   ::unsetenv(variable::kReplay);

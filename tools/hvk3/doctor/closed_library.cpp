@@ -9,6 +9,7 @@
 #include "foundation/dynamic_library.h"
 #include "foundation/exceptions.h"
 #include "hvk3/doctor/closed_library_symbols.h"
+#include "hvk3/loader_text.h"
 
 namespace hvk3 {
 namespace {
@@ -48,11 +49,8 @@ bool contains(const std::string& text, const char* part) {
   return text.find(part) != std::string::npos;
 }
 
-/// The loader names the file that it misses before the first colon.
 bool is_itself_missing(const LibraryFindings& findings) {
-  const std::string file = findings.error.substr(0, findings.error.find(':'));
-  return contains(findings.error, "cannot open shared object file") &&
-         std::filesystem::path(file).filename() == findings.library->name;
+  return std::filesystem::path(missing_file(findings.error)).filename() == findings.library->name;
 }
 
 std::string remedy_for_loading(const LibraryFindings& findings) {
@@ -61,7 +59,7 @@ std::string remedy_for_loading(const LibraryFindings& findings) {
            " where the loader looks, such as /usr/local/lib, and run ldconfig; or name its folder "
            "in LD_LIBRARY_PATH.";
   }
-  if (contains(findings.error, "cannot open shared object file")) {
+  if (!missing_file(findings.error).empty()) {
     return "The library is there, one that it depends on is not: install that one.";
   }
   if (contains(findings.error, "undefined symbol")) {

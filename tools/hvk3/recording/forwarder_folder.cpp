@@ -10,8 +10,10 @@
 
 #include "hvk3/failure.h"
 #include "hvk3/installation.h"
+#include "hvk3/loader_text.h"
 #include "hvk3/recording/elf_symbols.h"
 #include "hvk3/recording/real_libraries.h"
+#include "hvk3/recording/unloadable_library.h"
 
 namespace hvk3 {
 namespace {
@@ -23,6 +25,7 @@ using Osv::recorder::kFunctionNames;
 using Osv::recorder::kLibraryCount;
 using Osv::recorder::kLibraryNames;
 using Osv::recorder::kLibraryOfFunction;
+using Others = std::map<std::string, std::string>;
 
 constexpr char kCommonPart[] = "libostrevan-recorder.so";
 
@@ -55,15 +58,29 @@ void copy_without(const fs::path& from, const fs::path& to, const std::set<std::
 }
 
 /// A library that there was not is not there either, even if this machine has it: a link to itself
-/// is what the loader finds first, and can't open.
-void lay_out(const Header& header, const fs::path& installed, const fs::path& folder) {
+/// is what the loader finds first, and can't open. One that could not be loaded can't be now.
+void lay_out_missing(const fs::path& file, const std::string& failure) {
+  const bool is_elsewhere = loader_finds(file.filename());
+  if (is_elsewhere && is_passed_over(failure)) {
+    fs::remove(file);
+  } else if (fs::is_symlink(file) || write_unloadable_library(file, failure)) {
+    return;
+  }
+  if (is_elsewhere) {
+    fs::create_symlink(file.filename(), file);
+  }
+}
+
+void lay_out(const Header& header, const Others& others, const fs::path& installed,
+             const fs::path& folder) {
   fs::create_symlink(installed / kCommonPart, folder / kCommonPart);
+  for (const auto& [name, path] : others) {
+    fs::create_symlink(path, folder / name);
+  }
   for (std::size_t i = 0; i < kLibraryCount; ++i) {
     const char* const name = kLibraryNames[i];
     if (!header.present[i]) {
-      if (loader_finds(name)) {
-        fs::create_symlink(name, folder / name);
-      }
+      lay_out_missing(folder / name, header.failures[i]);
     } else if (const auto missing = missing_functions(header, i); missing.empty()) {
       fs::create_symlink(installed / name, folder / name);
     } else {
@@ -101,14 +118,14 @@ PrivateFolder::~PrivateFolder() {
 
 bool holds_forwarders(const fs::path& folder) { return fs::exists(folder / kCommonPart); }
 
-ForwarderFolder::ForwarderFolder(const Header& header) {
+ForwarderFolder::ForwarderFolder(const Header& header, const Others& others) {
   const fs::path installed = installed_folder();
   const auto there = [](bool is_there) { return is_there; };
   if (std::all_of(header.present.begin(), header.present.end(), there) &&
-      std::all_of(header.exported.begin(), header.exported.end(), there)) {
+      std::all_of(header.exported.begin(), header.exported.end(), there) && others.empty()) {
     put_in_front(installed);  // the same path every time: programs may tell it
   } else {
-    lay_out(header, installed, m_cFolder.path());
+    lay_out(header, others, installed, m_cFolder.path());
     put_in_front(m_cFolder.path());
   }
 }

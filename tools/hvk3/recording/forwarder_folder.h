@@ -1,6 +1,8 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
+#include <string>
 
 #include "recorder/format/entries.h"
 
@@ -29,9 +31,11 @@ bool holds_forwarders(const std::filesystem::path& folder);
 /// of the programs that this one runs from now on.
 class ForwarderFolder {
  public:
+  /// @param others files that the loader is to find there too, by name
   /// @throws Failure `PluginUnavailable` when the forwarders are not installed, `Usage` when their
   ///   folder can't be searched by the loader, `OutputFailed`
-  explicit ForwarderFolder(const Osv::recorder::Header& header);
+  explicit ForwarderFolder(const Osv::recorder::Header& header,
+                           const std::map<std::string, std::string>& others = {});
 
  private:
   PrivateFolder m_cFolder;

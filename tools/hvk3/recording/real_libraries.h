@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <map>
 #include <string>
 
 #include "recorder/format/entries.h"
@@ -14,6 +15,10 @@ namespace hvk3 {
 struct RealLibraries {
   std::array<std::string, Osv::recorder::kLibraryCount> paths;  ///< absolute; empty for none
   Osv::recorder::Header header;
+
+  /// Files of the folder, by name, that the loader has to find too: those that can't be loaded, and
+  /// those that the libraries need.
+  std::map<std::string, std::string> others;
 };
 
 /// Those of a folder; with an empty one those that the loader finds.

@@ -29,6 +29,12 @@ void warn(Console& console, const RecordingSummary& recording) {
   } else if (!recording.early_end.empty()) {
     console.message(recording.path + " ended at " + recording.early_end);
   }
+  for (std::size_t i = 0; i < Osv::recorder::kLibraryCount; ++i) {
+    if (const std::string& failure = recording.header.failures[i]; !failure.empty()) {
+      console.message(std::string(Osv::recorder::kLibraryNames[i]) +
+                      " was there and could not be loaded: " + failure);
+    }
+  }
   if (!recording.header.pixels) {
     console.message(recording.path + " holds no images: frames are black");
   }
