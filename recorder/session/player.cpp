@@ -225,6 +225,17 @@ std::optional<std::size_t> Player::expected(const Wanted& wanted) const {
              : std::optional<std::size_t>(thread->calls[thread->next]);
 }
 
+/// Number of the last recorded call of this thread, or of all; 0 when there is none.
+std::size_t Player::last_recorded(const Wanted& wanted) const {
+  std::size_t last = 0;
+  for (const auto& thread : m_vThreads) {
+    if (wanted.own == nullptr || wanted.own == thread.get()) {
+      last = std::max(last, thread->calls.back() + 1);
+    }
+  }
+  return last;
+}
+
 void Player::diverge(const Wanted& wanted) {
   const std::string made = in_words(wanted.function, wanted.arguments);
   if (const std::optional<std::size_t> place = expected(wanted)) {
@@ -232,11 +243,12 @@ void Player::diverge(const Wanted& wanted) {
                          "call " + std::to_string(*place + 1) + " is " + made + ", recorded was " +
                              m_pRecording->in_words(m_pRecording->calls()[*place])});
   }
+  const std::size_t last = last_recorded(wanted);
   const std::string& why = m_pRecording->end();
-  m_pEnding->diverged({m_nMade + 1, wanted.function,
-                       "call " + std::to_string(m_nMade + 1) + " is " + made +
-                           ", the recording has no more calls of this thread" +
-                           (why.empty() ? "" : ": it ended at " + why)});
+  m_pEnding->diverged({last + 1, wanted.function,
+                       "call " + std::to_string(last + 1) + " is " + made +
+                           ", the recording has no more calls of this thread behind call " +
+                           std::to_string(last) + (why.empty() ? "" : ": it ended at " + why)});
   std::terminate();  // a compiler does not take a virtual function's word that it never returns
 }
 

@@ -22,7 +22,7 @@ namespace Osv::recorder {
 
 /// The call at which a replay can't go on, and why.
 struct LastCall {
-  std::uint64_t number;  ///< from 1
+  std::uint64_t number;  ///< from 1; one too many has that behind its thread's last recorded one
   eFunction function;    ///< what the program called
   std::string why;
 };
@@ -106,6 +106,7 @@ class Player {
   std::size_t likeness(const Thread& thread, std::size_t place) const;
   std::optional<std::size_t> repeated(const Wanted& wanted) const;
   std::optional<std::size_t> expected(const Wanted& wanted) const;
+  std::size_t last_recorded(const Wanted& wanted) const;
   [[noreturn]] void diverge(const Wanted& wanted);
 
   std::unique_ptr<Recording> m_pRecording;

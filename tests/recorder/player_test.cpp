@@ -11,6 +11,7 @@
 namespace Osv::recorder::test {
 namespace {
 
+using testing::AllOf;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
@@ -89,9 +90,29 @@ TEST_F(Playing, EndsAtACallTooMany) {
   m_cBuilder.status_call(1, kList, {}, 1).end("a full disk");
   player(kNotAtAll);
   make(1, kList);
-  EXPECT_EQ(divergence(1, kList),
-            "call 2 is ftrScanGetInterfaces(), the recording has no more calls of this thread: it "
-            "ended at a full disk");
+  EXPECT_EQ(
+      divergence(1, kList),
+      "call 2 is ftrScanGetInterfaces(), the recording has no more calls of this thread behind "
+      "call 1: it ended at a full disk");
+}
+
+TEST_F(Playing, ACallTooManyIsCountedBehindTheLastOfItsThread) {
+  m_cBuilder.call(1, eFunction::OsvLFLog)
+      .status_call(1, kList, {}, 1)
+      .call(1, eFunction::OsvLFLog)
+      .status_call(1, kList, {}, 1)
+      .status_call(2, kOptions, {}, 1);
+  player(kNotAtAll);
+  make(1, kList);
+  make(1, kList);
+  EXPECT_THAT(divergence(1, kList), AllOf(HasSubstr("call 5 is"), HasSubstr("behind call 4")));
+  make(2, kOptions);
+  EXPECT_THAT(divergence(3, kList), AllOf(HasSubstr("call 6 is"), HasSubstr("behind call 5")));
+}
+
+TEST_F(Playing, TheFirstCallIsTooManyForARecordingWithoutCalls) {
+  player(kNotAtAll);
+  EXPECT_THAT(divergence(1, kList), HasSubstr("call 1 is"));
 }
 
 TEST_F(Playing, EndsAtAnAnswerOfAnotherForm) {
