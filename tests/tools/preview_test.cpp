@@ -19,11 +19,13 @@ class Preview : public Tool {
  protected:
   Preview() {
     ::setenv("TERM", "xterm", 1);
+    ::setenv("LC_ALL", "C.UTF-8", 1);
+    ::unsetenv("COLORTERM");
     ::unsetenv("NO_COLOR");
   }
 
   static Words preview(const Words& more = {}) {
-    Words words = {"--preview", "--shades", "24bit"};
+    Words words = {"--preview"};
     words.insert(words.end(), more.begin(), more.end());
     return command("capture", words);
   }

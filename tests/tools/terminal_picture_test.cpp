@@ -54,5 +54,30 @@ TEST(TerminalPicture, ShrinkingTakesTheMeanOfEachPatch) {
   EXPECT_THAT(draw_in(image, eShades::TrueColour), testing::StartsWith("\x1b[38;2;150;150;150;"));
 }
 
+TEST(TerminalPicture, HasTheShadesThatTheTerminalNames) {
+  for (const char* const colours : {"truecolor", "24bit"}) {
+    EXPECT_EQ(shades_for("xterm", colours), eShades::TrueColour);
+  }
+}
+
+TEST(TerminalPicture, HasThePaletteOnEveryUsualTerminal) {
+  for (const char* const type : {"xterm", "xterm-256color", "xterm-kitty", "alacritty", "foot",
+                                 "rxvt-unicode-256color", "screen", "tmux-256color", "vte"}) {
+    EXPECT_EQ(shades_for(type, ""), eShades::Palette) << type;
+  }
+}
+
+TEST(TerminalPicture, HasPlainSignsOnATerminalOfFewColours) {
+  for (const char* const type :
+       {"linux", "vt100", "vt220", "ansi", "xterm-16color", "xterm-mono"}) {
+    EXPECT_EQ(shades_for(type, ""), eShades::Plain) << type;
+  }
+}
+
+TEST(TerminalPicture, HasPlainSignsWhereNothingCanBeSaidToATerminal) {
+  EXPECT_EQ(shades_for("dumb", "truecolor"), eShades::Plain);
+  EXPECT_EQ(shades_for("", "truecolor"), eShades::Plain);
+}
+
 }  // namespace
 }  // namespace hvk3::test

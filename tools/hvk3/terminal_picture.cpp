@@ -8,6 +8,7 @@
 #include <clocale>
 #include <cstdlib>
 #include <numeric>
+#include <regex>
 #include <string_view>
 #include <vector>
 
@@ -106,7 +107,7 @@ std::string draw_line(const Thumbnail& picture, std::size_t y, eShades shades) {
   }
 }
 
-std::string_view environment(const char* name) {
+std::string environment(const char* name) {
   const char* const value = std::getenv(name);
   return value != nullptr ? value : "";
 }
@@ -117,19 +118,31 @@ bool shows_half_blocks() {
          std::string_view(::nl_langinfo(CODESET)) == "UTF-8";
 }
 
+/// Those that show no colours, or at most 16, of which too few are gray.
+bool has_few_colours(const std::string& type) {
+  static const std::regex kFew("ansi.*|cons25.*|linux|sun.*|vt[0-9].*|.*-(8|16)color|.*-mono");
+  return std::regex_match(type, kFew);
+}
+
 eShades terminal_shades() {
-  if (!shows_half_blocks()) {
-    return eShades::Plain;
-  }
-  const std::string_view colours = environment("COLORTERM");
-  if (colours == "truecolor" || colours == "24bit") {
-    return eShades::TrueColour;
-  }
-  return environment("TERM").find("256color") != std::string_view::npos ? eShades::Palette
-                                                                        : eShades::Plain;
+  return shows_half_blocks() ? shades_for(environment("TERM"), environment("COLORTERM"))
+                             : eShades::Plain;
 }
 
 }  // namespace
+
+/// Hardly any terminal says that it has 256 colours, and nearly all have them: the few others are
+/// named. Where there is no cursor to move there are no colours either, whatever COLORTERM of the
+/// terminal around it says.
+eShades shades_for(const std::string& type, const std::string& colours) {
+  if (type.empty() || type == "dumb") {
+    return eShades::Plain;
+  }
+  if (colours == "truecolor" || colours == "24bit") {
+    return eShades::TrueColour;
+  }
+  return has_few_colours(type) ? eShades::Plain : eShades::Palette;
+}
 
 Canvas terminal_canvas(eShades shades) {
   Canvas canvas;

@@ -18,6 +18,11 @@ enum class eShades {
   Plain        ///< letters and signs, for everything else
 };
 
+/// What a terminal can do that shows the characters.
+/// @param type of the terminal, as the environment variable TERM has it
+/// @param colours as COLORTERM has it
+eShades shades_for(const std::string& type, const std::string& colours);
+
 /// What there is to draw on.
 struct Canvas {
   std::size_t columns = 80;
