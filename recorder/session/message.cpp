@@ -7,7 +7,7 @@
 
 namespace Osv::recorder {
 
-void message(const std::string& text) noexcept {
+void message(std::string_view text) noexcept {
   constexpr char kLineEnd = '\n';
   const std::array<iovec, 2> parts = {iovec{const_cast<char*>(text.data()), text.size()},
                                       iovec{const_cast<char*>(&kLineEnd), 1}};

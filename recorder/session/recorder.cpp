@@ -62,8 +62,9 @@ std::uint64_t Recorder::now() const { return clock_now() - m_nBegin; }
 void Recorder::write(eFunction function, std::uint32_t thread, std::uint64_t begin,
                      const Arguments& arguments,
                      const std::function<void(Answer&)>& give_answer) noexcept {
-  if (::getpid() != m_nProcess) {
-    return;  // before the lock, which a thread that the fork left behind may hold
+  if (const pid_t process = ::getpid(); process != m_nProcess) {
+    tell_of_fork(process);  // before the lock, which a thread that it left behind may hold
+    return;
   }
   const std::lock_guard<std::mutex> lock(m_cLock);
   if (m_pFile == nullptr) {
@@ -77,6 +78,13 @@ void Recorder::write(eFunction function, std::uint32_t thread, std::uint64_t beg
     m_pFile->write(m_vEntry);
   } catch (const std::exception& failure) {
     end(in_words(function, arguments.encoded()) + ": " + failure.what());
+  }
+}
+
+/// Once. A fork of a program with threads may do little more than write to a file.
+void Recorder::tell_of_fork(pid_t process) noexcept {
+  if (m_nToldFork.exchange(process) != process) {
+    message("hvk3 record: this process is not recorded: it is a fork");
   }
 }
 

@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -32,7 +33,8 @@ class Recorder {
   /// Nanoseconds since the beginning.
   std::uint64_t now() const;
 
-  /// Writes a call that began then and is answered now.
+  /// Writes a call that began then and is answered now. One of a fork is not written, which its
+  /// first call tells.
   /// @param give_answer goes through the answer
   void write(eFunction function, std::uint32_t thread, std::uint64_t begin,
              const Arguments& arguments, const std::function<void(Answer&)>& give_answer) noexcept;
@@ -40,6 +42,7 @@ class Recorder {
  private:
   void open(const std::string& path);
   void end(const std::string& why) noexcept;
+  void tell_of_fork(pid_t process) noexcept;
 
   std::mutex m_cLock;
   std::unique_ptr<BlockWriter> m_pFile;  // null when nothing is recorded any more
@@ -47,6 +50,7 @@ class Recorder {
   bool m_bPixels = true;
   std::uint64_t m_nBegin = 0;
   const pid_t m_nProcess;  // a fork has the same file, and is not to write to it
+  std::atomic<pid_t> m_nToldFork = 0;
 };
 
 }  // namespace Osv::recorder

@@ -126,6 +126,16 @@ TEST_F(Record, HoldsOneProcess) {
   EXPECT_EQ(replay("list").out, "0\tHVK30001\n");
 }
 
+TEST_F(Record, TellsOfAForkThatIsNotRecorded) {
+  const Outcome outcome = record_program({HVK3_FRAME_CLIENT, "fork"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(outcome.error,
+              HasSubstr("hvk3 record: this process is not recorded: it is a fork\n"));
+  EXPECT_THAT(
+      outcome.error,
+      HasSubstr("nothing was recorded: no process that is recorded called a closed library"));
+}
+
 TEST_F(Record, IsNotWrittenIntoByAProgramWithoutStandardStreams) {
   const std::string line = "exec 0<&- 1<&- 2<&-; exec \"$0\" \"$@\"";
   EXPECT_EQ(record_program({"/bin/sh", "-c", line, HVK3_BARE_TOOL, "list", "--simulate",

@@ -34,6 +34,22 @@ TEST(Recorder, LetsAForkGoOnThatCameWithinACall) {
   EXPECT_EQ(Recording(file.path()).calls().size(), 1U);
 }
 
+TEST(Recorder, TellsOfAForkOnce) {
+  const RecordingBuilder file;
+  Recorder recorder(file.path());
+  testing::internal::CaptureStderr();
+  const pid_t fork = ::fork();
+  if (fork == 0) {
+    recorder.write(kList, 1, 0, {}, &nothing);
+    recorder.write(kList, 1, 0, {}, &nothing);
+    ::_exit(0);
+  }
+  ::waitpid(fork, nullptr, 0);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "hvk3 record: this process is not recorded: it is a fork\n");
+  EXPECT_TRUE(Recording(file.path()).calls().empty());
+}
+
 TEST(Recorder, LetsTheProgramGoOnThoughTheFileMayNotGrow) {
   constexpr std::uintmax_t kSize = 1 << 20;  // more than those of the test's own output
   const RecordingBuilder file;

@@ -60,8 +60,9 @@ void tell_result(Context& context) {
     const RecordingSummary recording = summary_of(context.options().recording.file);
     object = to_json(recording);
     context.console().message(
-        recording.calls == 0 ? "nothing was recorded, the program called no closed library"
-                             : std::to_string(recording.calls) + " calls are in " + recording.path);
+        recording.calls == 0
+            ? "nothing was recorded: no process that is recorded called a closed library"
+            : std::to_string(recording.calls) + " calls are in " + recording.path);
   } catch (const std::exception& failure) {
     context.console().message(std::string("the recording can't be read: ") + failure.what());
   }
