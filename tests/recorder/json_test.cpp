@@ -21,11 +21,6 @@ class RecordingInJson : public RecordedTool {
     return Json::parse(tool(join({"replay", recording(), "--json", "--"}, program)).out);
   }
 
-  static Words simulated(const std::string& command) {
-    return join(join({HVK3_BARE_TOOL}, split(command)),
-                {"--simulate", "--simulator", HVK3_SIMULATOR_DIR, "--pace", "unlimited"});
-  }
-
   /// Commands that end with the status of the last.
   static Words shell(const std::string& line) { return {"/bin/sh", "-c", line}; }
 };

@@ -33,21 +33,30 @@ class RecordedTool : public Tool {
   /// Runs the tool.
   static Outcome tool(const Words& words) { return run(join({HVK3_BARE_TOOL}, words)); }
 
+  /// What records a program on simulated scanners.
+  Words recording_of(const Words& program, const Words& options = {}) const {
+    return join(join({HVK3_BARE_TOOL, "record", recording(), "--simulate", "--simulator",
+                      HVK3_SIMULATOR_DIR},
+                     options),
+                join({"--"}, program));
+  }
+
   /// Records a program on simulated scanners.
   Outcome record_program(const Words& program, const Words& options = {}) const {
-    return tool(join(
-        join({"record", recording(), "--simulate", "--simulator", HVK3_SIMULATOR_DIR}, options),
-        join({"--"}, program)));
+    return run(recording_of(program, options));
+  }
+
+  /// A command of the tool on simulated scanners.
+  static Words simulated(const std::string& command) {
+    return join(join({HVK3_BARE_TOOL}, split(command)),
+                {"--simulate", "--simulator", HVK3_SIMULATOR_DIR, "--pace", "unlimited"});
   }
 
   /// Records a command of the tool.
   /// @param scene its options for the simulation
   Outcome record(const std::string& command, const Words& scene = {},
                  const Words& options = {}) const {
-    const Words words =
-        join(join({HVK3_BARE_TOOL}, split(command)),
-             {"--simulate", "--simulator", HVK3_SIMULATOR_DIR, "--pace", "unlimited"});
-    return record_program(join(words, scene), options);
+    return record_program(join(simulated(command), scene), options);
   }
 
   Outcome replay(const std::string& command) const {

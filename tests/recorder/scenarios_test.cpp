@@ -9,6 +9,13 @@ class Scenarios : public RecordedTool {
     std::ofstream(m_cFolder.file(name), std::ios::binary) << content;
     return m_cFolder.file(name);
   }
+
+  /// What stands on a terminal when a preview has given it back; its pictures come by the clock.
+  static std::string behind_the_screen(const std::string& output) {
+    const std::string end = "\x1b[?1049l";
+    EXPECT_THAT(output, HasSubstr(end));
+    return output.substr(output.rfind(end));
+  }
 };
 
 TEST_F(Scenarios, HaveNoSimulatorWhenTheyArePlayed) {
@@ -36,6 +43,21 @@ TEST_F(Scenarios, TakeEveryFrame) {
 
 TEST_F(Scenarios, WaitForAFinger) {
   EXPECT_EQ(expect_the_same("capture --settle 4 --out " + image()), 0);
+}
+
+TEST_F(Scenarios, ShowALiveImage) {
+  const std::string command = "capture --settle 4 --preview --out " + image();
+  std::filesystem::create_directory(m_cFolder.file("images"));
+  const Outcome recorded = run(recording_of(simulated(command)), {.out = true});
+  const std::string recorded_image = read_file(image());
+  std::filesystem::remove(image());
+  const Outcome played =
+      run(join(join({HVK3_BARE_TOOL}, split(command)), {"--replay", recording()}), {.out = true});
+  EXPECT_EQ(recorded.status, 0) << recorded.error;
+  EXPECT_EQ(played.status, 0) << played.error;
+  EXPECT_EQ(behind_the_screen(played.out), behind_the_screen(recorded.out));
+  EXPECT_FALSE(recorded_image.empty());
+  EXPECT_TRUE(read_file(image()) == recorded_image);
 }
 
 TEST_F(Scenarios, SetPropertiesFirst) {
@@ -70,6 +92,14 @@ TEST_F(Scenarios, ReadProperties) { EXPECT_EQ(expect_the_same("property get --js
 TEST_F(Scenarios, SetAProperty) { EXPECT_EQ(expect_the_same("property set liveness on"), 0); }
 
 TEST_F(Scenarios, ReadFeatures) { EXPECT_EQ(expect_the_same("feature list"), 0); }
+
+TEST_F(Scenarios, ReadAFeature) { EXPECT_EQ(expect_the_same("feature get image-data-format"), 0); }
+
+TEST_F(Scenarios, SetAFeature) { EXPECT_EQ(expect_the_same("feature set image-data-format 2"), 0); }
+
+TEST_F(Scenarios, ReplaceTheAuthorizationCode) {
+  EXPECT_EQ(expect_the_same("secret authorize --code " + file("code", "my-code")), 0);
+}
 
 TEST_F(Scenarios, ReadTheProtectedBytes) {
   const std::string code = file("code", std::string(7, '\0'));
