@@ -205,6 +205,9 @@ def session():
     yield "none attached", script(every, attached=15)
     yield "without pixels", script(live, size=(0, 9))
     yield "wide", script(plain + fake, size=(180, 150))
+    # Two frames of other grays than all the rest: a finger that comes and goes.
+    finger = [(START, 1, 23), (GO_ON, 0, 5), (GO_ON, 0, 5), (STOP, 0, 0)]
+    yield "finger", script(finger, [(45, ODD, 216), (25, ODD, 97)], size=(160, 20))
     for name, memory in (("bad memory", b"\1" * 60), ("block", calibration_block()), ("empty payload", calibration_block(payload=b"")), ("cut", calibration_block()[:40])):
         yield name, script(live, memory=memory)
     for calls in range(0, 60, 2):

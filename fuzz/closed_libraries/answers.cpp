@@ -7,6 +7,8 @@
 namespace Osv::fuzz {
 namespace {
 
+constexpr std::uint32_t kNoDevice = 259;
+constexpr long kNotConnected = 2;
 constexpr std::uint32_t kOwnNumber = 3;  // of four values so many give one of a table
 
 }  // namespace
@@ -58,6 +60,10 @@ Fault Answers::next(const char* function) {
 }
 
 std::uint32_t Answers::tell(std::uint32_t number) {
+  if (number == kNoDevice) {
+    m_told.insert(kNotConnected);
+    return number;
+  }
   m_told.insert(number);
   m_told.insert(static_cast<std::int32_t>(number));
   return number;
@@ -78,9 +84,8 @@ std::uint32_t Answers::scanner_error(std::uint32_t value) {
 
 long Answers::code(std::uint32_t value) {
   constexpr std::array<long, 10> kCodes = {-1, -2, -6, -15, -21, -37, -767, -768, -799, -800};
-  const long code = value % 4 < kOwnNumber ? kCodes[value / 4 % kCodes.size()]
-                                           : static_cast<std::int32_t>(value | 1);
-  return tell(code);
+  return value % 4 < kOwnNumber ? kCodes[value / 4 % kCodes.size()]
+                                : static_cast<std::int32_t>(value | 1);
 }
 
 }  // namespace Osv::fuzz

@@ -37,17 +37,21 @@ class Answers {
   /// What the next call of a function is to do.
   Fault next(const char* function);
 
-  /// Notes a number that the plug-in gets to see, as it is and with its sign.
+  /// Notes a number of the scanner library or of the engine that the plug-in gets to see, as it is
+  /// and with its sign; that of a scanner which is not there as the one that the plug-in makes of
+  /// it.
+  /// @{
   std::uint32_t tell(std::uint32_t number);
   long tell(long number);
+  /// @}
 
   /// The number of a scanner's failure: one that the plug-in treats by value, mostly.
   std::uint32_t scanner_error(std::uint32_t value);
 
-  /// The code of an engine's or detector's failure, likewise; never 0.
-  long code(std::uint32_t value);
+  /// The code of an engine's or detector's failure, likewise; never 0, and not noted.
+  static long code(std::uint32_t value);
 
-  /// Every number that was told since the beginning.
+  /// Every number that was noted since the beginning.
   const std::set<long>& told() const { return m_told; }
 
  private:

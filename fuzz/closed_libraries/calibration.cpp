@@ -26,7 +26,7 @@ constexpr unsigned long kPaletteSize = 1024;
 
 /// What a call answers for a fault other than an odd one; 0 without.
 long code_of(const Fault& fault) {
-  return fault.kind == eFault::Fails ? answers().code(fault.value) : kGood;
+  return fault.kind == eFault::Fails ? answers().tell(Answers::code(fault.value)) : kGood;
 }
 
 /// A sum over a whole input, so that a sanitizer sees each byte of it read. Rows that are no

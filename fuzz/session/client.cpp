@@ -18,6 +18,7 @@ namespace {
 namespace error_number = lx::error_number;
 
 constexpr int kHandle = 4711;
+constexpr int kEventHandle = 4712;
 constexpr unsigned int kChannel = 1;
 constexpr unsigned int kDeepest = 3;
 constexpr unsigned int kMostPasses = 6;
@@ -130,7 +131,7 @@ unsigned long Client::joining(Operation operation) {
 
 void Client::connect() {
   grabber().SetCallbacks(kChannel, &Client::on_start, &Client::on_stop);
-  grabber().EnableEvents(0, kHandle, &Client::on_event, this);
+  grabber().EnableEvents(0, kEventHandle, &Client::on_event, this);
 }
 
 void Client::destroy() {
@@ -166,44 +167,55 @@ void Client::pass() {
   }
 }
 
+/// The client of a callback, which has to bring what the client gave when it began the capture.
+Client& Client::called(int handle, unsigned int channel, void* user) {
+  require(handle == kHandle && channel == kChannel && user == g_client,
+          "a callback has the client's handle, its channel and its pointer");
+  return *g_client;
+}
+
 void Client::on_start(int handle, unsigned int channel, void* user) {
-  require(handle == kHandle && channel == kChannel, "a callback has the client's handle");
-  static_cast<Client*>(user)->called_back("start\n");
+  called(handle, channel, user).called_back("start\n");
 }
 
-void Client::on_stop(int /*handle*/, unsigned int /*channel*/, void* user) {
-  static_cast<Client*>(user)->called_back("stop\n");
-  static_cast<Client*>(user)->m_rendezvous.end();
+void Client::on_stop(int handle, unsigned int channel, void* user) {
+  Client& client = called(handle, channel, user);
+  client.called_back("stop\n");
+  client.m_rendezvous.end();
 }
 
-void Client::on_live(int /*handle*/, unsigned int /*channel*/, unsigned char* image, void* user) {
-  static_cast<Client*>(user)->m_transcript.image(image);
-  static_cast<Client*>(user)->called_back("live\n");
+void Client::on_live(int handle, unsigned int channel, unsigned char* image, void* user) {
+  Client& client = called(handle, channel, user);
+  client.m_transcript.image(image);
+  client.called_back("live\n");
 }
 
-void Client::on_finger(int /*handle*/, unsigned int /*channel*/, int /*type*/, unsigned char* image,
+void Client::on_finger(int handle, unsigned int channel, int type, unsigned char* image,
                        void* user) {
-  static_cast<Client*>(user)->m_transcript.image(image);
-  static_cast<Client*>(user)->called_back("finger\n");
+  Client& client = called(handle, channel, user);
+  require(type == eCapturePlain, "a finger is told with the mode of its capture");
+  client.m_transcript.image(image);
+  client.called_back("finger\n");
 }
 
-void Client::on_error(int /*handle*/, unsigned int /*channel*/, const char* text, void* user) {
-  constexpr long kNumberOfFamily = 1;
-  static_cast<Client*>(user)->m_transcript.error(
-      text, {kNumberOfFamily, error_number::DetectionDisabled});
-  static_cast<Client*>(user)->called_back("error\n");
+void Client::on_error(int handle, unsigned int channel, const char* text, void* user) {
+  Client& client = called(handle, channel, user);
+  client.m_transcript.error(text);
+  client.called_back("error\n");
 }
 
-void Client::on_event(int handle, unsigned int /*channel*/, eFGs grabber, unsigned int /*type*/,
+void Client::on_event(int handle, unsigned int channel, eFGs grabber, unsigned int type,
                       void* user) {
-  require(handle == kHandle && grabber == eFG_HVK3, "an event has the client's handle");
-  static_cast<Client*>(user)->called_back("event\n", Place::EventCallback);
+  require(handle == kEventHandle && channel == kChannel && user == g_client,
+          "an event has the client's handle, its channel and its pointer");
+  require(grabber == eFG_HVK3 && type == eFG_HVK3_FakeFinger, "an event is one of this scanner's");
+  g_client->called_back("event\n", Place::EventCallback);
 }
 
 void Client::get_info(const Choice& choice) {
   const auto get = [&](char* text, unsigned long& size) {
-    return m_transcript.result("info", grabber().GetInfo(text, size),
-                               {error_number::BufferTooSmall, error_number::NullPointer});
+    return m_transcript.scanner_result("info", grabber().GetInfo(text, size),
+                                       {error_number::BufferTooSmall, error_number::NullPointer});
   };
   m_transcript.text(copied_text(get, choice.first % 4 == 0));
 }
@@ -225,7 +237,7 @@ void Client::get_last_error(const Choice& choice) {
 }
 
 void Client::set_camera(const Choice& choice) {
-  m_transcript.result(
+  m_transcript.scanner_result(
       "camera",
       grabber().SetCamera(choice.channel(), eCameraIDs{choice.second},
                           eColorModeIDs{choice.first % 2U}),
@@ -236,9 +248,9 @@ void Client::get_image(const Choice& choice) {
   unsigned char* image = nullptr;
   unsigned char** const place = choice.second % 16 == 0 ? nullptr : &image;
   const unsigned int unnamed = scene().unnamed_failures;
-  const unsigned long result = m_transcript.result(
-      "image", grabber().GetImage(choice.channel(), place),
-      {error_number::NullPointer, error_number::IncorrectChannel, error_number::DetectionDisabled});
+  const unsigned long result =
+      m_transcript.scanner_result("image", grabber().GetImage(choice.channel(), place),
+                                  {error_number::NullPointer, error_number::IncorrectChannel});
   require(unnamed != scene().unnamed_failures || (result == 0) == (image != nullptr),
           "an image comes with success, and only then");
   if (image != nullptr) {
@@ -261,9 +273,9 @@ void Client::start(const Choice& choice) {
   if (may_begin) {
     m_rendezvous.wait();
   }
-  m_transcript.result("start", result,
-                      {error_number::UnknownDetection, error_number::AlreadyCapturing,
-                       error_number::IncorrectChannel});
+  m_transcript.scanner_result("start", result,
+                              {error_number::UnknownDetection, error_number::AlreadyCapturing,
+                               error_number::IncorrectChannel});
 }
 
 void Client::stop(const Choice& choice) {
@@ -279,15 +291,15 @@ void Client::set_filter(const Choice& choice) {
 }
 
 void Client::set_property(const Choice& choice) {
-  m_transcript.result("set property",
-                      grabber().SetFGProperty(ePropertyIDs{choice.first % 15U}, choice.second % 4U),
-                      {error_number::IncorrectProperty, error_number::PropertyReadOnly,
-                       error_number::DetectionNotLoaded, error_number::DetectionDisabled});
+  m_transcript.scanner_result(
+      "set property", grabber().SetFGProperty(ePropertyIDs{choice.first % 15U}, choice.second % 4U),
+      {error_number::IncorrectProperty, error_number::PropertyReadOnly,
+       error_number::DetectionNotLoaded});
 }
 
 void Client::get_property(const Choice& choice) {
   Room value(sizeof(unsigned int));
-  const unsigned long result = m_transcript.result(
+  const unsigned long result = m_transcript.scanner_result(
       "get property",
       grabber().GetFGProperty(ePropertyIDs{choice.first % 15U}, *value.as<unsigned int>()),
       {error_number::IncorrectProperty, error_number::DetectionDisabled});
@@ -295,7 +307,7 @@ void Client::get_property(const Choice& choice) {
 }
 
 void Client::set_property_ex(const Choice& choice) {
-  m_transcript.result(
+  m_transcript.scanner_result(
       "set property ex",
       grabber().SetFGPropertyEx(choice.channel(), ePropertyIDs{choice.first % 15U}, choice.second),
       {error_number::IncorrectProperty, error_number::PropertyReadOnly,
@@ -305,7 +317,7 @@ void Client::set_property_ex(const Choice& choice) {
 void Client::get_property_ex(const Choice& choice) {
   constexpr std::size_t kLowBits = sizeof(unsigned int);
   Room value(sizeof(unsigned long));
-  const unsigned long result = m_transcript.result(
+  const unsigned long result = m_transcript.scanner_result(
       "get property ex",
       grabber().GetFGPropertyEx(choice.channel(), ePropertyIDs{choice.first % 15U},
                                 *value.as<unsigned long>()),
@@ -356,27 +368,26 @@ void Client::lists(const Choice& choice) {
 void Client::enable_events(const Choice& choice) {
   m_transcript.result(
       "events",
-      grabber().EnableEvents(0, kHandle, choice.first % 4 == 0 ? nullptr : &Client::on_event, this),
+      grabber().EnableEvents(0, kEventHandle, choice.first % 4 == 0 ? nullptr : &Client::on_event,
+                             this),
       {});
 }
 
 void Client::unsupported(const Choice& choice) {
+  constexpr unsigned long kNoOperation = error_number::NotSupported;
+  constexpr unsigned long kNoDialogs = error_number::HardwareVersion;
   unsigned long size = choice.second;
-  m_transcript.result("resolution",
-                      grabber().SetResolution(choice.channel(), lx::ClImageResolution()),
-                      {error_number::NotSupported});
-  m_transcript.bare_result("write", grabber().WriteEEPROM(nullptr, size),
-                           {error_number::NotSupported});
-  m_transcript.bare_result("read", grabber().ReadEEPROM(nullptr, size),
-                           {error_number::NotSupported});
-  m_transcript.bare_result("aspect", grabber().SetAspectRatio(choice.channel(), 1.0, 1.0),
-                           {error_number::NotSupported});
-  m_transcript.bare_result("dialog", grabber().ShowDialog(eDlgIDs{choice.first}, 0),
-                           {error_number::HardwareVersion});
-  m_transcript.bare_result("setting", grabber().SaveSetting(choice.channel(), size),
-                           {error_number::HardwareVersion});
-  m_transcript.bare_result("dialogs", grabber().AvailableDialogs(choice.channel(), nullptr, size),
-                           {error_number::HardwareVersion});
+  m_transcript.refusal("resolution",
+                       grabber().SetResolution(choice.channel(), lx::ClImageResolution()),
+                       kNoOperation | error_number::ReportedBit);
+  m_transcript.refusal("write", grabber().WriteEEPROM(nullptr, size), kNoOperation);
+  m_transcript.refusal("read", grabber().ReadEEPROM(nullptr, size), kNoOperation);
+  m_transcript.refusal("aspect", grabber().SetAspectRatio(choice.channel(), 1.0, 1.0),
+                       kNoOperation);
+  m_transcript.refusal("dialog", grabber().ShowDialog(eDlgIDs{choice.first}, 0), kNoDialogs);
+  m_transcript.refusal("setting", grabber().SaveSetting(choice.channel(), size), kNoDialogs);
+  m_transcript.refusal("dialogs", grabber().AvailableDialogs(choice.channel(), nullptr, size),
+                       kNoDialogs);
 }
 
 void Client::list_devices(const Choice& choice) {
@@ -394,7 +405,8 @@ void Client::list_devices(const Choice& choice) {
 void Client::choose_device(const Choice& choice) {
   const unsigned long index = choice.first % 8 == 7 ? 1UL << choice.second % 64 : choice.second % 5;
   const unsigned long result = joining([&] { return grabber().SetActiveDevice(index); });
-  m_transcript.result("choose", result, {error_number::InvalidState, error_number::DeviceIndex});
+  m_transcript.scanner_result("choose", result,
+                              {error_number::InvalidState, error_number::DeviceIndex});
 }
 
 void Client::get_active_device(const Choice& /*choice*/) {
@@ -414,7 +426,7 @@ void Client::set_callbacks(const Choice& choice) {
 
 void Client::measure_contamination(const Choice& choice) {
   Room level(sizeof(double));
-  const unsigned long result = m_transcript.result(
+  const unsigned long result = m_transcript.scanner_result(
       "contamination",
       grabber().ContaminationDetection(choice.channel(),
                                        choice.second % 8 == 0 ? nullptr : level.as<double>()),
@@ -445,8 +457,8 @@ void Client::get_feature(const Choice& choice) {
     feature.count = choice.second % 2;
   }
   const unsigned long result =
-      m_transcript.bare_result("get feature", LXSP_GetFeature(choice.channel(), &feature),
-                               {error_number::IncorrectProperty, error_number::WriteOnly});
+      m_transcript.feature_result("get feature", LXSP_GetFeature(choice.channel(), &feature),
+                                  {error_number::IncorrectProperty, error_number::WriteOnly});
   if (feature.data != value.as<void>()) {
     m_transcript.output(feature.data, feature.size);
     LXSP_Free(feature.data);
@@ -461,8 +473,8 @@ void Client::set_feature(const Choice& choice) {
   if (feature.id == eFeatureAuthorizationCode) {
     feature.count = 7;
   }
-  m_transcript.bare_result("set feature", LXSP_SetFeature(choice.channel(), &feature),
-                           {error_number::IncorrectProperty});
+  m_transcript.feature_result("set feature", LXSP_SetFeature(choice.channel(), &feature),
+                              {error_number::IncorrectProperty});
 }
 
 void Client::start_anew(const Choice& /*choice*/) {

@@ -46,6 +46,7 @@ class Client {
   };
 
   static const Entry kEntries[];
+  static Client& called(int handle, unsigned int channel, void* user);
   static void on_start(int handle, unsigned int channel, void* user);
   static void on_stop(int handle, unsigned int channel, void* user);
   static void on_live(int handle, unsigned int channel, unsigned char* image, void* user);

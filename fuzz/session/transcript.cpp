@@ -11,55 +11,90 @@
 namespace Osv::fuzz {
 namespace {
 
-/// Numbers that every operation may end with: opening the scanner, and failures without a number.
-constexpr long kEverywhere[] = {
+namespace error_number = lx::error_number;
+
+/// Numbers that every operation may end with that opens the scanner, which may fail without one.
+constexpr long kOpening[] = {
     -1,
-    lx::error_number::NotConnected,
-    lx::error_number::NoNumber,
-    lx::error_number::DeviceIndex,  // a scanner that goes between the list and its choice
-    lx::error_number::CalibrationCorrupt,
-    lx::error_number::ApiVersion,
-    lx::error_number::AuthorizationCode,
+    error_number::NotConnected,
+    error_number::NoNumber,
+    error_number::DeviceIndex,  // a scanner that goes between the list and its choice
+    error_number::CalibrationCorrupt,
+    error_number::ApiVersion,
 };
 
-bool is_documented(long number, Transcript::Numbers documented) {
-  return std::find(std::begin(kEverywhere), std::end(kEverywhere), number) !=
-             std::end(kEverywhere) ||
-         std::find(documented.begin(), documented.end(), number) != documented.end() ||
-         answers().told().contains(number);
+constexpr long kFailureOfFamily = 1;
+
+bool contains(Transcript::Numbers numbers, long number) {
+  return std::find(numbers.begin(), numbers.end(), number) != numbers.end();
 }
 
-/// A number that has the reported bit itself looks the same with it or without.
-bool is_documented_result(unsigned long result, Transcript::Numbers documented) {
-  const unsigned long without = result & ~lx::error_number::ReportedBit;
-  return is_documented(static_cast<long>(without), documented) ||
-         is_documented(static_cast<long>(result), documented);
+bool is_told(long number) { return answers().told().contains(number); }
+
+/// Of an operation or a capture that opens the scanner.
+bool is_of_opening(long number) {
+  return std::find(std::begin(kOpening), std::end(kOpening), number) != std::end(kOpening) ||
+         is_told(number);
+}
+
+/// The form in which results have it: a refused code is another number there.
+bool is_result_of_scanner(long number) {
+  if (number == error_number::ScannerAuthorization) {
+    return false;
+  }
+  return is_of_opening(number) ||
+         (number == error_number::AuthorizationCode && is_told(error_number::ScannerAuthorization));
+}
+
+/// Whether the number behind a reported result is one of those. One that has the reported bit
+/// itself looks the same with it or without.
+template <typename Is>
+bool is_reported(unsigned long result, Is is) {
+  const unsigned long without = result & ~error_number::ReportedBit;
+  return without != result && (is(static_cast<long>(without)) || is(static_cast<long>(result)));
 }
 
 }  // namespace
 
-unsigned long Transcript::result(const char* operation, unsigned long result, Numbers documented) {
-  const bool reported = result == 0 || (result & lx::error_number::ReportedBit) != 0;
-  require(reported, (std::string("the result is a reported one: ") + operation).c_str());
-  return bare_result(operation, result, documented);
-}
-
-unsigned long Transcript::bare_result(const char* operation, unsigned long result,
-                                      Numbers documented) {
+unsigned long Transcript::note(const char* operation, unsigned long result, bool is_documented) {
   const std::string line = std::string(operation) + ' ' + std::to_string(result);
   m_text += line + '\n';
-  require(result == 0 || is_documented_result(result, documented),
-          ("the result is documented: " + line).c_str());
+  require(is_documented, ("the result is documented: " + line).c_str());
   return result;
 }
 
-void Transcript::error(const std::string& text, Numbers documented) {
+unsigned long Transcript::result(const char* operation, unsigned long result, Numbers documented) {
+  const auto is_own = [&](long number) { return contains(documented, number); };
+  return note(operation, result, result == 0 || is_reported(result, is_own));
+}
+
+unsigned long Transcript::scanner_result(const char* operation, unsigned long result,
+                                         Numbers documented) {
+  const auto is_known = [&](long number) {
+    return contains(documented, number) || is_result_of_scanner(number);
+  };
+  return note(operation, result, result == 0 || is_reported(result, is_known));
+}
+
+unsigned long Transcript::feature_result(const char* operation, unsigned long result,
+                                         Numbers documented) {
+  const long bare = static_cast<long>(result);
+  return note(operation, result,
+              result == 0 || bare == error_number::NotConnected || contains(documented, bare) ||
+                  is_told(bare) || is_reported(result, is_result_of_scanner));
+}
+
+void Transcript::refusal(const char* operation, unsigned long result, unsigned long documented) {
+  note(operation, result, result == documented);
+}
+
+void Transcript::error(const std::string& text) {
   constexpr char kBefore[] = " error: ";
   m_text += "error " + text + '\n';
   const std::size_t at = text.rfind(kBefore);
   require(at != std::string::npos, "an error names its number");
   const long number = std::stol(text.substr(at + sizeof(kBefore) - 1));
-  require(number == 0 || is_documented(number, documented), text.c_str());
+  require(number == 0 || number == kFailureOfFamily || is_of_opening(number), text.c_str());
 }
 
 void Transcript::output(const void* bytes, std::size_t size) {

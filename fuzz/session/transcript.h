@@ -11,21 +11,32 @@
 
 namespace Osv::fuzz {
 
-/// Everything that came out of the plug-in, in its order. Every result is held against what its
-/// operation documents.
+/// Everything that came out of the plug-in, in its order.
 class Transcript {
  public:
   using Numbers = std::initializer_list<long>;
 
-  /// The result of an operation, which has to be 0, or one of these numbers or a number that a
-  /// closed library has told, in the form in which the boundary reports it. @return the result
+  /// @name Results
+  /// Each has to be 0 or a number that its operation documents, in the form in which the boundary
+  /// reports it, and is given back.
+  /// @{
+
+  /// Of an operation that leaves the scanner alone: its own numbers, and no others.
   unsigned long result(const char* operation, unsigned long result, Numbers documented);
 
-  /// The same for one whose refusals are bare numbers.
-  unsigned long bare_result(const char* operation, unsigned long result, Numbers documented);
+  /// Of one that needs the scanner: also those of an opening and those of the closed libraries.
+  unsigned long scanner_result(const char* operation, unsigned long result, Numbers documented);
 
-  /// The text that ended a capture: its end names a number of those.
-  void error(const std::string& text, Numbers documented);
+  /// Of a feature: its own are bare, and so are those of a scanner that isn't there or can't be
+  /// opened.
+  unsigned long feature_result(const char* operation, unsigned long result, Numbers documented);
+
+  /// Of an operation that the scanner does not have: this, always.
+  void refusal(const char* operation, unsigned long result, unsigned long documented);
+  /// @}
+
+  /// The text that ended a capture: its end names a number of those that end one.
+  void error(const std::string& text);
 
   /// What was written into the client's memory.
   void output(const void* bytes, std::size_t size);
@@ -39,6 +50,8 @@ class Transcript {
   bool operator==(const Transcript&) const = default;
 
  private:
+  unsigned long note(const char* operation, unsigned long result, bool is_documented);
+
   std::string m_text;
 };
 
