@@ -110,7 +110,8 @@ class ClFramegrabber {
   ///   `FreeImage` before `DestroyFrameGrabber`. Untouched on failure: set it to null first and
   ///   test it.
   /// @return 0; 0x1000003C when `image` is null; 0x10000004; 0x10000002, with the text "GetImage
-  ///   function failed." when none could be opened; the scanner's, engine's or detector's number
+  ///   function failed." when none could be opened; the scanner's or engine's number; 0x10000017
+  ///   with the detector's text
   virtual unsigned long GetImage(unsigned int channel, unsigned char** image) = 0;
 
   /// Starts capture on a worker thread of the channel.
