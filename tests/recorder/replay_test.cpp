@@ -94,6 +94,26 @@ TEST_F(Replay, OfATornRecordingGoesUpToThere) {
   EXPECT_THAT(outcome.error, HasSubstr("ends within a call"));
 }
 
+TEST_F(Replay, WithinAnotherPlaysTheInnerRecording) {
+  record("list", {"--scanners", "2"});
+  const std::string inner = m_cFolder.file("inner");
+  std::filesystem::rename(recording(), inner);
+  record("list");
+  const Outcome outcome =
+      tool({"replay", recording(), "--", HVK3_BARE_TOOL, "list", "--replay", inner});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.out, "0\tHVK30001\n1\tHVK30002\n");
+  EXPECT_THAT(outcome.error, HasSubstr("nothing was played"));
+}
+
+TEST_F(Replay, WithinAnotherOfTheSameRecordingIsThatOne) {
+  record("list");
+  const Outcome outcome =
+      tool({"replay", recording(), "--", HVK3_BARE_TOOL, "list", "--replay", recording()});
+  EXPECT_EQ(outcome.out, "0\tHVK30001\n");
+  EXPECT_THAT(outcome.error, Not(HasSubstr("nothing was played")));
+}
+
 TEST_F(Replay, StandsInPlaceOfASimulation) {
   record("list", {"--scanners", "2"});
   EXPECT_EQ(tool({"list", "--simulate", "--replay", recording()}).status, 2);

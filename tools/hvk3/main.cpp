@@ -50,7 +50,7 @@ int run(const Command& command, const Options& options, const Words& words) {
   Console console(options.verbose);
   Report report(command.name, options.json);
   try {
-    if (!options.replay.empty() && !is_replay()) {
+    if (!options.replay.empty() && !is_replay_of(options.replay)) {
       return run_on_recording(options, words, console, report);
     }
     const int exit_code = carry_out(command, options, console, report);

@@ -14,6 +14,10 @@ namespace {
 namespace variable = Osv::recorder::variable;
 using Osv::recorder::ReplayReport;
 
+std::string path_of(const std::string& recording) {
+  return std::filesystem::absolute(recording).string();
+}
+
 RecordingSummary examine(const std::string& path) {
   try {
     return summary_of(path);
@@ -52,12 +56,12 @@ ReplayEnd replay(const std::string& recording, const std::vector<std::string>& p
   const std::filesystem::path path = folder.path() / "report";
   ReplayReport::create(path);
   const ReplayReport report(path);
-  ::setenv(variable::kReplay, std::filesystem::absolute(recording).c_str(), 1);
+  ::setenv(variable::kReplay, path_of(recording).c_str(), 1);
   ::setenv(variable::kReport, path.c_str(), 1);
   ::unsetenv(variable::kRecording);
   end.program = run_program(program, output);
   if (!report.has_begun()) {
-    console.message("nothing was played, the program opened no closed library");
+    console.message("nothing was played, the program opened no closed library on this recording");
   }
   end.played = std::min<std::uint64_t>(report.played(), end.recording.answered_calls);
   end.trouble = report.trouble();
@@ -81,6 +85,10 @@ void fill_report(Report& report, const ReplayEnd& end) {
 }
 
 bool is_replay() { return std::getenv(variable::kReplay) != nullptr; }
+
+bool is_replay_of(const std::string& recording) {
+  return is_replay() && std::getenv(variable::kReplay) == path_of(recording);
+}
 
 bool is_recorded_on(const std::string& folder) {
   const char* const libraries = std::getenv(variable::kLibraries);

@@ -34,6 +34,9 @@ void fill_report(Report& report, const ReplayEnd& end);
 /// Whether this program itself runs on a recording.
 bool is_replay();
 
+/// Whether it runs on that one.
+bool is_replay_of(const std::string& recording);
+
 /// Whether this program itself is recorded, on the libraries of that folder.
 /// @throws Failure `Usage` when it is recorded on others
 bool is_recorded_on(const std::string& folder);
