@@ -196,14 +196,13 @@ bool ClOstrevanHVK3SDK::FuzzyImage(unsigned char* pixels) {
 
 void ClOstrevanHVK3SDK::GetLiveBitmap(ClFrameGrabberChannel& channel, ClSimpleBitmap& bitmap) {
   const Guard guard(m_cLock);
-  RecursiveLock unit(m_cUnitLock);
-  RecursiveLock opening(m_cOpeningLock);
+  UnitHold hold(m_cUnitLock, m_cOpeningLock);
   // Another thread may have opened or closed a scanner since this bitmap was shaped. A preparation
   // that fails is judged as a fetch through the dead handle would have been: without a scanner this
   // is a disconnection.
   const bool outdated = NeedsPreparation(channel, bitmap);
   if (outdated || m_bInitialized) {
-    opening.unlock();  // else the scanner is to stay closed until the fetch has failed
+    hold.LetOpeningsIn();
   }
   if (outdated) {
     const unsigned long result = SetActiveChannel(channel, bitmap);
@@ -213,16 +212,16 @@ void ClOstrevanHVK3SDK::GetLiveBitmap(ClFrameGrabberChannel& channel, ClSimpleBi
     }
   }
   if (m_pLiveDetection->IsInit()) {
-    CaptureLDBmp(bitmap, unit);
+    CaptureLDBmp(bitmap, hold);
   } else {
-    CaptureBmp(bitmap, unit);
+    CaptureBmp(bitmap, hold);
   }
 }
 
-void ClOstrevanHVK3SDK::CaptureBmp(ClSimpleBitmap& bitmap, RecursiveLock& unit) {
+void ClOstrevanHVK3SDK::CaptureBmp(ClSimpleBitmap& bitmap, UnitHold& hold) {
   if (m_pScanner->GetImageByDose(m_cRawBitmap.Pixel(), Dose())) {
     const auto calibration = Calibration();  // that of the unit which the frame is from
-    unit.unlock();
+    hold.LetGo();
     PrepareImage(m_cRawBitmap);
     OSV_LOG(OsvLFTrace, "KR9 scanner. CalibrateBitmap.");
     calibration->CalibrateBitmap(m_cRawBitmap.BI(), img::bmp_size(m_cRawBitmap.BI()), bitmap.BI(),
@@ -236,9 +235,9 @@ void ClOstrevanHVK3SDK::CaptureBmp(ClSimpleBitmap& bitmap, RecursiveLock& unit) 
   }
 }
 
-void ClOstrevanHVK3SDK::CaptureLDBmp(ClSimpleBitmap& bitmap, RecursiveLock& unit) {
+void ClOstrevanHVK3SDK::CaptureLDBmp(ClSimpleBitmap& bitmap, UnitHold& hold) {
   try {
-    CaptureAndScore(bitmap, unit);
+    CaptureAndScore(bitmap, hold);
   } catch (const CLiveDetectionException& failure) {
     if (failure.GetErrorNumber() != kNoUsableFinger) {
       throw;
@@ -247,7 +246,7 @@ void ClOstrevanHVK3SDK::CaptureLDBmp(ClSimpleBitmap& bitmap, RecursiveLock& unit
   }
 }
 
-void ClOstrevanHVK3SDK::CaptureAndScore(ClSimpleBitmap& bitmap, RecursiveLock& unit) {
+void ClOstrevanHVK3SDK::CaptureAndScore(ClSimpleBitmap& bitmap, UnitHold& hold) {
   LDImagesLoan loan(m_pLDImages);
   LDImages& images = loan.get();
   const __FTRSCAN_IMAGE_SIZE size = ReadImageSize();
@@ -261,7 +260,7 @@ void ClOstrevanHVK3SDK::CaptureAndScore(ClSimpleBitmap& bitmap, RecursiveLock& u
     ResetLD(bitmap);
     return;
   }
-  unit.unlock();
+  hold.LetGo();
   PrepareImage(images.dark);
   PrepareImage(images.backlight);
   PrepareImage(images.dose);
@@ -349,7 +348,10 @@ void ClOstrevanHVK3SDK::GetRowLiveBitmap(ClSimpleBitmap& bitmap) {
 }
 
 void ClOstrevanHVK3SDK::SnapRefImage(ClSimpleBitmap& bitmap) {
-  const RecursiveLock unit(m_cUnitLock);  // size and frame are to come from the same unit
+  UnitHold hold(m_cUnitLock, m_cOpeningLock);  // size and frame are to come from the same unit
+  if (m_bInitialized) {
+    hold.LetOpeningsIn();
+  }
   CreateRaw(bitmap, ReadImageSize());
   bitmap.SetResolution(m_cnDotsPerInch, m_cnDotsPerInch);
   FuzzyImage(bitmap.Pixel());

@@ -14,6 +14,7 @@
 #include "driver/events.h"
 #include "driver/logging_callback.h"
 #include "driver/setting.h"
+#include "driver/unit_hold.h"
 #include "fakefinger/live_detection.h"
 #include "foundation/bitmap.h"
 #include "foundation/multi_string.h"
@@ -210,9 +211,9 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   /// @name Steps of a frame, with `m_cLock` held by the caller
   /// @{
 
-  /// @param opening held since the bitmap was looked at; let go once the frame is fetched
-  void CaptureBmp(ClSimpleBitmap& bitmap, RecursiveLock& unit);
-  void CaptureLDBmp(ClSimpleBitmap& bitmap, RecursiveLock& unit);
+  /// @param hold since the bitmap was looked at; let go once the frame is fetched
+  void CaptureBmp(ClSimpleBitmap& bitmap, UnitHold& hold);
+  void CaptureLDBmp(ClSimpleBitmap& bitmap, UnitHold& hold);
   void PrepareImage(ClSimpleBitmap& bitmap);
   bool FuzzyImage(unsigned char* pixels);
   void ResetLD(ClSimpleBitmap& bitmap);
@@ -293,7 +294,7 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   int Dose() const { return static_cast<int>(m_cSetting.m_nDose); }
   bool FetchLDImages(LDImages& images);
   void ScoreFinger(CXCalibration& calibration, LDImages& images, ClSimpleBitmap& bitmap);
-  void CaptureAndScore(ClSimpleBitmap& bitmap, RecursiveLock& unit);
+  void CaptureAndScore(ClSimpleBitmap& bitmap, UnitHold& hold);
 
   // Kept from one frame to the next while fake finger detection is on; guarded by m_cLock.
   std::unique_ptr<LDImages> m_pLDImages;

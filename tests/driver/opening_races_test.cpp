@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <boost/make_shared.hpp>
 #include <chrono>
 #include <future>
@@ -91,6 +92,26 @@ class SmallFrames : public DriverFixture {
               0UL);
   }
 
+  /// @param faults beside those that make a score of frames without a finger
+  void score_frames(double threshold, const std::string& faults = "") {
+    driver.m_pLiveDetection->Init();
+    driver.m_pLiveDetection->SetFakeScore(threshold);
+    bench.set_faults(
+        "FakeFingerDetectionEvaluateLiveliness gives 90;"
+        "FakeFingerDetectionEvaluateLiveliness answers 0;" +
+        faults);
+  }
+
+  static void open_from_another_thread(int /*handle*/, unsigned int /*channel*/, eFGs /*grabber*/,
+                                       unsigned int /*type*/, void* self) {
+    auto& test = *static_cast<SmallFrames*>(self);
+    test.client = go_as_far_as_locks_let([&test] {
+      EXPECT_EQ(test.driver.InitializeScanner(), 0UL);
+      test.opened = true;
+    });
+    test.opened_during_the_event = test.opened;
+  }
+
   /// Another client opens a unit with larger frames, as far as it can.
   template <typename Closing>
   void change_unit(Closing close) {
@@ -103,6 +124,8 @@ class SmallFrames : public DriverFixture {
 
   SizedUnit unit{{320, 240}};
   std::thread client;
+  std::atomic<bool> opened = false;  // by `client`
+  bool opened_during_the_event = false;
 };
 
 TEST_F(SmallFrames, AFrameOfAClosedScannerFailsBeforeAUnitIsOpened) {
@@ -118,22 +141,36 @@ TEST_F(SmallFrames, AFrameOfAClosedScannerFailsBeforeAUnitIsOpened) {
   EXPECT_TRUE(unit.buffers_suffice);
 }
 
+TEST_F(SmallFrames, AnImageAsItComesMeetsNoOpeningThoughTheLastOneFailedHalfWay) {
+  driver.UninitializeScanner();
+  bench.set_faults("ftrScanSetOptions call 1 fails with 87");
+  EXPECT_THROW(driver.InitializeScanner(), ClLXException);
+  {
+    const BeforeLock fetch(system_mutex(scanner_lock(driver)), 2, [this] { change_unit([] {}); });
+    snap_as_it_comes(driver);
+  }
+  ASSERT_TRUE(client.joinable());
+  client.join();
+  EXPECT_TRUE(unit.buffers_suffice);
+}
+
+TEST_F(SmallFrames, TheEventOfAFrameOfAClosedScannerComesWhenOpeningsAreLetIn) {
+  prepare_workers_bitmap();
+  driver.UninitializeScanner();
+  score_frames(100, "ftrScanGetLastError answers 536870913");  // scored though there is no image
+  driver.EnableEvents(0, 1, &SmallFrames::open_from_another_thread, this);
+  take_a_frame(driver);
+  EXPECT_TRUE(opened_during_the_event);
+}
+
 /// The bitmap is shaped, and the scanner open.
 class OpeningDuringAFrame : public SmallFrames, public ::testing::WithParamInterface<FrameTaker> {
  protected:
   OpeningDuringAFrame() {
     if (GetParam().scored) {
-      score_frames();
+      score_frames(1);
     }
     prepare_workers_bitmap();
-  }
-
-  void score_frames() {
-    driver.m_pLiveDetection->Init();
-    driver.m_pLiveDetection->SetFakeScore(1);
-    bench.set_faults(
-        "FakeFingerDetectionEvaluateLiveliness gives 90;"
-        "FakeFingerDetectionEvaluateLiveliness answers 0");  // these frames show no finger
   }
 };
 
@@ -221,6 +258,13 @@ TEST_F(MeetingOpenings, AMeasureThatOpensTheScannerKeepsNobodyWaitingForItsFrame
 
 TEST_F(MeetingOpenings, APreparationThatOpensTheScannerKeepsNobodyWaitingForItsFrame) {
   expect_to_wait_for_no_frame_of([this] { lx::prepare(driver); });
+}
+
+TEST_F(MeetingOpenings, AFrameThatOpensTheScannerKeepsNobodyWaitingForIt) {
+  expect_to_wait_for_no_frame_of([this] {
+    ClSimpleBitmap bitmap;
+    driver.GetLiveBitmap(driver.channel(), bitmap);
+  });
 }
 
 TEST_F(MeetingOpenings, AnOpeningDoesNotFallIntoTheMidstOfAChange) {
