@@ -66,6 +66,27 @@ TEST_F(Switches, StayOverAScannerThatComesBack) {
   EXPECT_THAT(quit().error, HasSubstr("green off, red on"));
 }
 
+TEST_F(Switches, HoldFromTheStartWhenTheyWerePressedBeforeThereWasAScanner) {
+  start({"--scanners", "0", "--set", "green-led=on"});
+  wait_for("no scanner");
+  press("g", "green LED on");
+  press("g", "green LED off");
+  press("r", "red LED on");
+  press("f", "fake finger detection on");
+  press("c", "low contrast on");
+  say("plug 0");
+  wait_for("live");
+  const Picture seen = picture();
+  for (const eAction on : {eAction::RedLed, eAction::Detection, eAction::LowContrast}) {
+    EXPECT_TRUE(is_lit(seen, button(on)));
+  }
+  EXPECT_FALSE(is_lit(seen, button(eAction::GreenLed)));
+  EXPECT_EQ(state_of(seen), kAmber);
+  EXPECT_GT(seen.count(layout().plot.picture, kAmber), layout().plot.picture.w / 2);
+  say("show");
+  EXPECT_THAT(quit().error, HasSubstr("green off, red on"));
+}
+
 TEST_F(Switches, FreezeKeepsThePictureWhateverComes) {
   start_capturing();
   press("space", "frozen");

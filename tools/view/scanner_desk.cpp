@@ -174,11 +174,13 @@ void ScannerDesk::prepare() {
   m_cBoard.update([&](Status& status) { status.switches = *m_cWanted; });
 }
 
-/// The user may have set some with --set.
+/// The user may have set some with --set, and has had the last word with a key.
 Switches ScannerDesk::read_switches() {
   Switches switches;
   for (const PropertySwitch& each : kPropertySwitches) {
-    switches.*each.on = read_switch(grabber(), each.property);
+    const auto early = m_cEarly.find(each.action);
+    switches.*each.on =
+        early != m_cEarly.end() ? early->second : read_switch(grabber(), each.property);
   }
   return switches;
 }
@@ -228,13 +230,17 @@ void ScannerDesk::perform(eAction action) {
 /// A switch is taken along to the next start: the present one may fail because of it.
 void ScannerDesk::perform_without_capture(eAction action) {
   const PropertySwitch* const property = find_switch(action);
-  if (!property || !m_cWanted) {
+  if (!property) {
     refuse();
     return;
   }
-  const bool on = !is_on(action, *m_cWanted);
-  (*m_cWanted).*property->on = on;
-  m_cBoard.update([&](Status& status) { status.switches = *m_cWanted; });
+  const bool on = !is_on(action, m_cBoard.status().switches);
+  if (m_cWanted) {
+    (*m_cWanted).*property->on = on;
+  } else {
+    m_cEarly[action] = on;
+  }
+  m_cBoard.update([&](Status& status) { status.switches.*property->on = on; });
   m_cEvents.tell(in_words(property->name, on));
 }
 

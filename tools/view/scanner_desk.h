@@ -76,6 +76,7 @@ class ScannerDesk {
   const std::optional<unsigned int> m_nWanted;  // interface of --device; none: any will do
   std::map<unsigned int, std::string> m_cSeen;  // interfaces with a scanner, and its serial number
   std::optional<Switches> m_cWanted;            // kept over a scanner that comes back
+  std::map<eAction, bool> m_cEarly;             // switched when there were no such yet
   std::optional<LiveFeed> m_cFeed;              // while capture runs, or has ended with an error
   eConnection m_eConnection = eConnection::Starting;
   std::chrono::steady_clock::time_point m_cLastLook = {};
