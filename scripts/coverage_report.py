@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
 """Judges what gcovr has counted: scripts/coverage_report.py JSON EXCEPTIONS BRANCHES.
 
-Each line of EXCEPTIONS is "FILE | CODE | REASON": that code in that file may stay unreached. In
-BRANCHES a line "= REASON" stands above lines "FILE | CODE", of which some branch may. An exception
-that nothing needs is a failure too.
+Each line of EXCEPTIONS is "FILE | CODE | REASON": that code may stay unreached in one place of that
+file, and in as many as there are such lines. In BRANCHES a line "= REASON" stands above lines
+"FILE | CODE", of which some branch may. An exception that nothing needs is a failure too.
 """
 
+import collections
 import json
 import pathlib
 import sys
@@ -19,16 +20,30 @@ def lines_of(path):
 
 
 def exceptions(path):
-    """Each file and code with a reason behind it."""
-    return {tuple(line.split(" | ", 2)[:2]) for line in lines_of(path)}
+    """How many places of each file and code may stay unreached."""
+    allowed = collections.Counter()
+    for line in lines_of(path):
+        file, _, rest = line.partition(" | ")
+        code, _, reason = rest.rpartition(" | ")  # in C++ a bar may stand too
+        if not (code and reason.strip()):
+            sys.exit(f"{path}: without a reason: {line}")
+        allowed[file, code] += 1
+    return allowed
 
 
 def branch_exceptions(path):
-    """Each file and code below a reason."""
-    lines = lines_of(path)
-    if not lines[0].startswith("= "):
-        sys.exit(f"{path}: {lines[0]}: stands below no reason")
-    return {tuple(line.split(" | ", 1)) for line in lines if not line.startswith("= ")}
+    """The same, each below a reason."""
+    allowed = collections.Counter()
+    reason = ""
+    for line in lines_of(path):
+        if line.startswith("="):
+            reason = line[1:].strip()
+        elif reason:
+            file, _, code = line.partition(" | ")
+            allowed[file, code] += 1
+        if not reason:
+            sys.exit(f"{path}: without a reason: {line}")
+    return allowed
 
 
 def lines_with_code(file):
@@ -50,14 +65,18 @@ def missed(files):
 
 
 def judge(what, places, allowed):
-    """Prints the places that have no reason and the reasons that no place needs; their number."""
-    unexplained = [place for place in places if (place[0], place[2]) not in allowed]
-    for file, number, code in unexplained:
-        print(f"{file}:{number}: {what}: {code}")
-    unneeded = allowed - {(file, code) for file, _, code in places}
+    """Prints the places beyond what has a reason and the reasons that none needs; their number.
+
+    Which of several places of the same code is the new one nobody can tell: all are printed.
+    """
+    found = collections.Counter((file, code) for file, _, code in places)
+    unexplained, unneeded = found - allowed, allowed - found
+    for file, number, code in places:
+        if (file, code) in unexplained:
+            print(f"{file}:{number}: {what}: {code}")
     for file, code in sorted(unneeded):
         print(f"{file}: NO LONGER AN EXCEPTION ({what}): {code}")
-    return len(unexplained) + len(unneeded)
+    return unexplained.total() + unneeded.total()
 
 
 def share(counts):
