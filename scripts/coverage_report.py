@@ -98,4 +98,5 @@ def main():
     sys.exit(bool(failures) or branch_share < BRANCHES)
 
 
-main()
+if __name__ == "__main__":
+    main()
