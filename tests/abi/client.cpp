@@ -9,6 +9,7 @@
 #include <iostream>
 #include <mutex>
 #include <string>
+#include <typeinfo>
 #include <vector>
 
 #include "published.h"
@@ -274,6 +275,36 @@ void use_features(const Library& library) {
   expect_result(get(1, &feature), 82, "reading feature 53");
 }
 
+template <typename Call>
+void expect_thrown(Call call, unsigned int number, const char* what) {
+  try {
+    call();
+    expect(false, what);
+  } catch (const Osv::lx::CLX3ModuleException& failure) {
+    expect_result(failure.value(), number, what);
+  } catch (...) {
+    expect(false, what);
+  }
+}
+
+void catch_what_is_thrown(const Library& library) {
+  const auto get = library.symbol<LXSP_GetFeature>("_Z15LXSP_GetFeaturejP14osvlx3_feature");
+  const auto set = library.symbol<LXSP_SetFeature>("_Z15LXSP_SetFeaturejPK14osvlx3_feature");
+  const auto text = library.symbol<VersionText>("_ZN3Osv2lx10infver2strEt");
+  unsigned char format = 9;
+  Feature wide = {55, 0, 1, 2, &format};
+  const Feature unknown = {55, 0, 1, 1, &format};
+  expect_thrown([&] { get(1, &wide); }, 53, "reading feature 55 into two bytes");
+  expect_thrown([&] { set(1, &unknown); }, 52, "writing a format that there isn't");
+  expect_thrown([&] { text(258); }, 74, "the text of a version that there isn't");
+  const std::type_info& thrown = typeid(Osv::lx::CLX3ModuleException);
+  expect(*library.symbol<const std::type_info*>("_ZTIN3Osv2lx19CLX3ModuleExceptionE") == thrown,
+         "the type of what is thrown");
+  expect(std::strcmp(library.symbol<const char*>("_ZTSN3Osv2lx19CLX3ModuleExceptionE"),
+                     thrown.name()) == 0,
+         "the name of what is thrown");
+}
+
 void describe_feature(const Library& library) {
   FeatureSchema schema = FeatureSchema();
   FeatureSchema* copy = nullptr;
@@ -350,6 +381,7 @@ int main() {
   capture(grabber);
   ask_for_frame_information(grabber, library);
   use_features(library);
+  catch_what_is_thrown(library);
   describe_feature(library);
   convert_unit(library);
   ask_for_options(library);

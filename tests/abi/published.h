@@ -7,6 +7,22 @@
 
 #include <cstdint>
 
+// The one class that is known by its name, since it is caught by its type.
+namespace Osv {
+namespace lx {
+
+class __attribute__((visibility("default"))) CLX3ModuleException {
+ public:
+  explicit CLX3ModuleException(unsigned int value) : m_nValue(value) {}
+  unsigned int value() const { return m_nValue; }
+
+ private:
+  unsigned int m_nValue;
+};
+
+}  // namespace lx
+}  // namespace Osv
+
 namespace published {
 
 enum Camera : unsigned int { Camera5 = 5, Camera8 = 8 };
