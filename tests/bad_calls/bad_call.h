@@ -102,6 +102,9 @@ struct BadCall {
 
   /// Of an exported function.
   const char* symbol = nullptr;
+
+  /// Ends capture and closes the scanner on its way.
+  bool closes = false;
 };
 
 using BadCalls = std::vector<BadCall>;
@@ -125,7 +128,11 @@ BadCalls texts();
 BadCalls last_errors();
 BadCalls lists();
 BadCalls devices();
+BadCalls devices_that_are_not_there();
 BadCalls settings();
+BadCalls freezing();
+BadCalls going_on();
+BadCalls events_to_nobody();
 BadCalls images();
 BadCalls captures();
 BadCalls second_captures();

@@ -31,7 +31,7 @@ constexpr Situation kSituations[] = {
      .enter = &InSituation::during_capture,
      .captures = true,
      .frames = true},
-    {.name = "WhileFrozen", .enter = &InSituation::while_frozen, .captures = true},
+    {.name = "WhileFrozen", .enter = &InSituation::while_frozen, .captures = true, .frozen = true},
     {.name = "AfterAnErrorAndNoStop",
      .enter = &InSituation::after_an_error_and_no_stop,
      .captures = true}};
@@ -59,7 +59,7 @@ class ABadCall : public MakingBadCalls, public ::testing::WithParamInterface<Cas
 
 TEST_P(ABadCall, IsAnsweredAsToldAndChangesNothing) {
   const auto& [table, situation] = GetParam();
-  make_all(table.calls(), situation);
+  make_all(table.calls(), situation, table.end_events);
 }
 
 INSTANTIATE_TEST_SUITE_P(Any, ABadCall, ::testing::ValuesIn(all_cases()), name_of);

@@ -29,19 +29,21 @@ Answer answer_in(const Situation& situation, const BadCall& call) {
 
 }  // namespace
 
-void MakingBadCalls::make_all(const BadCalls& calls, const Situation& situation) {
+void MakingBadCalls::make_all(const BadCalls& calls, const Situation& situation, bool end_events) {
+  bool entered = false;
   for (const BadCall& call : calls) {
-    const bool first = &call == &calls.front();
-    if (first || situation.anew) {
+    if (!entered) {
       enter(situation);
       recorder.clear();
     }
     SCOPED_TRACE(call.what);
     make(call, situation);
+    if (HasFatalFailure()) {
+      return;  // there is no situation for the rows behind it
+    }
+    entered = !call.closes && !(call.opens && situation.anew);
   }
-  if (situation.frames) {
-    EXPECT_TRUE(recorder.wait_for_more(eEvent::Live, 2));
-  }
+  expect_a_capture(situation, !end_events);
 }
 
 void MakingBadCalls::make(const BadCall& call, const Situation& situation) {
@@ -53,8 +55,22 @@ void MakingBadCalls::make(const BadCall& call, const Situation& situation) {
   EXPECT_EQ(last_text(), answer.text == kTextStays ? kTextBefore : answer.text);
   EXPECT_EQ(hands.size, answer.size.value_or(call.size));
   expect_untouched(hands, answer.result == 0 ? answer.size.value_or(0) * call.unit : 0);
-  expect_state(before, call.opens && situation.scanner == eScanner::There);
-  expect_callbacks(situation.frames);
+  if (!call.closes) {
+    expect_to_go_on(situation);
+  }
+  expect_state(before, call, situation);
+  expect_callbacks(situation.frames, call.closes && (situation.frames || situation.frozen));
+}
+
+// The frame that is being fetched at the moment of a freeze is still delivered.
+void MakingBadCalls::expect_to_go_on(const Situation& situation) {
+  if (situation.frames) {
+    ASSERT_TRUE(recorder.wait_for_more(eEvent::Live, 2));
+  }
+  if (situation.frozen) {
+    sleeps.forget();
+    ASSERT_TRUE(await_freeze_polls(2));
+  }
 }
 
 Hands MakingBadCalls::hands_for(const BadCall& call, lx::ClFramegrabber& receiver) const {
@@ -72,8 +88,15 @@ void MakingBadCalls::expect_untouched(const Hands& hands, std::size_t written) {
   EXPECT_EQ(hands.image, nullptr);
 }
 
-void MakingBadCalls::expect_state(State before, bool opens) {
-  State after = state();
+void MakingBadCalls::expect_state(State before, const BadCall& call, const Situation& situation) {
+  const State after = state();
+  if (call.closes) {
+    before.device.open_handles = 0;
+    before.device.green = 0;
+    before.device.red = 0;
+    before.properties.clear();
+  }
+  const bool opens = call.opens && situation.scanner == eScanner::There;
   if (opens && before.device.open_handles == 0) {
     EXPECT_EQ(after.properties, std::vector<unsigned int>({1, 0, 0, 0, 0, 0, 1}));
     EXPECT_EQ(after.device.open_handles, 1U);
@@ -84,10 +107,12 @@ void MakingBadCalls::expect_state(State before, bool opens) {
   EXPECT_EQ(after, before);
 }
 
-void MakingBadCalls::expect_callbacks(bool frames) {
+void MakingBadCalls::expect_callbacks(bool frames, bool end) {
+  EXPECT_EQ(recorder.count(eEvent::Stop), end ? 1U : 0U);
   for (const client::Event& event : recorder.all()) {
-    EXPECT_TRUE(event.kind == eEvent::Live && frames) << event.text;
+    EXPECT_TRUE(event.kind == eEvent::Stop || (event.kind == eEvent::Live && frames)) << event.text;
   }
+  EXPECT_EQ(events, 0);
   recorder.clear();
 }
 

@@ -10,9 +10,9 @@ namespace Osv::bad_calls {
 
 class MakingBadCalls : public InSituation {
  protected:
-  /// Makes calls in a situation, one after the other or in a new one each, and looks at all that
-  /// they answer and at all that they leave alone.
-  void make_all(const BadCalls& calls, const Situation& situation);
+  /// Makes calls in a situation, which is entered anew behind one that ends it, and looks at all
+  /// that they answer and at all that they leave alone.
+  void make_all(const BadCalls& calls, const Situation& situation, bool end_events = false);
 
   /// What the client holds out to a call of a frame grabber.
   Hands hands_for(const BadCall& call, lx::ClFramegrabber& receiver) const;
@@ -20,12 +20,16 @@ class MakingBadCalls : public InSituation {
   /// Only the first bytes of the room were written to.
   static void expect_untouched(const Hands& hands, std::size_t written);
 
-  /// Nothing came but frames, where there is capture.
-  void expect_callbacks(bool frames);
+  /// Nothing came but frames, where there is capture, and its end, where it has ended.
+  void expect_callbacks(bool frames, bool end = false);
 
  private:
   void make(const BadCall& call, const Situation& situation);
-  void expect_state(State before, bool opens);
+
+  /// The capture that was under way goes on, or stays frozen.
+  void expect_to_go_on(const Situation& situation);
+
+  void expect_state(State before, const BadCall& call, const Situation& situation);
 };
 
 }  // namespace Osv::bad_calls

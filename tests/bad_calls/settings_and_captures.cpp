@@ -264,15 +264,30 @@ void add_missing_buffers(BadCalls& calls, unsigned long size) {
 BadCalls settings() {
   BadCalls calls = cameras();
   add_filters(calls);
-  add_channels(calls, "freezing channel", [](Hands& hands, unsigned int channel) {
-    return hands.grabber.Freeze(channel, true);
-  });
-  add_channels(calls, "letting channel go on", [](Hands& hands, unsigned int channel) {
-    return hands.grabber.Freeze(channel, false);
-  });
   add_channels(calls, "callbacks of channel", [](Hands& hands, unsigned int channel) {
     return hands.grabber.SetCallbacks(channel, nullptr, nullptr);
   });
+  return calls;
+}
+
+BadCalls freezing() {
+  BadCalls calls;
+  add_channels(calls, "freezing channel", [](Hands& hands, unsigned int channel) {
+    return hands.grabber.Freeze(channel, true);
+  });
+  return calls;
+}
+
+BadCalls going_on() {
+  BadCalls calls;
+  add_channels(calls, "letting channel go on", [](Hands& hands, unsigned int channel) {
+    return hands.grabber.Freeze(channel, false);
+  });
+  return calls;
+}
+
+BadCalls events_to_nobody() {
+  BadCalls calls;
   for (const int unused : {0, -1, std::numeric_limits<int>::max()}) {
     add(calls, "events to nobody",
         [=](Hands& hands) {
@@ -418,10 +433,6 @@ BadCalls calls_that_need_a_scanner() {
   add(
       calls, "the dirt", [](Hands& hands) { return measure_dirt(hands, kChannel, &hands.level); },
       kNoScanner);
-  add(
-      calls, "choosing a device that is not there",
-      [](Hands& hands) { return hands.grabber.SetActiveDevice(5); },
-      reported(DeviceIndex, error_text::DeviceIndex));
   add_features_without_scanner(calls);
   return calls;
 }

@@ -33,13 +33,53 @@ std::ostream& operator<<(std::ostream& out, const State& state) {
 }
 
 InSituation::InSituation() {
+  connect_with_events();
   bench.set_authorization_code(0, {1, 2, 3, 4, 5, 6, 7});
   bench.set_secret(0, {7, 6, 5, 4, 3, 2, 1});
 }
 
+void InSituation::on_event(int, unsigned int, eFGs, unsigned int, void* user) {
+  ++static_cast<InSituation*>(user)->events;
+}
+
+void InSituation::connect_with_events() {
+  connect();
+  EXPECT_EQ(grabber->EnableEvents(0, 0, &InSituation::on_event, this), 0U);
+}
+
+void InSituation::bring_scanner_back() {
+  if (!bench.state(0).plugged_in) {
+    bench.plug_in_again(0);
+  }
+}
+
+void InSituation::enter(const Situation& situation) {
+  bring_scanner_back();
+  (this->*situation.enter)();
+}
+
+// The choice of an interface where no scanner is ends what was under way, and a dead handle too.
+void InSituation::expect_a_capture(const Situation& situation, bool with_events) {
+  bring_scanner_back();
+  EXPECT_EQ(grabber->SetActiveDevice(1), 0x1000001BU);
+  if (situation.frozen) {
+    EXPECT_EQ(grabber->Freeze(kChannel, false), 0U);
+  }
+  bench.set_timeline(simulator::Timeline::settled_finger());
+  bench.set_finger_kind(simulator::eFingerKind::Printed);  // each frame raises an event
+  EXPECT_EQ(grabber->SetFGProperty(ePropLiveliness, 1), 0U);
+  recorder.clear();
+  EXPECT_EQ(start(eCaptureLive), 0U);
+  EXPECT_TRUE(recorder.wait_for(eEvent::Live));
+  EXPECT_EQ(stop(), 0U);
+  EXPECT_EQ(recorder.count(eEvent::Start), 1U);
+  EXPECT_EQ(recorder.count(eEvent::Stop), 1U);
+  EXPECT_EQ(events > 0, with_events);
+}
+
 void InSituation::before_the_first_opening() {
   disconnect();
-  connect();
+  connect_with_events();
 }
 
 void InSituation::while_open() { open_with_settings(); }
@@ -55,7 +95,7 @@ void InSituation::after_a_disconnection() {
 
 void InSituation::with_a_dead_handle() {
   disconnect();
-  connect();
+  connect_with_events();
   open_with_settings();
   bench.unplug(0);
   bench.plug_in_again(0);
@@ -70,6 +110,7 @@ void InSituation::during_capture() {
 void InSituation::while_frozen() {
   open_with_settings();
   EXPECT_EQ(grabber->Freeze(kChannel, true), 0U);
+  sleeps.forget();
   EXPECT_EQ(start(eCaptureLive), 0U);
   EXPECT_TRUE(await_freeze_polls(1));
 }

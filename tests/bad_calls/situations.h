@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <string>
 
 #include "bad_calls/bad_call.h"
@@ -14,7 +15,9 @@ namespace Osv::bad_calls {
 using client::ClientTest;
 using client::eEvent;
 
-/// What a client, the scanner and its library can see of the state. Bad calls leave all of it.
+/// What a client, the scanner and its library can see of the state without an image. Bad calls
+/// leave all of it, and what only images show: that a channel is not frozen, and that its callbacks
+/// come.
 struct State {
   simulator::DeviceState device;
   int base_interface = 0;
@@ -47,7 +50,10 @@ struct Situation {
   /// Frames come to the callback meanwhile.
   bool frames = false;
 
-  /// Bad calls may end it: each of them has a frame grabber of its own.
+  /// The client has frozen the channel.
+  bool frozen = false;
+
+  /// A call that opens the scanner ends it, and the next one has a frame grabber of its own.
   bool anew = false;
 };
 
@@ -55,11 +61,12 @@ inline std::ostream& operator<<(std::ostream& out, const Situation& situation) {
   return out << situation.name;
 }
 
-/// A client in one of the situations.
+/// A client with all callbacks, in one of the situations.
 class InSituation : public ClientTest {
  public:
   /// The scanner's protected bytes are under a code that no row has.
   InSituation();
+  ~InSituation() override { disconnect(); }  // no event comes behind this
 
   /// @name Entering
   /// @{
@@ -74,14 +81,29 @@ class InSituation : public ClientTest {
   /// @}
 
  protected:
-  void enter(const Situation& situation) { (this->*situation.enter)(); }
+  /// May follow another one, and what bad calls have left of it.
+  void enter(const Situation& situation);
+
+  /// A new capture has its start and its stop callback, frames, and events if there are to be any.
+  /// What was the state before it is gone.
+  void expect_a_capture(const Situation& situation, bool with_events);
 
   State state();
 
   /// The part of it that there is without a frame grabber.
   State scanner_state() const;
 
+  std::atomic<int> events{0};
+
  private:
+  static void on_event(int handle, unsigned int channel, eFGs grabber, unsigned int type,
+                       void* user);
+
+  /// As `connect`, with events.
+  void connect_with_events();
+
+  void bring_scanner_back();
+
   /// Opens the scanner, and gives settings values that they don't have at first.
   void open_with_settings();
 

@@ -103,6 +103,13 @@ void add_version(BadCalls& calls) {
   row("the version with more room than there is memory", false, writes(kVersion), kHuge);
 }
 
+BadCall choice(unsigned long index, bool closes) {
+  return {.what = "choosing device " + std::to_string(index),
+          .call = [index](Hands& hands) { return hands.grabber.SetActiveDevice(index); },
+          .answer = reported(lx::error_number::DeviceIndex, lx::error_text::DeviceIndex),
+          .closes = closes};
+}
+
 }  // namespace
 
 BadCalls texts() {
@@ -154,13 +161,19 @@ BadCalls devices() {
       row("devices with room for exactly all", false, writes(1), 1, writes(0)),
       row("devices with more room than there is memory", false, writes(1), kHuge, writes(0))};
   for (const unsigned long index : {0x80000000UL, 0xFFFFFFFFUL, 0x100000000UL, kHuge}) {
-    calls.push_back({"choosing device " + std::to_string(index),
-                     [index](Hands& hands) { return hands.grabber.SetActiveDevice(index); },
-                     reported(lx::error_number::DeviceIndex, lx::error_text::DeviceIndex)});
+    calls.push_back(choice(index, false));
   }
   calls.push_back({"the chosen device",
                    [](Hands& hands) { return hands.grabber.GetActiveDevice(hands.size); },
                    writes(0)});
+  return calls;
+}
+
+BadCalls devices_that_are_not_there() {
+  BadCalls calls;
+  for (const unsigned long index : {1UL, 5UL, 0x7FFFFFFFUL}) {
+    calls.push_back(choice(index, true));
+  }
   return calls;
 }
 
