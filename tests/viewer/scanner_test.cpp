@@ -90,6 +90,15 @@ TEST_F(Scanner, ThatGoesLeavesItsPlaceToAnotherOneAlsoBehindTab) {
   press("Tab", "no other scanner");
 }
 
+TEST_F(Scanner, ThatCameBackBeforeThePresentOneIsFoundByTab) {
+  start_capturing({"--scanners", "2"});
+  say("unplug 0");
+  wait_for("back 1 HVK30002");
+  say("plug 0\nfinger on");
+  wait_for("finger");
+  press("Tab", "started 0 HVK30001");
+}
+
 TEST_F(Scanner, ComesBackWhereItWasThoughAnotherOneIsAttached) {
   start_capturing({"--scanners", "2"});
   press("Tab", "started 1 HVK30002");

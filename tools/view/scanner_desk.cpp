@@ -327,38 +327,42 @@ void ScannerDesk::look_for_scanners() {
   }
 }
 
-/// Those behind the present one first, then those before it.
-std::vector<ListedScanner> ScannerDesk::other_scanners() const {
-  const std::optional<ListedScanner> now = m_cBoard.status().scanner;
-  std::vector<ListedScanner> before;
-  std::vector<ListedScanner> others;
+/// Interfaces where another scanner may be: those behind the present one that were seen, then all
+/// before it, which the list may leave out.
+std::vector<unsigned int> ScannerDesk::places_to_go_on_to() const {
+  const std::optional<unsigned int> now = present();
+  std::vector<unsigned int> places;
   for (const auto& [interface, serial] : m_cSeen) {
-    if (!now || interface > now->interface) {
-      others.push_back({interface, serial});
-    } else if (interface < now->interface) {
-      before.push_back({interface, serial});
+    if (!now || interface > *now) {
+      places.push_back(interface);
     }
   }
-  others.insert(others.end(), before.begin(), before.end());
-  return others;
+  for (unsigned int before = 0; before < now.value_or(0); ++before) {
+    places.push_back(before);
+  }
+  return places;
 }
 
 void ScannerDesk::go_to_next_scanner() {
   look_for_scanners();
-  const std::vector<ListedScanner> others = other_scanners();
-  if (others.empty()) {
-    tell("there is no other scanner", "no other scanner");
+  const std::vector<unsigned int> places = places_to_go_on_to();
+  if (places.empty()) {
+    tell_of_no_other();
     return;
   }
   part_from_scanner();
-  const auto next = std::find_if(others.begin(), others.end(), [this](const ListedScanner& each) {
-    return choose(each.interface);
-  });
-  if (next != others.end()) {
-    turn_to(*next);
+  const auto next = std::find_if(places.begin(), places.end(),
+                                 [this](unsigned int interface) { return choose(interface); });
+  if (next != places.end()) {
+    turn_to(find_scanner(grabber(), *next));
   }
   begin();
+  if (next == places.end()) {
+    tell_of_no_other();
+  }
 }
+
+void ScannerDesk::tell_of_no_other() { tell("there is no other scanner", "no other scanner"); }
 
 /// @return false when it has gone since it was seen
 bool ScannerDesk::choose(unsigned int interface) {

@@ -60,8 +60,9 @@ class ScannerDesk {
   void snap();
   void measure_dirt();
   void look_for_scanners();
-  std::vector<ListedScanner> other_scanners() const;
+  std::vector<unsigned int> places_to_go_on_to() const;
   void go_to_next_scanner();
+  void tell_of_no_other();
   bool choose(unsigned int interface);
   void restart();
   void tell(const std::string& text, const std::string& event);
