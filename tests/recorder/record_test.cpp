@@ -257,6 +257,47 @@ TEST_F(Record, HoldsNoProtectedBytesAndNoCode) {
   }
 }
 
+/// All entries of a recording but for when they were.
+std::vector<Osv::recorder::Bytes> timeless_entries(const std::string& path) {
+  using namespace Osv::recorder;
+  BlockReader file(path);
+  std::vector<Bytes> all;
+  for (Bytes block; file.next(block, kLargestBlock);) {
+    ByteReader reader(block);
+    if (take_kind(reader) == eEntry::Call) {
+      CallHead head = take_call(reader);
+      head.begin = head.duration = 0;
+      const ByteView arguments = take_arguments(reader);
+      append_call(all.emplace_back(), head, Bytes(arguments.begin(), arguments.end()));
+      append(all.back(), reader.rest().data(), reader.rest().size());
+    }
+  }
+  return all;
+}
+
+/// Nor a check sum of them, by which the few of a code could be found.
+TEST_F(Record, IsTheSameForOtherProtectedBytesAndCodes) {
+  const std::string code = m_cFolder.file("code");
+  const std::string bytes = m_cFolder.file("bytes");
+  const std::string script = m_cFolder.file("script");
+  const auto entries = [&](const std::string& command, char digit) {
+    std::ofstream(code) << std::string(7, static_cast<char>(digit - '0'));
+    std::ofstream(bytes) << std::string(7, digit);
+    std::string hidden;
+    for (int i = 0; i < 7; ++i) {
+      hidden += std::string("0") + digit;
+    }
+    std::ofstream(script) << "authorization " << hidden << " at 0\nsecret " << hidden << " at 0\n";
+    EXPECT_EQ(record(command, {"--script", script}).status, 0);
+    return timeless_entries(recording());
+  };
+  for (const std::string& command :
+       {"secret read --print --code " + code, "secret authorize --code " + bytes,
+        "secret write --code " + code + " --secret " + bytes}) {
+    EXPECT_TRUE(entries(command, '1') == entries(command, '2')) << command;
+  }
+}
+
 TEST_F(Record, PlaysOtherBytesThanTheProtectedOnes) {
   const std::string code = m_cFolder.file("code");
   std::ofstream(code) << std::string(7, '\0');
