@@ -4,7 +4,7 @@ import array
 import ctypes
 import queue
 import sys
-from ctypes import POINTER, byref, c_char, c_char_p, c_int, c_ubyte, c_uint, c_ulong, c_void_p
+from ctypes import POINTER, byref, c_char, c_char_p, c_int, c_uint, c_ulong, c_void_p
 
 # Where the operations stand in the table of virtual functions, in the order of framegrabber.h. The
 # first two places are the destructor's.
@@ -84,7 +84,8 @@ class Grabber:
         """Waits for a frame; an error of the capture is an exception."""
         arrivals = queue.Queue()
         image = ImageCallback(lambda handle, channel, block, user: arrivals.put(Frame(block)))
-        error = TextCallback(lambda handle, channel, text, user: arrivals.put(Failure(text.decode("latin-1"))))
+        error = TextCallback(lambda handle, channel, text, user:
+                             arrivals.put(Failure(text.decode("latin-1"))))
         self._check(self._call(
             START_CAPTURE,
             (c_int, c_uint, c_uint, ImageCallback, FingerCallback, TextCallback, TextCallback,

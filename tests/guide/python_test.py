@@ -1,11 +1,13 @@
 #!/usr/bin/env python3
-"""Tests of the example in Python: python_test.py EXAMPLES BUILD."""
+"""Tests of the example in Python: python_test.py EXAMPLES BUILD SCENARIO-LIBRARY."""
+import os
 import pathlib
 import subprocess
 import sys
 import tempfile
 import unittest
 
+SCENARIO_LIBRARY = sys.argv.pop()
 BUILD = pathlib.Path(sys.argv.pop())
 EXAMPLES = pathlib.Path(sys.argv.pop())
 sys.path.insert(0, str(EXAMPLES))
@@ -26,7 +28,17 @@ def levels_of_the_tool():
 
 def ended(*arguments, **environment):
     return subprocess.run([sys.executable, EXAMPLES / "scanners_and_frame.py", *arguments],
-                          env=environment, capture_output=True, text=True, check=False)
+                          env=environment, capture_output=True, text=True, check=False,
+                          timeout=60)
+
+
+def ended_in_scenario(words):
+    """How it ends on simulated scanners to which this happens."""
+    with tempfile.NamedTemporaryFile("w") as scenario:
+        scenario.write(words)
+        scenario.flush()
+        return ended(PLUGIN, **{**os.environ, "SCENARIO": scenario.name,
+                                "LD_PRELOAD": f"{os.environ['LD_PRELOAD']}:{SCENARIO_LIBRARY}"})
 
 
 class Example(unittest.TestCase):
@@ -47,6 +59,12 @@ class Example(unittest.TestCase):
         failed = ended(PLUGIN)  # without the scanner's libraries
         self.assertEqual(failed.returncode, 1)
         self.assertRegex(failed.stderr, "^error 23: libKR9ScanAPI.so: ")
+
+    def test_tells_the_error_that_ends_a_capture(self):
+        failed = ended_in_scenario("fault ftrScanGetImageByVariableDose fails with 31\n")
+        self.assertEqual(failed.returncode, 1)
+        self.assertEqual(failed.stdout, "interface 0: HVK30001\n")
+        self.assertEqual(failed.stderr, "Capture raw image failed. error: 31\n")
 
     def test_tells_that_there_is_no_plug_in(self):
         failed = ended("absent.so")
