@@ -153,6 +153,26 @@ TEST_F(Preview, GivesTheScreenBackWhileItIsSuspended) {
   EXPECT_EQ(process->wait().status, 143);
 }
 
+TEST_F(Preview, KeepsMessagesBackUntilTheScreenIsGivenBack) {
+  Words words = {"/bin/sh", "-c", "exec \"$@\" 2>&1", "sh"};
+  const Words tool = preview({"--empty", "--timeout", "0", "--script", "-"});
+  words.insert(words.end(), tool.begin(), tool.end());
+  Process process(words, {.out = true}, eInput::Written);
+  EXPECT_TRUE(process.wait_for_output_text("\u2580"));
+  process.write("unknown\nunplug 0\n");
+  const Outcome outcome = process.wait();
+  const std::size_t end = outcome.out.find(kGiveBack);
+  EXPECT_THAT(outcome.out.substr(0, end), Not(HasSubstr("hvk3: ")));
+  EXPECT_THAT(outcome.out.substr(end), HasSubstr("hvk3: script: not understood"));
+}
+
+TEST_F(Preview, TellsMessagesAtOnceWhereTheyStandElsewhere) {
+  Process process(preview({"--empty", "--timeout", "0", "--script", "-"}), {.out = true},
+                  eInput::Written);
+  process.write("unknown\n");
+  EXPECT_TRUE(process.wait_for_error_text("hvk3: script: not understood"));
+}
+
 TEST_F(Preview, NeverSlowsCaptureOnATerminalThatTakesNothing) {
   // A picture is larger than all that the system keeps for a terminal.
   Process process(preview({"--mode", "live", "--count", "100", "--verbose"}),

@@ -159,8 +159,10 @@ bool CaptureRun::is_listed() {
 }
 
 void CaptureRun::collect(const Wakeup::Deadline& deadline) {
-  std::optional<LiveScreen> screen;  // given back before capture stops, which may take a while
+  std::optional<Console::Pause> pause;  // ends behind the screen
+  std::optional<LiveScreen> screen;     // given back before capture stops, which may take a while
   if (m_cPreview) {
+    pause.emplace(m_cContext.console());
     screen.emplace(m_cWakeup);
   }
   while (true) {
@@ -212,12 +214,12 @@ void CaptureRun::tell() {
   }
   const std::string line = std::to_string(progress.frames) + " frames, " +
                            std::to_string(progress.fingers) + " finger images";
+  tell_warnings(progress);
   if (m_cPreview) {
     m_cPreview->set_status(line);
-    return;  // messages would stand in the picture
+  } else {
+    console.progress(line);
   }
-  tell_warnings(progress);
-  console.progress(line);
 }
 
 void CaptureRun::tell_warnings(const Progress& progress) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mutex>
 #include <string>
 
 /// @file
@@ -7,8 +8,22 @@
 
 namespace hvk3 {
 
+/// From any thread.
 class Console {
  public:
+  /// As long as it lives a picture stands on the terminal: what would be written into it is kept
+  /// back. One object at a time.
+  class Pause {
+   public:
+    explicit Pause(Console& console);
+    ~Pause();
+    Pause(const Pause&) = delete;
+    Pause& operator=(const Pause&) = delete;
+
+   private:
+    Console& m_cConsole;
+  };
+
   explicit Console(bool verbose);
 
   /// Removes the progress line.
@@ -30,7 +45,11 @@ class Console {
 
   const bool m_bVerbose;
   const bool m_bTerminal;
+
+  std::mutex m_cLock;        // guards everything below, and standard error
   bool m_bProgress = false;  // a progress line stands
+  bool m_bPaused = false;
+  std::string m_sKept;  // the lines of a pause
 };
 
 }  // namespace hvk3

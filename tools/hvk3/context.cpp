@@ -15,7 +15,7 @@ Context::Context(const Options& options, Console& console, Report& report)
   } else if (options.simulate) {
     Scene scene = options.scene;
     scene.log_to_stderr = options.verbose;
-    m_cSimulation.emplace(scene);
+    m_cSimulation.emplace(scene, console);
   } else {
     console.detail("the plug-in's own log goes where the installed logging facility puts it");
   }

@@ -3,22 +3,12 @@
 #include <unistd.h>
 
 #include <array>
-#include <cerrno>
 #include <exception>
-#include <iostream>
 
 namespace hvk3 {
-namespace {
 
-/// One write, so that it stands on a line of its own beside what the main thread tells.
-void tell(const std::string& text) {
-  std::cerr << program_invocation_short_name + (": script: " + text) + '\n' << std::flush;
-}
-
-}  // namespace
-
-ScriptFeed::ScriptFeed(Osv::simulator::Bench& bench)
-    : m_cBench(bench), m_cThread([this] { read_all(); }) {}
+ScriptFeed::ScriptFeed(Osv::simulator::Bench& bench, Console& console)
+    : m_cBench(bench), m_cConsole(console), m_cThread([this] { read_all(); }) {}
 
 ScriptFeed::~ScriptFeed() {
   m_cEnd.notify();
@@ -57,10 +47,10 @@ void ScriptFeed::run_lines() {
 void ScriptFeed::run(const std::string& line) {
   try {
     if (const std::string answer = m_cBench.run(line); !answer.empty()) {
-      tell(answer);
+      m_cConsole.message("script: " + answer);
     }
   } catch (const std::exception& failure) {
-    tell(failure.what());
+    m_cConsole.message(std::string("script: ") + failure.what());
   }
 }
 

@@ -3,6 +3,7 @@
 #include <string>
 #include <thread>
 
+#include "hvk3/console.h"
 #include "hvk3/wakeup.h"
 #include "ostrevanhvk3_simulator/bench.h"
 
@@ -12,12 +13,12 @@
 namespace hvk3 {
 
 /// Hands each line of standard input to the bench as it comes, until the input or this object ends.
-/// Answers, and lines that are not understood, are told on standard error; the next line counts
-/// all the same.
+/// Answers, and lines that are not understood, are told on the console; the next line counts all
+/// the same.
 class ScriptFeed {
  public:
-  /// @param bench outlives this object
-  explicit ScriptFeed(Osv::simulator::Bench& bench);
+  /// @param bench, console outlive this object
+  ScriptFeed(Osv::simulator::Bench& bench, Console& console);
 
   /// Ends the reading at once, also within a line.
   ~ScriptFeed();
@@ -31,6 +32,7 @@ class ScriptFeed {
   void run(const std::string& line);
 
   Osv::simulator::Bench& m_cBench;
+  Console& m_cConsole;
   const Wakeup m_cEnd;
   std::string m_sPending;  // the thread only: read, and not run yet
   std::thread m_cThread;   // last: it uses everything above

@@ -71,7 +71,7 @@ void set_scene(Bench& bench, const Scene& scene) {
 
 }  // namespace
 
-Simulation::Simulation(const Scene& scene) {
+Simulation::Simulation(const Scene& scene, Console& console) {
   const std::filesystem::path folder = folder_of(scene);
   // Recorded, the stand-ins are opened by the forwarders that stand in front of them.
   const std::size_t count = is_recorded_on(folder) ? 1 : kLibraries.size();
@@ -85,7 +85,7 @@ Simulation::Simulation(const Scene& scene) {
     throw Failure(ExitStatus::Usage, error.what());
   }
   if (scene.script == kStandardInput) {
-    m_cFeed.emplace(bench());
+    m_cFeed.emplace(bench(), console);
   }
 }
 

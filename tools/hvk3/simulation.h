@@ -17,9 +17,10 @@ namespace hvk3 {
 /// that is loaded behind them works on simulated scanners and touches no real library.
 class Simulation {
  public:
+  /// @param console outlives this object
   /// @throws Failure `PluginUnavailable` for stand-ins that can't be loaded, `Usage` for a scene
   ///   that can't be set
-  explicit Simulation(const Scene& scene);
+  Simulation(const Scene& scene, Console& console);
 
   /// What went wrong with the scenario's last line that could not be carried out; empty for
   /// nothing.
