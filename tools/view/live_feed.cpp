@@ -63,6 +63,11 @@ void LiveFeed::judge(std::optional<unsigned int> threshold) {
   m_bFakeInRow = false;
 }
 
+std::vector<std::string> LiveFeed::take_warnings() {
+  const std::lock_guard<std::mutex> lock(m_cLock);
+  return std::exchange(m_vWarnings, {});
+}
+
 std::optional<std::string> LiveFeed::error() const {
   const std::lock_guard<std::mutex> lock(m_cLock);
   return m_sError;
@@ -164,6 +169,12 @@ void LiveFeed::on_error(int /*handle*/, unsigned int /*channel*/, const char* te
 void LiveFeed::on_warning(int /*handle*/, unsigned int /*channel*/, const char* text, void* user) {
   LiveFeed& feed = feed_of(user);
   feed.m_cBoard.update([&](Status& status) { status.notice = warning_of(text); });
+  feed.tell("warning");
+  {
+    const std::lock_guard<std::mutex> lock(feed.m_cLock);
+    feed.m_vWarnings.emplace_back(text);
+  }
+  feed.m_cWakeup.notify();
 }
 
 /// Comes in front of the live image, but for an image that the owner takes: on its own thread.

@@ -23,7 +23,7 @@ namespace hvk3::view {
 class LiveFeed {
  public:
   /// @param settle of so many images of a finger the darkest is kept
-  /// @param wakeup is notified of an error
+  /// @param wakeup is notified of an error and of a warning
   LiveFeed(Plugin& plugin, Board& board, EventLog& events, const Wakeup& wakeup,
            unsigned int settle);
 
@@ -44,6 +44,9 @@ class LiveFeed {
 
   /// Whether the image that this thread has just taken shows a fake finger.
   bool took_fake() { return std::exchange(m_bTookFake, false); }
+
+  /// The texts of warnings that have come since this was asked.
+  std::vector<std::string> take_warnings();
 
   /// The text of the error that has ended capture.
   std::optional<std::string> error() const;
@@ -86,6 +89,7 @@ class LiveFeed {
   std::optional<unsigned int> m_nThreshold;
   bool m_bOldFrame = false;   // the next frame may have been fetched before judging began
   bool m_bFakeInRow = false;  // among the images of which one settles
+  std::vector<std::string> m_vWarnings;
   std::optional<std::string> m_sError;
   bool m_bAnnounced = false;
   std::vector<std::string> m_vEarly;  // events before the announcement

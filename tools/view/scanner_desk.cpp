@@ -115,6 +115,15 @@ void ScannerDesk::turn_to(const ListedScanner& scanner) {
   }
 }
 
+/// The window has them already: a callback must not wait for standard error.
+void ScannerDesk::tell_warnings() {
+  if (m_cFeed) {
+    for (const std::string& warning : m_cFeed->take_warnings()) {
+      m_cContext.console().message("warning: " + warning);
+    }
+  }
+}
+
 /// A frame grabber that was got anew has no memory of the scanner that went, whatever call was
 /// under way then.
 void ScannerDesk::lose(const Failure& failure) {
@@ -143,6 +152,7 @@ void ScannerDesk::lose(const Failure& failure) {
 }
 
 void ScannerDesk::part_from_scanner() {
+  tell_warnings();
   m_cFeed.reset();
   m_cContext.plugin().get_anew();
   m_cBoard.update([](Status& status) {
@@ -389,6 +399,7 @@ void ScannerDesk::look() {
 }
 
 void ScannerDesk::look_at_scanner() {
+  tell_warnings();
   if (m_eConnection == eConnection::Missing) {
     if (has_come_back()) {
       begin();

@@ -46,6 +46,7 @@ class ScannerDesk {
   std::optional<unsigned int> present() const;
   bool is_present_attached();
   bool has_come_back();
+  void tell_warnings();
   void lose(const Failure& failure);
   void part_from_scanner();
   void prepare();
