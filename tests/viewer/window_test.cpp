@@ -62,6 +62,15 @@ TEST_F(Window, WritesItsTextsIntoAllOfItsParts) {
   }
 }
 
+TEST_F(Window, WritesTheFrameRateAsLongAsThePictureIsLive) {
+  const SDL_Rect header = layout().header;
+  const SDL_Rect rate = {header.x + header.w * 2 / 3, 40, header.w / 3, 18};
+  start_capturing();
+  EXPECT_GT(picture().drawn(rate), 100);
+  press("space", "frozen");
+  EXPECT_EQ(picture().drawn(rate), 0);
+}
+
 TEST_F(Window, ShowsTheKeysAndHidesThemAgain) {
   start_capturing();
   const SDL_Rect box = layout().live.picture;
