@@ -8,6 +8,14 @@ if(NOT DEFINED CMAKE_INSTALL_LIBDIR
 endif()
 include(GNUInstallDirs)
 
+# What is installed may be moved as a whole, so that it has to find its parts from where it lies.
+foreach(folder IN ITEMS BINDIR INCLUDEDIR LIBDIR DATADIR)
+  if(IS_ABSOLUTE "${CMAKE_INSTALL_${folder}}")
+    message(FATAL_ERROR "CMAKE_INSTALL_${folder} is a folder below the prefix, without the prefix; "
+                        "it can't be ${CMAKE_INSTALL_${folder}}")
+  endif()
+endforeach()
+
 # No folders of the loader's: stand-ins and forwarders have the file names of the closed libraries.
 set(HVK3_INSTALL_SIMULATOR_DIR "${CMAKE_INSTALL_LIBDIR}/ostrevanhvk3/simulator")
 set(HVK3_INSTALL_RECORDER_DIR "${CMAKE_INSTALL_LIBDIR}/ostrevanhvk3/recorder")
