@@ -39,13 +39,14 @@ std::string framed(ClFutronicBaseSDK& device, Fetch fetch) {
   if (!device.GetImageSize(&size)) {
     return "no size";
   }
-  const std::string told = std::to_string(size.nWidth) + 'x' + std::to_string(size.nHeight);
+  std::string told = std::to_string(size.nWidth) + 'x' + std::to_string(size.nHeight);
   if (size.nWidth <= 0 || size.nHeight <= 0) {
     return told;
   }
   constexpr int kLargest = 200;
   require(size.nWidth <= kLargest && size.nHeight <= kLargest, "a frame has a size");
-  Buffer buffer = unwritten_bytes(static_cast<std::size_t>(size.nWidth * size.nHeight));
+  Buffer buffer = unwritten_bytes(static_cast<std::size_t>(size.nWidth) *
+                                  static_cast<std::size_t>(size.nHeight));
   return told + said(fetch(buffer), buffer);
 }
 

@@ -128,7 +128,7 @@ Block take_value(const FeatureCall& call, const unsigned char* room, std::size_t
   if (data == room) {
     return {room, room + size};
   }
-  const Block value(data, data + call.record.size);
+  Block value(data, data + call.record.size);
   LXSP_Free(data);
   return value;
 }
