@@ -111,10 +111,11 @@ TEST_F(MissingParts, LibrariesThatCannotBeLoadedAreNamed) {
   spoil("libostrevancalibratesdk.so", std::string(100, '-'));
   spoil("libostrevanfakefingerdetection.so", foreign_library());
   const Json libraries = expect_the_same_findings();
-  for (const auto& [place, why] :
-       {std::pair(0, "libKR9ScanAPI.so: file too short"),
-        std::pair(1, "libostrevancalibratesdk.so: invalid ELF header"),
-        std::pair(2, "libostrevanfakefingerdetection.so: wrong ELF class: ELFCLASS32")}) {
+  const Words reasons = {"libKR9ScanAPI.so: file too short",
+                         "libostrevancalibratesdk.so: invalid ELF header",
+                         "libostrevanfakefingerdetection.so: wrong ELF class: ELFCLASS32"};
+  for (std::size_t place = 0; place < reasons.size(); ++place) {
+    const std::string& why = reasons[place];
     EXPECT_THAT(libraries[place]["failure"].get<std::string>(), EndsWith(why));
     const std::string name = libraries[place]["name"];
     EXPECT_THAT(m_cRecorded.error, HasSubstr(name + " is there and can't be loaded: /"));
