@@ -207,7 +207,7 @@ void ClOstrevanHVK3SDK::GetLiveBitmap(ClFrameGrabberChannel& channel, ClSimpleBi
   if (outdated) {
     const unsigned long result = SetActiveChannel(channel, bitmap);
     if (result != 0) {
-      CheckScannerError(result);
+      JudgeScannerError(result);
       throw ClLXException("Failed to initialize KR9-scanner.", static_cast<int>(result));
     }
   }

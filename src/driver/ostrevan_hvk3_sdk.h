@@ -174,6 +174,10 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   /// for every other error and closes the scanner when it is gone.
   bool CheckScannerError(unsigned long error);
 
+  /// The same for a failed opening, behind which another thread may have opened the scanner: it is
+  /// not closed.
+  bool JudgeScannerError(unsigned long error);
+
   /// Stores number and text for the client. A text of up to 1024 characters needs no memory; a
   /// longer one is cut when there is none. @return the number stored
   /// @{
@@ -238,6 +242,11 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   std::vector<ClOstrevanHVK3Channel> m_cChannels;  // constant; the elements have rules of their own
   void* const m_pContext;
   CXMutex m_cLock;
+
+  // Held to close or change the scanner, and from the look at a bitmap until the frame is in it.
+  // Neither this one nor m_cOpeningLock while joining, nor during a client's callback.
+  std::recursive_mutex m_cUnitLock;
+
   TXRelaxed<double> m_dLifeness = 0.0;
   TXRelaxed<int> m_nLifenessState = 0;
   TXRelaxed<unsigned int> m_nActiveScanner = kNoActiveScanner;
@@ -301,10 +310,6 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
 
   CXEventLock m_cEventLock{m_cLock};
   mutable std::mutex m_cErrorLock;  // leaf
-
-  // Held to close or change the scanner, and from the look at a bitmap until the frame is in it.
-  // Neither this one nor the next while joining, nor during a client's callback.
-  std::recursive_mutex m_cUnitLock;
 
   // Held to open, close or change the scanner, and while a frame is asked of a closed one.
   std::recursive_mutex m_cOpeningLock;

@@ -42,11 +42,21 @@ constexpr std::array<ScannerText, 4> kScannerTexts = {{
      error_text::ScannerAuthorization},
 }};
 
+bool is_gone(unsigned long error) {
+  return error == error_number::NotConnected || error == kErrorDeviceGone;
+}
+
 }  // namespace
 
 bool ClOstrevanHVK3SDK::CheckScannerError(unsigned long error) {
-  if (error == error_number::NotConnected || error == kErrorDeviceGone) {
+  if (is_gone(error)) {
     UninitializeScanner();
+  }
+  return JudgeScannerError(error);
+}
+
+bool ClOstrevanHVK3SDK::JudgeScannerError(unsigned long error) {
+  if (is_gone(error)) {
     const ErrorText text("KR9 scanner is disconnected from the host, error: ",
                          error_number::NotConnected);
     SetLastFGError(error, text.get());

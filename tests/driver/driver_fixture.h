@@ -42,6 +42,7 @@ struct Driver : ClOstrevanHVK3SDK {
   using ClOstrevanHVK3SDK::m_cRawBitmap;
   using ClOstrevanHVK3SDK::m_cSDKInfo;
   using ClOstrevanHVK3SDK::m_cSetting;
+  using ClOstrevanHVK3SDK::m_cUnitLock;
   using ClOstrevanHVK3SDK::m_dLifeness;
   using ClOstrevanHVK3SDK::m_nActiveChannel;
   using ClOstrevanHVK3SDK::m_nActiveScanner;

@@ -267,6 +267,24 @@ TEST_F(MeetingOpenings, AFrameThatOpensTheScannerKeepsNobodyWaitingForIt) {
   });
 }
 
+TEST_F(MeetingOpenings, AFailedOneClosesNoScannerThatAnotherHasOpenedSince) {
+  open();
+  driver.UninitializeScanner();
+  bench.set_faults("ftrScanOpenDeviceOnInterface fails with 31");
+  unsigned int opened = 0;
+  {
+    // Behind that of the frame and that of its preparation only a closing would take it.
+    const BeforeLock third(driver.m_cUnitLock.native_handle(), 3, [this, &opened] {
+      bench.set_faults("");
+      std::thread([this] { EXPECT_EQ(driver.InitializeScanner(), 0UL); }).join();
+      opened = 1;
+    });
+    ClSimpleBitmap bitmap;
+    EXPECT_THROW(driver.GetLiveBitmap(driver.channel(), bitmap), ClLXException);
+  }
+  EXPECT_EQ(bench.state(0).open_handles, opened);
+}
+
 TEST_F(MeetingOpenings, AnOpeningDoesNotFallIntoTheMidstOfAChange) {
   open();
   auto change =
