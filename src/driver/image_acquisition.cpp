@@ -194,17 +194,26 @@ bool ClOstrevanHVK3SDK::FuzzyImage(unsigned char* pixels) {
   return true;
 }
 
+/// An open scanner can only be closed, so openings need not wait for its frame.
+UnitHold ClOstrevanHVK3SDK::HoldUnit() {
+  UnitHold hold(m_cUnitLock);
+  if (!m_bInitialized) {
+    hold.KeepOpeningsOut(m_cOpeningLock);
+    if (m_bInitialized) {
+      hold.LetOpeningsIn();  // one came first
+    }
+  }
+  return hold;
+}
+
 void ClOstrevanHVK3SDK::GetLiveBitmap(ClFrameGrabberChannel& channel, ClSimpleBitmap& bitmap) {
   const Guard guard(m_cLock);
-  UnitHold hold(m_cUnitLock, m_cOpeningLock);
+  UnitHold hold = HoldUnit();
   // Another thread may have opened or closed a scanner since this bitmap was shaped. A preparation
   // that fails is judged as a fetch through the dead handle would have been: without a scanner this
   // is a disconnection.
-  const bool outdated = NeedsPreparation(channel, bitmap);
-  if (outdated || m_bInitialized) {
+  if (NeedsPreparation(channel, bitmap)) {
     hold.LetOpeningsIn();
-  }
-  if (outdated) {
     const unsigned long result = SetActiveChannel(channel, bitmap);
     if (result != 0) {
       JudgeScannerError(result);
@@ -348,10 +357,7 @@ void ClOstrevanHVK3SDK::GetRowLiveBitmap(ClSimpleBitmap& bitmap) {
 }
 
 void ClOstrevanHVK3SDK::SnapRefImage(ClSimpleBitmap& bitmap) {
-  UnitHold hold(m_cUnitLock, m_cOpeningLock);  // size and frame are to come from the same unit
-  if (m_bInitialized) {
-    hold.LetOpeningsIn();
-  }
+  const UnitHold hold = HoldUnit();  // size and frame are to come from the same unit
   CreateRaw(bitmap, ReadImageSize());
   bitmap.SetResolution(m_cnDotsPerInch, m_cnDotsPerInch);
   FuzzyImage(bitmap.Pixel());

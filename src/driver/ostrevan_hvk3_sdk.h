@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -215,6 +216,9 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   /// @name Steps of a frame, with `m_cLock` held by the caller
   /// @{
 
+  /// From the look at a bitmap until the frame is in it.
+  [[nodiscard]] UnitHold HoldUnit();
+
   /// @param hold since the bitmap was looked at; let go once the frame is fetched
   void CaptureBmp(ClSimpleBitmap& bitmap, UnitHold& hold);
   void CaptureLDBmp(ClSimpleBitmap& bitmap, UnitHold& hold);
@@ -238,7 +242,8 @@ class ClOstrevanHVK3SDK : public ClFramegrabberSDK {
   CXSetting m_cSetting;      // constant
   ClXEvents m_cEvents;
   ClSimpleBitmap m_cRawBitmap;  // guarded by m_cLock
-  TXRelaxed<bool> m_bInitialized = false;
+  // Not relaxed: who finds it set without a lock is to find the whole opening.
+  std::atomic<bool> m_bInitialized = false;
   std::vector<ClOstrevanHVK3Channel> m_cChannels;  // constant; the elements have rules of their own
   void* const m_pContext;
   CXMutex m_cLock;

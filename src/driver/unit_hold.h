@@ -5,26 +5,30 @@
 namespace Osv::lx {
 
 /// Keeps the unit that a frame is fetched from, since another one may have larger frames: an open
-/// scanner can't be closed meanwhile, and a closed one can't be opened.
+/// scanner can't be closed meanwhile, and with openings kept out a closed one can't be opened.
 class UnitHold {
  public:
-  UnitHold(std::recursive_mutex& unit, std::recursive_mutex& opening)
-      : m_cUnit(unit), m_cOpening(opening) {}
+  explicit UnitHold(std::recursive_mutex& unit) : m_cUnit(unit) {}
 
-  /// For a scanner that is open, or will be before the fetch: openings wait for no frame.
-  void LetOpeningsIn() { m_cOpening.unlock(); }
+  void KeepOpeningsOut(std::recursive_mutex& opening) { m_cOpening = Lock(opening); }
 
-  /// Once the frame is fetched, or can't be.
-  void LetGo() {
+  void LetOpeningsIn() {
     if (m_cOpening.owns_lock()) {
       m_cOpening.unlock();
     }
+  }
+
+  /// Once the frame is fetched, or can't be.
+  void LetGo() {
+    LetOpeningsIn();
     m_cUnit.unlock();
   }
 
  private:
-  std::unique_lock<std::recursive_mutex> m_cUnit;
-  std::unique_lock<std::recursive_mutex> m_cOpening;
+  using Lock = std::unique_lock<std::recursive_mutex>;
+
+  Lock m_cUnit;
+  Lock m_cOpening;
 };
 
 }  // namespace Osv::lx
