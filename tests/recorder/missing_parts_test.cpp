@@ -37,6 +37,18 @@ class MissingParts : public RecordedTool {
   /// As on a machine with words of 32 bits.
   static std::string foreign_library() { return "\177ELF\1" + std::string(59, '\0'); }
 
+  static void link(const std::string& name, const std::filesystem::path& path) {
+    std::filesystem::create_symlink(std::string(HVK3_SIMULATOR_DIR) + '/' + name, path);
+  }
+
+  /// @param needed a name as long as the simulator's
+  static std::string scanner_library_that_needs(const std::string& needed) {
+    std::string library =
+        read_file(std::string(HVK3_SIMULATOR_DIR) + "/variants/ftrScanGetVersion/libKR9ScanAPI.so");
+    EXPECT_EQ(needed.size(), sizeof(kSimulator) - 1);
+    return library.replace(library.find(kSimulator), needed.size(), needed);
+  }
+
   /// Records what the doctor finds of the libraries of the folder, and plays it.
   Json expect_the_same_findings() {
     m_cRecorded = tool({"record", recording(), "--real-dir", libraries(), "--", HVK3_BARE_TOOL,
@@ -70,10 +82,6 @@ class MissingParts : public RecordedTool {
   static constexpr char kSimulator[] = "libostrevan-simulator.so";
 
  private:
-  static void link(const std::string& name, const std::filesystem::path& path) {
-    std::filesystem::create_symlink(std::string(HVK3_SIMULATOR_DIR) + '/' + name, path);
-  }
-
   /// A loader's message has the folder of the forwarders, which is another one each time.
   static std::string without_folders(const std::string& text) {
     return std::regex_replace(text, std::regex("/hvk3-\\w{6}/"), "/");
@@ -140,12 +148,18 @@ TEST_F(MissingParts, ALibraryFindsWhatItNeedsInItsFolder) {
 }
 
 TEST_F(MissingParts, ALibraryThatNeedsOneThatIsNotThereIsNamed) {
-  std::string library = read_file(std::string(HVK3_SIMULATOR_DIR) + "/libKR9ScanAPI.so");
-  library.replace(library.find(kSimulator), sizeof(kSimulator) - 1, "libostrevan-is-absent.so");
-  spoil("libKR9ScanAPI.so", library);
+  spoil("libKR9ScanAPI.so", scanner_library_that_needs("libostrevan-is-absent.so"));
   EXPECT_EQ(expect_the_same_findings()[0]["failure"],
             "libostrevan-is-absent.so: cannot open shared object file: No such file or directory");
   EXPECT_THAT(m_cPlayed.error, HasSubstr("libKR9ScanAPI.so was there and could not be loaded: "));
+}
+
+// Else the program would load it and what needs it, and nothing of that would be recorded.
+TEST_F(MissingParts, WhatTheRecorderDoesNotFindByItsNameTheProgramDoesNotFindEither) {
+  spoil("libKR9ScanAPI.so", scanner_library_that_needs("libostrevan-othername.so"));
+  link(kSimulator, libraries() / "libostrevan-othername.so");
+  EXPECT_EQ(expect_the_same_findings()[0]["failure"],
+            "libostrevan-othername.so: cannot open shared object file: No such file or directory");
 }
 
 TEST_F(MissingParts, WhatALibraryNeededIsNotFoundOnThisMachineEither) {

@@ -39,6 +39,10 @@ class Opener {
     while (library == nullptr && open_what_is_missing()) {
       library = open_alone(name);
     }
+    if (library == nullptr) {
+      // Opened, and not found by its name all the same: the program is not to find it either.
+      m_cNeeded.erase(missing_file(m_sFailure));
+    }
     return library;
   }
 
@@ -47,8 +51,9 @@ class Opener {
 
   /// Whether the failure is another one than that this library is not there.
   bool is_there(const std::string& name) const {
+    std::error_code hidden;  // a folder that nobody may search has none
     return m_cFolder.empty() ? missing_file(m_sFailure) != name
-                             : std::filesystem::exists(m_cFolder / name);
+                             : std::filesystem::exists(m_cFolder / name, hidden);
   }
 
   /// What was needed, by name.
