@@ -361,8 +361,9 @@ void ScannerDesk::go_to_next_scanner() {
     return;
   }
   part_from_scanner();
-  const auto next = std::find_if(places.begin(), places.end(),
-                                 [this](unsigned int interface) { return choose(interface); });
+  const auto next = std::find_if(places.begin(), places.end(), [this](unsigned int interface) {
+    return choose(interface) && is_attached(grabber(), interface);
+  });
   if (next != places.end()) {
     turn_to(find_scanner(grabber(), *next));
   }
