@@ -9,7 +9,7 @@ endif()
 include(GNUInstallDirs)
 
 # What is installed may be moved as a whole, so that it has to find its parts from where it lies.
-foreach(folder IN ITEMS BINDIR INCLUDEDIR LIBDIR DATADIR)
+foreach(folder IN ITEMS BINDIR INCLUDEDIR LIBDIR DATADIR MANDIR DOCDIR)
   if(IS_ABSOLUTE "${CMAKE_INSTALL_${folder}}")
     message(FATAL_ERROR "CMAKE_INSTALL_${folder} is a folder below the prefix, without the prefix; "
                         "it can't be ${CMAKE_INSTALL_${folder}}")
