@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <system_error>
 
 #include "hvk3/failure.h"
 #include "hvk3/recording/forwarder_folder.h"
@@ -15,7 +16,10 @@ namespace variable = Osv::recorder::variable;
 using Osv::recorder::ReplayReport;
 
 std::string path_of(const std::string& recording) {
-  return std::filesystem::absolute(recording).string();
+  std::error_code unreadable;  // who opens it tells why
+  const std::filesystem::path path = std::filesystem::absolute(recording);
+  const std::filesystem::path real = std::filesystem::weakly_canonical(path, unreadable);
+  return (unreadable ? path : real).string();
 }
 
 RecordingSummary examine(const std::string& path) {
