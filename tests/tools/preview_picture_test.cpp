@@ -7,12 +7,7 @@ namespace {
 /// ridges can be told apart.
 class PreviewPicture : public Tool {
  protected:
-  PreviewPicture() {
-    ::setenv("TERM", "xterm", 1);
-    ::setenv("LC_ALL", "C.UTF-8", 1);
-    ::unsetenv("COLORTERM");
-    ::unsetenv("NO_COLOR");
-  }
+  PreviewPicture() { set_usual_terminal(); }
 
   /// A finger comes behind frame 15, lies from 26 to 70 and has gone behind 75. Capture stands
   /// still at the frames 3, 43 and 83, and goes on with `go_on`.

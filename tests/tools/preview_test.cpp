@@ -17,12 +17,7 @@ const Words kStandstill = {"--faults",
 
 class Preview : public Tool {
  protected:
-  Preview() {
-    ::setenv("TERM", "xterm", 1);
-    ::setenv("LC_ALL", "C.UTF-8", 1);
-    ::unsetenv("COLORTERM");
-    ::unsetenv("NO_COLOR");
-  }
+  Preview() { set_usual_terminal(); }
 
   static Words preview(const Words& more = {}) {
     Words words = {"--preview"};

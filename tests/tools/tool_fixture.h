@@ -32,6 +32,14 @@ class Tool : public testing::Test {
  protected:
   Tool() { ::setenv("LD_PRELOAD", HVK3_NO_CONFIGURATION_FILE, 1); }
 
+  /// A terminal with UTF-8 that names no colours, whatever the tests are run in.
+  static void set_usual_terminal() {
+    ::setenv("TERM", "xterm", 1);
+    ::setenv("LC_ALL", "C.UTF-8", 1);
+    ::unsetenv("COLORTERM");
+    ::unsetenv("NO_COLOR");
+  }
+
   /// @param name of the command, with a blank behind its group
   static Words command(const std::string& name, const Words& more) {
     Words words = {HVK3_TOOL};

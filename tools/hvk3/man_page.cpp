@@ -104,7 +104,7 @@ void add_options(std::ostream& page, const CLI::App& command) {
   }
 }
 
-/// What the help has behind the command's words, placeholders in italics.
+/// What the help has behind the command's words, with the names of arguments in italics.
 std::string usage_of(const CLI::App& command) {
   const std::string help = command.help();
   const std::size_t begin = help.find(" [OPTIONS]", help.find("\nUsage: "));
