@@ -1,18 +1,28 @@
 #include "recorder/format/recording.h"
 
+#include <algorithm>
+#include <array>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
+#include "recorder/format/arguments.h"
+#include "recorder/format/check_sum.h"
 #include "support/recording_writer.h"
 #include "support/target.h"
 
 /// @file
 /// Files that should be recordings: they are read, up to where they are torn, or refused with a
-/// text that tells why.
+/// text that tells why. What is written of any calls is read as it was.
 
 namespace Osv::fuzz {
 namespace {
 
+using recorder::Arguments;
+using recorder::CallHead;
 using recorder::DamagedRecording;
+using recorder::eFunction;
+using recorder::Header;
 using recorder::Recording;
 
 void read_answers(Recording& recording) {
@@ -34,8 +44,13 @@ void read(const std::string& path) {
   }
 }
 
+void read_file(Input& input) {
+  const ScratchFile file(input.rest());
+  read(file.path());
+}
+
 /// Blocks with good check sums; the entries in them are the input's.
-void read_entries(Input input) {
+void read_entries(Input& input) {
   RecordingWriter writer;
   if (input.below(2) == 0) {
     writer.header(true);
@@ -48,16 +63,193 @@ void read_entries(Input input) {
   read(writer.path());
 }
 
+// What is written and read again.
+
+/// A text of at most so many times 16 characters, without a zero.
+std::string any_text(Input& input, unsigned int most) {
+  std::string text = input.text(std::size_t{16} * input.below(most));
+  std::replace(text.begin(), text.end(), '\0', ' ');
+  return text;
+}
+
+Header any_header(Input& input) {
+  Header header;
+  header.pixels = input.below(2) == 0;
+  header.seconds = input.number<std::int64_t>();
+  const auto flags = input.number<std::uint64_t>();
+  for (std::size_t i = 0; i < header.present.size(); ++i) {
+    header.present[i] = (flags >> i & 1) != 0;
+  }
+  for (std::size_t i = 0; i < header.exported.size(); ++i) {
+    header.exported[i] = (flags >> i % 7 & 1) != 0;
+  }
+  for (std::string& failure : header.failures) {
+    failure = any_text(input, 40);
+  }
+  return header;
+}
+
+/// A call as it is given to a recorder.
+struct Written {
+  CallHead head;
+  recorder::Bytes arguments;
+  std::string words;
+  recorder::Bytes answer;
+};
+
+// Each adds an argument, and returns what is told of it.
+
+std::string add_handle(Arguments& arguments, Input& input) {
+  constexpr std::uint8_t kUnknown = 255;
+  const std::uint8_t number = input.byte();
+  arguments.handle(number == kUnknown ? recorder::kUnknownHandle : number);
+  return number == kUnknown ? "unknown handle"
+         : number == 0      ? "null handle"
+                            : "handle " + std::to_string(number);
+}
+
+std::string add_number(Arguments& arguments, Input& input) {
+  const auto number = input.number<std::int64_t>();
+  arguments.number(number);
+  return std::to_string(number);
+}
+
+std::string add_pointer(Arguments& arguments, Input& input) {
+  const bool is_null = input.below(2) != 0;
+  arguments.pointer(is_null ? nullptr : &input);
+  return is_null ? "null" : "buffer";
+}
+
+std::string add_text(Arguments& arguments, Input& input) {
+  constexpr std::size_t kLongest = 1000;
+  const std::string text = any_text(input, 80);
+  arguments.text(text.c_str());
+  const auto* const first = reinterpret_cast<const unsigned char*>(text.data());
+  return "'" + recorder::printable({first, std::min(text.size(), kLongest)}) +
+         (text.size() > kLongest ? "'..." : "'");
+}
+
+std::string add_no_text(Arguments& arguments, Input& /*input*/) {
+  arguments.text(nullptr);
+  return "null";
+}
+
+std::string add_data(Arguments& arguments, Input& input) {
+  const std::string bytes = input.text(input.byte());
+  arguments.data(bytes.data(), bytes.size());
+  const std::uint32_t sum = recorder::check_sum(bytes.data(), bytes.size());
+  return std::to_string(bytes.size()) + " bytes of sum " + std::to_string(sum % 100000);
+}
+
+std::string add_no_data(Arguments& arguments, Input& input) {
+  const std::uint8_t size = input.byte();
+  arguments.data(nullptr, size);
+  return "null, " + std::to_string(size) + " bytes";
+}
+
+std::string any_argument(Arguments& arguments, Input& input) {
+  constexpr std::array kKinds = {&add_handle,  &add_number, &add_pointer, &add_text,
+                                 &add_no_text, &add_data,   &add_no_data};
+  return kKinds[input.below(kKinds.size())](arguments, input);
+}
+
+Written any_call(Input& input) {
+  constexpr unsigned int kMostArguments = 4;  // which leaves room for as many of the longest texts
+  Written call;
+  call.head.function = static_cast<eFunction>(input.byte() % recorder::kFunctionCount);
+  call.head.thread = input.number<std::uint32_t>();
+  call.head.begin = input.number<std::uint64_t>();
+  call.head.duration = input.number<std::uint64_t>();
+  Arguments arguments;
+  for (unsigned int i = input.below(kMostArguments + 1); i != 0; --i) {
+    call.words += (call.words.empty() ? "" : ", ") + any_argument(arguments, input);
+  }
+  call.words = std::string(name_of(call.head.function)) + "(" + call.words + ")";
+  call.arguments = arguments.encoded();
+  const Bytes answer = input.bytes(input.byte());
+  call.answer.assign(answer.begin(), answer.end());
+  return call;
+}
+
+void write(RecordingWriter& writer, const Written& call) {
+  recorder::Bytes entry;
+  recorder::append_call(entry, call.head, call.arguments);
+  entry.insert(entry.end(), call.answer.begin(), call.answer.end());
+  writer.block(entry);
+}
+
+void require_same(const Header& header, const Header& read) {
+  constexpr std::size_t kLongestFailure = 500;
+  require(header.pixels == read.pixels && header.seconds == read.seconds &&
+              header.present == read.present && header.exported == read.exported,
+          "a header is read as it was written");
+  for (std::size_t i = 0; i < header.failures.size(); ++i) {
+    require(read.failures[i].size() == std::min(header.failures[i].size(), kLongestFailure),
+            "a failure is told as far as there is room");
+  }
+}
+
+void require_same(const Written& written, Recording& recording, const Recording::Call& read) {
+  require(written.head.function == read.head.function && written.head.thread == read.head.thread &&
+              written.head.begin == read.head.begin && written.head.duration == read.head.duration,
+          "a call is read as it was written");
+  require(recorder::hash_of(written.arguments) == read.arguments, "and so are its arguments");
+  require(recording.in_words(read) == written.words, "which are told by what they are");
+  recorder::Bytes answer;
+  recording.read_answer(read, answer);
+  require(written.answer == answer, "and its answer");
+}
+
+void write_and_read(Input& input) {
+  RecordingWriter writer;
+  const Header header = any_header(input);
+  recorder::Bytes entry;
+  recorder::append_header(entry, header);
+  writer.block(entry);
+  std::vector<Written> calls;
+  while (input.left() > 1) {
+    calls.push_back(any_call(input));
+    write(writer, calls.back());
+  }
+  const std::string why(input.byte(), 'w');
+  entry.clear();
+  recorder::append_end(entry, why);
+  writer.block(entry);
+
+  Recording recording(writer.path());
+  require_same(header, recording.header());
+  require(recording.calls().size() == calls.size(), "no call is missing");
+  for (std::size_t i = 0; i < calls.size(); ++i) {
+    require_same(calls[i], recording, recording.calls()[i]);
+  }
+  require(recording.end() == why && !recording.torn(), "the end is that which was written");
+}
+
+/// What is larger than any entry is refused before it is written.
+void write_too_much(Input& input) {
+  RecordingWriter writer;
+  writer.header(true);
+  const std::size_t size = recorder::kLargestBlock + 1 + input.byte();
+  try {
+    writer.block(recorder::Bytes(size));
+    require(false, "an entry has its limits");
+  } catch (const std::length_error&) {
+    require(Recording(writer.path()).calls().empty(), "and nothing of it is written");
+  }
+}
+
 }  // namespace
 
-/// The first byte chooses what the others are: a file, or entries.
+/// The first byte chooses what the others are.
 void run(Input input) {
-  if (input.below(2) == 0) {
-    const ScratchFile file(input.rest());
-    read(file.path());
-  } else {
-    read_entries(input);
+  constexpr unsigned int kRare = 255;  // 8 MiB at a time
+  const std::uint8_t form = input.byte();
+  if (form == kRare) {
+    write_too_much(input);
+    return;
   }
+  constexpr std::array kSubjects = {&read_file, &read_entries, &write_and_read};
+  kSubjects[form % kSubjects.size()](input);
 }
 
 }  // namespace Osv::fuzz

@@ -442,18 +442,31 @@ def recording():
     for name, contents in entries.items():
         for begin in range(2):
             yield f"{name} {begin}", bytes((1, begin)) + b"".join(bytes((len(each),)) + each for each in contents)
+    header = b"\0" + bytes(8) + b"\x55" * 8 + b"\2no libengine.so, says the loader" + b"\x27" + b"x" * 624 + b"\0\0"
+    arguments = [b"\0\1", b"\0\xff", b"\0\0", b"\1" + bytes(8), b"\2\0", b"\2\1", b"\3\1sixteen letters!", b"\3\x3f" + b"y" * 1008, b"\4", b"\5\4data", b"\6\7"]
+    call = lambda *these: b"\3" + bytes(20) + bytes((len(these),)) + b"".join(these) + b"\6answer"
+    yield "written", b"\2" + header + call() + b"".join(call(each) for each in arguments) + call(*arguments[:4]) + call(*arguments[-4:]) + b"\x64"
+    yield "too large", b"\xff\1"
 
 
 def replay():
-    # By their places: open, size, frame, memory, serial, secret, close, create, calibrate, option, text, delete, create, score, property, destroy.
+    # By their places: open, size, frame, memory, serial, secret, close, create, calibrate, option, text, delete, create, score, property, destroy;
+    # then the others of the scanner, five that can't be played, the engine, the detector and the log.
     status, code, some = struct.pack("<i", 1), bytes(8), lambda size: struct.pack("<Q", size) + b"x" * size
     good = [
         struct.pack("<I", 1), status + struct.pack("<ii", 4, 3), status + some(12), status + some(64), status + b"HVK30001", status + b"\1", status,
         struct.pack("<I", 1), code + struct.pack("<Q", 60) + some(60), code + struct.pack("<QQ", 8, 8) + b"Enabled\0", b"\4\0text", b"\1",
         code + struct.pack("<I", 1), code + bytes(8), code + struct.pack("<Q", 64) + some(64), code + b"\1",
     ]
-    call = lambda operation, answer, differs=0, thread=0: bytes((operation, differs, thread, len(answer))) + answer
+    length = lambda answer: bytes((len(answer),)) if len(answer) < 255 else b"\xff" + struct.pack("<H", len(answer))
+    call = lambda operation, answer, differs=0, thread=0: bytes((operation, differs, thread)) + length(answer) + answer
+    others = [
+        status, status + b"flag", status + bytes(9), *[status + some(12)] * 3, status, status, status + b"control", status, status + bytes(512), status, status,
+        b"\2\0\0\0", b"", status + b"\4\0\0\0", status, status + bytes(28), status, status, *[b"\1" + bytes(7)] * 5,
+        code, code + bytes(8), code, *[code] * 5, b"\4\0text", b"", b"",
+    ]
     session = [call(operation, answer) for operation, answer in enumerate(good)]
+    opened = b"".join(session[place] for place in (0, 1, 7, 12))
     for pixels in range(2):
         yield f"session {pixels}", bytes((pixels,)) + b"".join(session)
         for operation, answer in enumerate(good):
@@ -461,6 +474,9 @@ def replay():
             for name, wrong in (("failed", bytes(len(answer))), ("cut", answer[:-1]), ("long", answer + b"x"), ("large", answer[:4] + b"\xff" * 16), ("text", b"\xff\xff")):
                 yield f"{name} {operation} {pixels}", bytes((pixels,)) + front + call(operation, wrong) + session[0]
             yield f"other {operation} {pixels}", bytes((pixels,)) + front + call(operation, answer, 7)
+        for operation, answer in enumerate(others, len(good)):
+            for name, content in (("good", answer), ("failed", bytes(len(answer))), ("cut", answer[:-1]), ("long", answer + b"x"), ("code", b"\xfb" + b"\xff" * 7)):
+                yield f"{name} {operation} {pixels}", bytes((pixels,)) + opened + call(operation, content) + session[6]
     frames = b"".join(call(2, good[2], 0, 1) for _ in range(3))
     size = lambda width, height: call(1, status + struct.pack("<ii", width, height))
     frame = call(2, status + some(96))
