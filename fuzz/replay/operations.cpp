@@ -214,7 +214,7 @@ Arguments with_text_and_room(Arguments arguments) {
   return arguments.text("name").pointer(&kGiven).number(kRoom);
 }
 
-// The first ones have their places in the seeds.
+// Seeds know them by their places.
 const std::array kOperations = {
     Operation{eFunction::ftrScanOpenDeviceOnInterface, &of_number, &open},
     Operation{eFunction::ftrScanGetImageSize, &of_scanner_and_buffer, &ask_for_size},
