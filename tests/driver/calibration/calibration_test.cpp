@@ -156,6 +156,19 @@ TEST_F(CorrectedBitmap, ThatDoesNotLieInItsBufferIsMinus1) {
   }
 }
 
+TEST_F(CorrectedBitmap, ThatHasNoRoomForItsHeaderIsMinus1) {
+  m_loader.give("Calibrate", reinterpret_cast<void*>(+[](void*, const tagBITMAPINFOHEADER*,
+                                                         unsigned long, tagBITMAPINFOHEADER*,
+                                                         unsigned long*) -> long { return 0; }));
+  build();
+  for (const unsigned long size : {1UL, 39UL}) {
+    m_block = std::vector<unsigned char>(size);  // in which a look at the header would be noticed
+    const auto failure = engine_failure([&] { calibrate(size); });
+    EXPECT_EQ(failure.GetErrorNumber(), -1) << size;
+    EXPECT_STREQ(failure.GetDescription(), kNoSize) << size;
+  }
+}
+
 TEST_F(CorrectedBitmap, WithLessThanAByteForAPixelIsMinus1) {
   constexpr std::uint16_t kDepths[] = {0, 1, 4};
   for (const std::uint16_t depth : kDepths) {
