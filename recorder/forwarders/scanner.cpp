@@ -102,13 +102,16 @@ OSV_FORWARDER void* ftrScanOpenDeviceOnInterface(int interface) {
       [](Answer& answer, void*& handle) { answer.new_handle(handle, devices()); });
 }
 
-// Its result is one that nobody reads, and so may be none at all.
-OSV_FORWARDER int ftrScanCloseDevice(void* handle) {
+// Nobody reads its result. What a library without one happens to leave in its place may be
+// anything, part of an address or of protected bytes, and is not written down: a 0 stands there.
+OSV_FORWARDER void ftrScanCloseDevice(void* handle) {
   constexpr auto kFunction = eFunction::ftrScanCloseDevice;
   const Arguments arguments = on_handle(devices(), handle);
   devices().forget(handle);  // another thread may be given it as soon as it is closed
-  return status_call(kFunction, arguments,
-                     [&] { return real<decltype(ftrScanCloseDevice)>(kFunction)(handle); });
+  status_call(kFunction, arguments, [&] {
+    real<decltype(ftrScanCloseDevice)>(kFunction)(handle);
+    return 0;
+  });
 }
 
 OSV_FORWARDER int ftrScanSetOptions(void* handle, std::uint32_t mask, std::uint32_t flags) {
