@@ -125,9 +125,18 @@ void refuse_allocations(Refusal refuses) { s_pfnRefuses = refuses; }
 
 #else
 
-#include <sanitizer/allocator_interface.h>
-
 #include <atomic>
+#include <cstddef>
+
+// Of every sanitizer's runtime; only clang has a header for them.
+// NOLINTBEGIN(bugprone-reserved-identifier)
+extern "C" {
+std::size_t __sanitizer_get_allocated_size(const volatile void* block);
+int __sanitizer_install_malloc_and_free_hooks(void (*malloc_hook)(const volatile void*,
+                                                                  std::size_t),
+                                              void (*free_hook)(const volatile void*));
+}
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace Osv::faults {
 namespace {
@@ -137,8 +146,7 @@ std::atomic<long> s_nBytes = 0;
 
 void count(const volatile void* block, long sign) {
   s_nBlocks += sign;
-  s_nBytes +=
-      sign * static_cast<long>(__sanitizer_get_allocated_size(const_cast<const void*>(block)));
+  s_nBytes += sign * static_cast<long>(__sanitizer_get_allocated_size(block));
 }
 
 void on_malloc(const volatile void* block, std::size_t /*size*/) {
