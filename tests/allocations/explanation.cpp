@@ -47,6 +47,11 @@ std::vector<Explanation> ways_of(const DriverModel& model, const Step& step,
     ways.back().model.make_dummy();
     return ways;
   }
+  if (step.what == eStep::GetFeature && step.value == faults::kNoRoom && !failures.empty()) {
+    ways.push_back({ways.front().model,
+                    faults::in_words(step, lx::error_number::NotEnoughStorage, "", "*"),
+                    "a feature without its value"});
+  }
   for (const FailedAllocation& failed : failures) {
     for (const End& end : ends_of(failed)) {
       Explanation way = {model, "", end.words};

@@ -12,6 +12,7 @@
 #include "ostrevanhvk3/enumerations.h"
 #include "ostrevanhvk3/feature.h"
 #include "ostrevanhvk3/image_block.h"
+#include "ostrevanhvk3/module_exception.h"
 #include "support/sleeps.h"
 
 namespace Osv::faults {
@@ -295,8 +296,25 @@ unsigned long Client::feature(const Step& step, std::string& value) {
   if (step.what == eStep::SetFeature) {
     return m_pPlugin->set_feature()(kChannel, &record);
   }
+  if (step.value == kNoRoom) {
+    return allocated_feature(step, value);
+  }
   const unsigned long result = m_pPlugin->get_feature()(kChannel, &record);
   value = is_format && result == 0 ? std::to_string(bytes[0]) : "";
+  return result;
+}
+
+unsigned long Client::allocated_feature(const Step& step, std::string& value) {
+  osvlx3_feature record{step.number, 0, 0, 0, nullptr};
+  unsigned long result = 0;
+  try {
+    result = m_pPlugin->get_feature()(kChannel, &record);
+  } catch (const lx::CLX3ModuleException& refusal) {
+    return refusal.value();
+  }
+  const auto* const read = static_cast<const unsigned char*>(record.data);
+  value = result != 0 ? "" : std::to_string(read == nullptr ? kUnread : *read);
+  m_pPlugin->free()(record.data);
   return result;
 }
 

@@ -66,6 +66,7 @@ class Client {
   unsigned long snap(std::string& value);
   unsigned long property(const Step& step, std::string& value);
   unsigned long feature(const Step& step, std::string& value);
+  unsigned long allocated_feature(const Step& step, std::string& value);
   unsigned long contamination(std::string& value);
   unsigned long frame_info(std::string& value);
   unsigned long capture(const Step& step, std::string& value);

@@ -28,7 +28,7 @@ enum class eStep {
   SetProperty,    ///< property `number` to `value`
   GetProperty,    ///< property `number`
   SetFeature,     ///< feature `number`
-  GetFeature,     ///< feature `number`
+  GetFeature,     ///< feature `number`, into room of the client's or, for `kNoRoom`, the plug-in's
   Contamination,  ///< how dirty the platen is
   FrameInfo,      ///< what the last frame was scored with
   Unplug,         ///< the scanner at interface `number`
@@ -36,6 +36,9 @@ enum class eStep {
   GetAgain,       ///< destroys the frame grabber and gets it again
   LoadAgain       ///< the same with the plug-in closed and opened between
 };
+
+/// The `value` of a step whose client leaves it to the plug-in to allocate.
+constexpr unsigned int kNoRoom = 1;
 
 /// Callbacks of a capture: the start, image 1 and so on, the others.
 constexpr unsigned int kStartCallback = 0;
