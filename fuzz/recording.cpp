@@ -8,6 +8,7 @@
 
 #include "recorder/format/arguments.h"
 #include "recorder/format/check_sum.h"
+#include "support/memory.h"
 #include "support/recording_writer.h"
 #include "support/target.h"
 
@@ -25,23 +26,31 @@ using recorder::eFunction;
 using recorder::Header;
 using recorder::Recording;
 
-void read_answers(Recording& recording) {
-  recorder::Bytes answer;
-  for (const Recording::Call& call : recording.calls()) {
-    require(index_of(call.head.function) < recorder::kFunctionCount, "a call has a function");
-    require(recording.in_words(call).back() == ')', "a call can be told");
-    recording.read_answer(call, answer);
-    require(answer.size() <= recorder::kLargestBlock, "an answer has its limits");
+/// All that a recording gives, or why it gives no more.
+std::string content_of(const std::string& path) {
+  std::string content;
+  try {
+    Recording recording(path);
+    recorder::Bytes answer;
+    for (const Recording::Call& call : recording.calls()) {
+      require(index_of(call.head.function) < recorder::kFunctionCount, "a call has a function");
+      const std::string words = recording.in_words(call);
+      require(words.back() == ')', "a call can be told");
+      recording.read_answer(call, answer);
+      require(answer.size() <= recorder::kLargestBlock, "an answer has its limits");
+      content += words + std::to_string(call.head.thread) + std::to_string(call.head.begin);
+      content.append(answer.begin(), answer.end());
+    }
+    content += recording.end();
+  } catch (const DamagedRecording& damage) {
+    require(*damage.what() != '\0', "a refusal tells why");
+    content += damage.what();
   }
+  return content;
 }
 
 void read(const std::string& path) {
-  try {
-    Recording recording(path);
-    read_answers(recording);
-  } catch (const DamagedRecording& damage) {
-    require(*damage.what() != '\0', "a refusal tells why");
-  }
+  written_whole([&] { return content_of(path); });
 }
 
 void read_file(Input& input) {
@@ -70,6 +79,15 @@ std::string any_text(Input& input, unsigned int most) {
   std::string text = input.text(std::size_t{16} * input.below(most));
   std::replace(text.begin(), text.end(), '\0', ' ');
   return text;
+}
+
+/// A text as it may be shown, as far as there is room.
+std::string printed(const std::string& text, std::size_t most) {
+  std::string printed = text.substr(0, most);
+  for (char& letter : printed) {
+    letter = letter >= ' ' && letter <= '~' ? letter : '?';
+  }
+  return printed;
 }
 
 Header any_header(Input& input) {
@@ -124,9 +142,7 @@ std::string add_text(Arguments& arguments, Input& input) {
   constexpr std::size_t kLongest = 1000;
   const std::string text = any_text(input, 80);
   arguments.text(text.c_str());
-  const auto* const first = reinterpret_cast<const unsigned char*>(text.data());
-  return "'" + recorder::printable({first, std::min(text.size(), kLongest)}) +
-         (text.size() > kLongest ? "'..." : "'");
+  return "'" + printed(text, kLongest) + (text.size() > kLongest ? "'..." : "'");
 }
 
 std::string add_no_text(Arguments& arguments, Input& /*input*/) {
@@ -184,7 +200,7 @@ void require_same(const Header& header, const Header& read) {
               header.present == read.present && header.exported == read.exported,
           "a header is read as it was written");
   for (std::size_t i = 0; i < header.failures.size(); ++i) {
-    require(read.failures[i].size() == std::min(header.failures[i].size(), kLongestFailure),
+    require(read.failures[i] == printed(header.failures[i], kLongestFailure),
             "a failure is told as far as there is room");
   }
 }

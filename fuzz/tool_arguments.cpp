@@ -1,6 +1,10 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cctype>
+#include <optional>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "hvk3/command_line.h"
@@ -83,6 +87,34 @@ void parse(const std::vector<std::string>& words) {
           "a program is where one is taken");
 }
 
+int digit_in(unsigned char letter) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  const std::size_t place = kDigits.find(static_cast<char>(std::tolower(letter)));
+  return place == std::string_view::npos ? -1 : static_cast<int>(place);
+}
+
+/// Seven bytes, or pairs of digits with any space between; nothing for what is no secret.
+std::optional<std::vector<unsigned char>> secret_in(Bytes content, bool hex) {
+  constexpr std::size_t kMostRead = 4096;
+  std::vector<unsigned char> bytes(
+      content.begin(),
+      content.begin() + static_cast<std::ptrdiff_t>(std::min(content.size(), kMostRead)));
+  if (hex) {
+    std::erase_if(bytes, [](unsigned char letter) { return std::isspace(letter) != 0; });
+    if (bytes.size() % 2 != 0 || std::any_of(bytes.begin(), bytes.end(), [](unsigned char letter) {
+          return digit_in(letter) < 0;
+        })) {
+      return std::nullopt;
+    }
+    for (std::size_t i = 0; i < bytes.size() / 2; ++i) {
+      bytes[i] =
+          static_cast<unsigned char>(16 * digit_in(bytes[2 * i]) + digit_in(bytes[2 * i + 1]));
+    }
+    bytes.resize(bytes.size() / 2);
+  }
+  return bytes.size() == hvk3::SecretBytes::kSize ? std::optional(bytes) : std::nullopt;
+}
+
 void read_secret(Input& input) {
   const bool hex = input.below(2) != 0;
   const Bytes content = input.rest();
@@ -90,14 +122,13 @@ void read_secret(Input& input) {
   hvk3::SecretReader reader(hex);
   try {
     const hvk3::SecretBytes secret = reader.read("--code", file.path());
-    require(secret.hex().size() == 2 * hvk3::SecretBytes::kSize, "a secret has its size");
-    require(hex || std::equal(content.begin(), content.end(), secret.data(),
-                              secret.data() + hvk3::SecretBytes::kSize),
-            "a secret is what the file holds");
+    const std::vector<unsigned char> bytes(secret.data(), secret.data() + hvk3::SecretBytes::kSize);
+    require(bytes == secret_in(content, hex), "a secret is what the file holds");
+    require(secret.hex().size() == 2 * bytes.size(), "and is told whole");
     reader.finish();
   } catch (const hvk3::Failure& failure) {
     require(failure.status() == hvk3::ExitStatus::Usage, "a bad secret is a wrong usage");
-    require(hex || content.size() != hvk3::SecretBytes::kSize, "seven bytes are a secret");
+    require(!secret_in(content, hex).has_value(), "a good one is none");
   }
 }
 

@@ -11,7 +11,6 @@
 
 #include "closed_libraries/answers.h"
 #include "closed_libraries/scene.h"
-#include "support/require.h"
 
 /// @file
 /// The fake finger detector. Its error curves cross in the middle of the scores. A client gets none
@@ -24,7 +23,6 @@ constexpr long kGood = 0;
 constexpr long kSmallBuffer = -21;
 constexpr double kHighestScore = 100.0;
 
-int g_handle = 0;
 double g_query = 0.0;
 unsigned int g_seen = 0;  // of the images since the last reset
 
@@ -40,10 +38,6 @@ constexpr std::array<std::string_view, 6> kOddTexts = {"",
 
 long code_of(const Fault& fault) {
   return fault.kind == eFault::Fails ? Answers::code(fault.value) : kGood;
-}
-
-void require_handle(void* handle) {
-  require(handle == &g_handle || handle == nullptr, "a call has the handle that was given");
 }
 
 std::string value_of(std::string_view name) {
@@ -81,25 +75,32 @@ using namespace Osv::fuzz;
 long FakeFingerDetectionInitialize(void*) {
   g_query = 0.0;
   g_seen = 0;
+  const long code = code_of(answers().next(__func__));
+  if (code == kGood) {
+    scene().start_detection();
+  }
+  return code;
+}
+
+long FakeFingerDetectionUninitialize() {
+  scene().stop_detection();
   return code_of(answers().next(__func__));
 }
 
-long FakeFingerDetectionUninitialize() { return code_of(answers().next(__func__)); }
-
 long FakeFingerDetectionCreateHandle(void** handle) {
   const Fault fault = answers().next(__func__);
-  *handle = fault.kind == eFault::None ? &g_handle : nullptr;
+  *handle = fault.kind == eFault::None ? scene().create_detector() : nullptr;
   return code_of(fault);
 }
 
 long FakeFingerDetectionDestroyHandle(void** handle) {
-  require_handle(*handle);
+  scene().destroy_detector(*handle);
   *handle = nullptr;
   return code_of(answers().next(__func__));
 }
 
 long FakeFingerDetectionReset(void* handle) {
-  require_handle(handle);
+  scene().require_detector(handle);
   g_seen = 0;
   return code_of(answers().next(__func__));
 }
@@ -107,7 +108,7 @@ long FakeFingerDetectionReset(void* handle) {
 long FakeFingerDetectionEvaluateLiveliness(void* handle, double* score) {
   constexpr std::array<double, 4> kOddScores = {std::numeric_limits<double>::quiet_NaN(),
                                                 std::numeric_limits<double>::infinity(), -1.0, 0.0};
-  require_handle(handle);
+  scene().require_detector(handle);
   const Fault fault = answers().next(__func__);
   *score = fault.kind == eFault::Odd ? kOddScores[fault.value % kOddScores.size()] : g_seen % 100;
   return code_of(fault);
@@ -115,7 +116,7 @@ long FakeFingerDetectionEvaluateLiveliness(void* handle, double* score) {
 
 long FakeFingerDetectionSetImage(void* handle, std::int32_t, const tagBITMAPINFOHEADER* bitmap,
                                  unsigned long size) {
-  require_handle(handle);
+  scene().require_detector(handle);
   const auto* const bytes = reinterpret_cast<const unsigned char*>(bitmap);
   for (unsigned long i = 0; i < size; ++i) {
     g_seen = g_seen * 31 + bytes[i];
@@ -124,7 +125,7 @@ long FakeFingerDetectionSetImage(void* handle, std::int32_t, const tagBITMAPINFO
 }
 
 long FakeFingerDetectionSetPropertyA(void* handle, const char* name, const char* value) {
-  require_handle(handle);
+  scene().require_detector(handle);
   if (std::string_view(name) == "dQueryScore") {
     std::sscanf(value, "%lf", &g_query);
   }
@@ -133,7 +134,7 @@ long FakeFingerDetectionSetPropertyA(void* handle, const char* name, const char*
 
 long FakeFingerDetectionGetPropertyA(void* handle, const char* name, char* value,
                                      unsigned long* length) {
-  require_handle(handle);
+  scene().require_detector(handle);
   const Fault fault = answers().next(__func__);
   if (fault.kind == eFault::Fails) {
     return code_of(fault);

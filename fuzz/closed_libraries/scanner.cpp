@@ -162,8 +162,9 @@ int ftrScanGetImageSize(void* handle, __FTRSCAN_IMAGE_SIZE* size) {
       },
       // Sizes that no frame has: a client has to refuse them, as none of its buffers would do.
       [&](const OpenDevice& device, std::uint32_t value) {
-        const int absurd = static_cast<int>(value | 0x80000000U);
-        *size = {value % 2 == 0 ? absurd : 0, device.unit.height};
+        const int absurd = value % 2 == 0 ? static_cast<int>(value | 0x80000000U) : 0;
+        const bool is_height = value / 2 % 2 != 0;
+        *size = {is_height ? device.unit.width : absurd, is_height ? absurd : device.unit.height};
         return kDone;
       });
 }

@@ -56,6 +56,7 @@ void Scene::begin(Input& input) {
 void Scene::end() {
   require(m_devices.empty(), "every device is closed");
   require(m_engines.empty(), "every engine is deleted");
+  require(!m_detects, "the detector's library is stopped");
 }
 
 void Scene::change_units(std::uint32_t value) {
@@ -109,6 +110,34 @@ void Scene::destroy_engine(void* engine) {
 
 void Scene::require_engine(void* engine) const {
   require(m_engines.contains(number_of(engine)), "a call has an engine that lives");
+}
+
+void Scene::start_detection() {
+  require(!m_detects, "the detector's library is started once");
+  m_detects = true;
+}
+
+void Scene::stop_detection() {
+  require(m_detects, "only what is started is stopped");
+  m_detects = false;
+  m_detectors.clear();
+}
+
+void* Scene::create_detector() {
+  require(m_detects, "a detector is made by a library that is started");
+  m_detectors.insert(++m_last_handle);
+  return handle_of(m_last_handle);
+}
+
+void Scene::destroy_detector(void* detector) {
+  require_detector(detector);
+  m_detectors.erase(number_of(detector));
+}
+
+void Scene::require_detector(void* detector) const {
+  require(m_detects, "a call comes to a detector's library that is started");
+  require(detector == nullptr || m_detectors.contains(number_of(detector)),
+          "a call has a detector that lives");
 }
 
 }  // namespace Osv::fuzz

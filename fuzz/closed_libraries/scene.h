@@ -70,6 +70,17 @@ class Scene {
   void require_engine(void* engine) const;
   /// @}
 
+  /// @name Detectors
+  /// Likewise, a null one is none. The detector's library is started once at a time, and takes its
+  /// instances along when it is stopped.
+  /// @{
+  void start_detection();
+  void stop_detection();
+  void* create_detector();
+  void destroy_detector(void* detector);
+  void require_detector(void* detector) const;
+  /// @}
+
   std::uint32_t last_error = 0;
   unsigned int unnamed_failures = 0;  ///< of which the number was asked for, and is 0
 
@@ -79,6 +90,8 @@ class Scene {
   std::vector<std::uint8_t> m_memory;
   std::map<std::uintptr_t, OpenDevice> m_devices;
   std::set<std::uintptr_t> m_engines;
+  std::set<std::uintptr_t> m_detectors;
+  bool m_detects = false;
   std::uintptr_t m_last_handle = 0;
 };
 

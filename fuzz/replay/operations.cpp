@@ -36,6 +36,10 @@ class Room {
   Room& operator=(const Room&) = delete;
 
   std::size_t size() const { return m_nSize; }
+  bool is_untouched() const {
+    return std::all_of(m_pBytes.get(), m_pBytes.get() + m_nSize,
+                       [](unsigned char byte) { return byte == filling(); });
+  }
   unsigned char* bytes() { return m_pBytes.get(); }
   char* text() { return reinterpret_cast<char*>(bytes()); }
   template <class Record>
@@ -62,13 +66,15 @@ constexpr std::size_t kImage = 4;
 /// Where the client gives a number.
 constexpr int kNumber = 4;
 
-/// Takes what a call fills when it succeeds.
+/// Takes what a call fills when it succeeds; one that fails leaves it alone.
 /// @param call gets the memory, and tells whether it filled it
 template <typename Call>
 void take_filled(Client& client, std::size_t size, Call call) {
   Room room(size);
   if (call(room.bytes())) {
     client.take(room.bytes(), size);
+  } else {
+    require(room.is_untouched(), "a failure leaves memory alone");
   }
 }
 
@@ -136,7 +142,7 @@ void calibrate(Client& client) {
 /// A replay has no protected bytes: it changes all seven where they were changed, or none.
 void restore_secret(Client& client) {
   Room room(kSevenBytes);
-  ftrScanRestoreSecret7Bytes(client.scanner, kGiven.data(), room.bytes());
+  take_result(client, ftrScanRestoreSecret7Bytes(client.scanner, kGiven.data(), room.bytes()));
   const std::ptrdiff_t as_before = std::count(room.bytes(), room.bytes() + room.size(), filling());
   require(as_before == 0 || as_before == kSevenBytes, "protected bytes are changed whole");
   client.outputs.push_back(as_before == 0 ? 1 : 0);
