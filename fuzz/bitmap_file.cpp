@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -121,10 +122,23 @@ Scale read_scale(Input& input) {
           static_cast<ClSimpleBitmap::eRescaleMode>(input.below(kModes))};
 }
 
+/// Whether a bitmap is too large to be doubled: no header has such sides.
+bool is_too_large(const ClSimpleBitmap& bitmap) {
+  constexpr unsigned long kLargestSide = 0x7FFFFFFF;
+  return 2 * std::max(bitmap.Width(), bitmap.Height()) > kLargestSide;
+}
+
 Block rescaled(const ClSimpleBitmap& bitmap, const Scale& scale) {
   ClSimpleBitmap copy(bitmap);
-  const auto failure = failure_of<utilities::ClContextException<CXOtherException>>(
-      [&] { copy.Rescale(scale.width, scale.height, scale.mode); });
+  std::optional<Failure> failure;
+  try {
+    failure = failure_of<utilities::ClContextException<CXOtherException>>(
+        [&] { copy.Rescale(scale.width, scale.height, scale.mode); });
+  } catch (const CXMemoryAllocException&) {
+    require(scale.mode == ClSimpleBitmap::eRescaleDouble && is_too_large(bitmap),
+            "there is memory for what a header can tell");
+    require(block_of(copy) == block_of(bitmap), "without it nothing changes");
+  }
   const bool zero = scale.width == 0 || scale.height == 0;
   const int expected = zero ? -14 : scale.mode > ClSimpleBitmap::eRescaleDouble ? -33 : 0;
   require((failure ? failure->number : 0) == expected, "a rescaling is refused as documented");

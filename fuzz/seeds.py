@@ -56,6 +56,10 @@ def bitmap_file():
     yield "empty", with_file(b"")
     yield "no rows", with_file(bitmap(9, 0))
     yield "no columns", with_file(bitmap(0, 9))
+    for height in (0x3FFFFFFF, 0x7FFFFFFF):
+        endless = bitmap(0, 9)[:22] + struct.pack("<i", height) + bitmap(0, 9)[26:]
+        for mode in range(2):
+            yield f"rows of no columns {height} {mode}", with_file(endless, bytes((90, 90, mode)).ljust(64, b"\1"))
     yield "negative", with_file(bitmap(4, 4)[:18] + struct.pack("<ii", -4, -4) + bitmap(4, 4)[26:])
     yield "huge", with_file(bitmap(4, 4)[:18] + struct.pack("<ii", 65536, 65537) + bitmap(4, 4)[26:])
     for depth in range(8):

@@ -299,7 +299,7 @@ std::unique_ptr<ClSimpleBitmap> ClSimpleBitmap::clip(unsigned long x, unsigned l
   auto clipped = std::make_unique<ClSimpleBitmap>();
   clipped->Create(width, height, BitCount(), 0);
   const unsigned long stride = clipped->BPRow();
-  for (unsigned long row = 0; row < height; ++row) {
+  for (unsigned long row = 0; row < height && stride != 0; ++row) {
     unsigned char* const out = clipped->Pixel() + row * stride;
     const unsigned long begin = std::min((y + row) * BPRow() + BitCount() / 8 * x, PixelSize());
     const unsigned long available = std::min(stride, PixelSize() - begin);

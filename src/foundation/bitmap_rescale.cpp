@@ -276,7 +276,8 @@ void repeat_pixels(const ClSimpleBitmap& source, ClSimpleBitmap& target,
   const unsigned long bytes = (source.Width() * source.BitCount() + 7) / 8;
   const unsigned long stride = target.BPRow();
   const unsigned long padding = stride - 2 * bytes;
-  for (unsigned long y = 0; y < source.Height(); ++y) {
+  // Of rows without bytes there may be any number.
+  for (unsigned long y = 0; y < source.Height() && stride != 0; ++y) {
     unsigned char* const first = target.Pixel() + 2 * y * stride;
     kernels.double_row(source.Pixel() + y * source.BPRow(), bytes, first, first + stride);
     if (padding != 0) {

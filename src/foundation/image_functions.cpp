@@ -87,7 +87,7 @@ void fill_image_data(unsigned char* dst, const unsigned char* src, unsigned long
                      unsigned long height, unsigned long bits) {
   const unsigned long stride = image_bpr(width, bits);
   const unsigned long bytes = std::min(width, stride);  // below 8 bits a row is shorter
-  for (unsigned long row = 0; row < height; ++row) {
+  for (unsigned long row = 0; row < height && bytes != 0; ++row) {
     std::memcpy(dst + row * stride, src + (height - 1 - row) * width, bytes);
   }
 }

@@ -125,7 +125,7 @@ constexpr std::size_t kFetchedAhead = 2048;
 /// The processor follows rows that go upwards by itself, but not those that are taken from below.
 template <std::size_t kVector, unsigned char kFlip>
 HVK3_LOOP void flip(unsigned char* rows, std::size_t stride, std::size_t height) {
-  const std::size_t pairs = height / 2;
+  const std::size_t pairs = stride == 0 ? 0 : height / 2;  // of no bytes there may be any number
   const bool fetched = stride * height >= kFetchedFrame;
   const std::size_t ahead = fetched ? kFetchedAhead / stride + 1 : pairs;
   for (std::size_t row = 0; row < pairs; ++row) {

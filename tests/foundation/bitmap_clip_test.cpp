@@ -48,6 +48,13 @@ TEST(Clip, OfTheWholeGivesTheSamePixels) {
   EXPECT_EQ(pixels(*source.clip(0, 0, 5, 3)), pixels(source));
 }
 
+TEST(Clip, WithoutWidthHasNoPixels) {
+  const auto clipped = numbered().clip(0, 0, 0, 2);
+  EXPECT_EQ(clipped->Width(), 0U);
+  EXPECT_EQ(clipped->Height(), 2U);
+  EXPECT_EQ(clipped->PixelSize(), 0U);
+}
+
 TEST(Clip, LeavesTheSourceAsItIs) {
   const ClSimpleBitmap source = numbered();
   (void)source.clip(1, 1, 2, 2);

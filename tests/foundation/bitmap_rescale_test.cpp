@@ -12,6 +12,7 @@
 #include "foundation/bitmap_reference.h"
 #include "foundation/bitmap_rescale.h"
 #include "foundation/exceptions.h"
+#include "foundation/pixel_kernels.h"
 #include "foundation/rescale_reference.h"
 
 namespace Osv::utilities {
@@ -350,6 +351,18 @@ TEST(DoubleRescale, RepeatsEachPixelWhateverTheSizeIs) {
     EXPECT_EQ(pixels(target), (Bytes{1, 1, 2, 2, 3, 3, 0, 0, 1, 1, 2, 2, 3, 3, 0, 0,
                                      9, 9, 2, 2, 3, 3, 0, 0, 9, 9, 2, 2, 3, 3, 0, 0}));
   }
+}
+
+TEST(DoubleRescale, GoesThroughNoRowsWithoutPixels) {
+  static unsigned int s_rows = 0;
+  img::PixelKernels kernels = img::pixel_kernels();
+  kernels.double_row = [](const unsigned char*, std::size_t, unsigned char*, unsigned char*) {
+    ++s_rows;
+  };
+  const ClSimpleBitmap target = doubled(created(0, 3, 8), kernels);
+  EXPECT_EQ(s_rows, 0U);
+  EXPECT_EQ(target.Width(), 0U);
+  EXPECT_EQ(target.Height(), 6U);
 }
 
 TEST(DoubleRescale, CopiesIndexesWithoutLookingAtThePalette) {

@@ -155,6 +155,13 @@ TEST(FillImageData, TakesWidthBytesBelow8BitsWhereTheyFit) {
   EXPECT_EQ(to, (std::vector<unsigned char>{4, 5, 6, 99, 1, 2, 3, 99}));
 }
 
+// Whoever counts them is never done.
+TEST(FillImageData, GoesThroughNoRowsWithoutBytes) {
+  std::vector<unsigned char> to{99};
+  fill_image_data(to.data(), to.data(), 0, ~0UL, 8);
+  EXPECT_EQ(to[0], 99);
+}
+
 TEST(AllZero, LooksAtEveryByteAndAtNoOther) {
   std::vector<unsigned char> bytes(99, 0);
   bytes.push_back(1);

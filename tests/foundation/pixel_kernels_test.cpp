@@ -126,6 +126,12 @@ TEST_P(PixelKernelsOf, FlipAndInvertDoesBothAtEverySizeAndAlignment) {
   expect_flips(kernels.flip_and_invert, 255);
 }
 
+// Whoever counts them is never done.
+TEST_P(PixelKernelsOf, FlipsGoThroughNoRowsWithoutBytes) {
+  kernels.flip(nullptr, 0, ~std::size_t{0});
+  kernels.flip_and_invert(nullptr, 0, ~std::size_t{0});
+}
+
 TEST_P(PixelKernelsOf, FlipsOfAFrameThatIsFetchedAheadAreTheSame) {
   constexpr std::size_t kStride = 803;
   constexpr std::size_t kHeight = 751;
