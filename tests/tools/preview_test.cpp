@@ -110,13 +110,18 @@ TEST_F(Preview, GivesTheScreenBackOnCtrlC) {
 }
 
 TEST_F(Preview, GivesTheScreenBackWhenItIsEndedAtOnce) {
-  ::setenv("ASAN_OPTIONS", "handle_segv=0:handle_abort=0", 1);  // else the signals are ASan's own
+  constexpr const char* kSanitizers[] = {"ASAN_OPTIONS", "TSAN_OPTIONS"};
+  for (const char* const options : kSanitizers) {
+    ::setenv(options, "handle_segv=0:handle_abort=0", 1);  // else they take the signals
+  }
   for (const int signal : {SIGQUIT, SIGABRT, SIGSEGV}) {
     const Outcome outcome = end_by(signal);
     EXPECT_EQ(outcome.status, 128 + signal);
     EXPECT_THAT(outcome.out, EndsWith(kGiveBack));
   }
-  ::unsetenv("ASAN_OPTIONS");
+  for (const char* const options : kSanitizers) {
+    ::unsetenv(options);
+  }
 }
 
 TEST_F(Preview, GivesTheScreenBackBeforeItWaitsForTheWorker) {
