@@ -5,10 +5,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
-#include <atomic>
-#include <cerrno>
 #include <csignal>
+#include <ctime>
 #include <system_error>
 
 #include "hvk3/failure.h"
@@ -16,51 +14,52 @@
 namespace hvk3 {
 namespace {
 
-constexpr std::array<int, 4> kSignals = {SIGINT, SIGQUIT, SIGTERM, SIGHUP};
-
-// Lock-free, so a signal handler may use it.
-std::atomic<pid_t> s_nProgram = 0;
-
-/// Those that come from a terminal have reached the program by themselves.
-extern "C" void pass_signal_on(int number, siginfo_t* information, void* /*context*/) {
-  if (information->si_code != SI_KERNEL) {
-    ::kill(s_nProgram, number);
-  }
-}
-
-/// Holds signals back and passes them on, while it lives.
-class Signals {
+/// Holds signals back while it lives: those that ask for an end, unless they are ignored, and that
+/// of the program's end. They are waited for; a handler would come when it likes.
+class HeldSignals {
  public:
-  Signals() {
-    sigset_t held = {};
-    ::sigemptyset(&held);
-    struct sigaction action = {};
-    action.sa_sigaction = &pass_signal_on;
-    action.sa_flags = SA_SIGINFO | SA_RESTART;
-    for (std::size_t i = 0; i < kSignals.size(); ++i) {
-      ::sigaddset(&held, kSignals[i]);
-      ::sigaction(kSignals[i], nullptr, &m_aBefore[i]);
-      if (m_aBefore[i].sa_handler != SIG_IGN) {
-        ::sigaction(kSignals[i], &action, nullptr);
+  HeldSignals() {
+    ::sigemptyset(&m_cHeld);
+    for (const int number : {SIGINT, SIGQUIT, SIGTERM, SIGHUP}) {
+      struct sigaction action = {};
+      ::sigaction(number, nullptr, &action);
+      if (action.sa_handler != SIG_IGN) {
+        ::sigaddset(&m_cHeld, number);
       }
     }
-    ::sigprocmask(SIG_BLOCK, &held, &m_cMask);
+    ::sigaddset(&m_cHeld, SIGCHLD);
+    struct sigaction usual = {};
+    usual.sa_handler = SIG_DFL;
+    ::sigaction(SIGCHLD, &usual, &m_cBefore);  // ignored, it would not come
+    ::sigprocmask(SIG_BLOCK, &m_cHeld, &m_cMask);
   }
-  ~Signals() {
-    let_through();
-    for (std::size_t i = 0; i < kSignals.size(); ++i) {
-      ::sigaction(kSignals[i], &m_aBefore[i], nullptr);
+  ~HeldSignals() {
+    const struct timespec now = {};
+    while (::sigtimedwait(&m_cHeld, nullptr, &now) > 0) {
+      // It was for the program, which is gone.
     }
+    ::sigprocmask(SIG_SETMASK, &m_cMask, nullptr);
+    ::sigaction(SIGCHLD, &m_cBefore, nullptr);
   }
-  Signals(const Signals&) = delete;
-  Signals& operator=(const Signals&) = delete;
+  HeldSignals(const HeldSignals&) = delete;
+  HeldSignals& operator=(const HeldSignals&) = delete;
 
   const sigset_t& mask_before() const { return m_cMask; }
-  void let_through() const { ::sigprocmask(SIG_SETMASK, &m_cMask, nullptr); }
+
+  /// Waits for the next one, and passes it on. What comes from a terminal has reached the program
+  /// by itself.
+  void pass_on(pid_t program) const {
+    siginfo_t information = {};
+    const int number = ::sigwaitinfo(&m_cHeld, &information);
+    if (number > 0 && number != SIGCHLD && information.si_code != SI_KERNEL) {
+      ::kill(program, number);
+    }
+  }
 
  private:
-  std::array<struct sigaction, kSignals.size()> m_aBefore = {};
+  sigset_t m_cHeld = {};
   sigset_t m_cMask = {};
+  struct sigaction m_cBefore = {};
 };
 
 pid_t spawn(const std::vector<std::string>& words, const sigset_t& mask, eOutput output) {
@@ -104,12 +103,11 @@ void open_standard_streams() {
 
 ProgramEnd run_program(const std::vector<std::string>& words, eOutput output) {
   open_standard_streams();
-  const Signals signals;
+  const HeldSignals signals;
   const pid_t program = spawn(words, signals.mask_before(), output);
-  s_nProgram = program;
-  signals.let_through();
   int status = 0;
-  while (::waitpid(program, &status, 0) < 0 && errno == EINTR) {
+  while (::waitpid(program, &status, WNOHANG) == 0) {
+    signals.pass_on(program);
   }
   constexpr int kSignalled = 128;
   return WIFSIGNALED(status) ? ProgramEnd{kSignalled + WTERMSIG(status), true}
