@@ -15,7 +15,7 @@ namespace hvk3::test {
 
 class RecordedTool : public Tool {
  protected:
-  RecordedTool() { ::setenv("HVK3_REPLAY_PATIENCE", "3000", 1); }
+  RecordedTool() { ::setenv("HVK3_REPLAY_PATIENCE", "30000", 1); }
   ~RecordedTool() override { ::unsetenv("HVK3_REPLAY_PATIENCE"); }
 
   std::string recording() const { return m_cFolder.file("recording"); }
