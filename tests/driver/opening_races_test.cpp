@@ -252,6 +252,20 @@ TEST_F(MeetingOpenings, OpenTheScannerOnce) {
   expect_open(0);
 }
 
+TEST_F(MeetingOpenings, AFrameThatWaitsForOneNeedsNoOther) {
+  auto first = begin("CalibrateSetData", [this] { EXPECT_EQ(driver.InitializeScanner(), 0UL); });
+  std::thread second = go_as_far_as_locks_let([this] {
+    ClSimpleBitmap bitmap;
+    driver.GetLiveBitmap(driver.channel(), bitmap);
+    EXPECT_FALSE(bitmap.Empty());
+  });
+  bench.release();
+  first.get();
+  second.join();
+  EXPECT_EQ(bench.count("ftrScanSetOptions"), 1U);
+  expect_open(0);
+}
+
 TEST_F(MeetingOpenings, AMeasureThatOpensTheScannerKeepsNobodyWaitingForItsFrame) {
   expect_to_wait_for_no_frame_of([this] { measure(driver); });
 }
