@@ -36,9 +36,10 @@ class Room {
   Room& operator=(const Room&) = delete;
 
   std::size_t size() const { return m_nSize; }
-  bool is_untouched() const {
-    return std::all_of(m_pBytes.get(), m_pBytes.get() + m_nSize,
-                       [](unsigned char byte) { return byte == filling(); });
+  void require_untouched() const {
+    require(std::all_of(m_pBytes.get(), m_pBytes.get() + m_nSize,
+                        [](unsigned char byte) { return byte == filling(); }),
+            "a failure leaves memory alone");
   }
   unsigned char* bytes() { return m_pBytes.get(); }
   char* text() { return reinterpret_cast<char*>(bytes()); }
@@ -74,7 +75,7 @@ void take_filled(Client& client, std::size_t size, Call call) {
   if (call(room.bytes())) {
     client.take(room.bytes(), size);
   } else {
-    require(room.is_untouched(), "a failure leaves memory alone");
+    room.require_untouched();
   }
 }
 
@@ -136,6 +137,8 @@ void calibrate(Client& client) {
   auto given = kGiven;
   if (Calibrate(client.engine, image(given), kImage, out.as<tagBITMAPINFOHEADER>(), &size) == 0) {
     client.take(out.bytes(), std::min<std::size_t>(size, kRoom));
+  } else {
+    out.require_untouched();
   }
 }
 
@@ -154,6 +157,8 @@ void get_option(Client& client) {
   unsigned long size = kRoom;
   if (CalibrateGetOption(client.engine, "name", room.text(), &size) == 0) {
     client.take(room.bytes(), std::min(strnlen(room.text(), kRoom) + 1, kRoom));
+  } else {
+    room.require_untouched();
   }
   client.take(&size, sizeof(size));
 }
@@ -163,6 +168,8 @@ void get_property(Client& client) {
   unsigned long size = kRoom;
   if (FakeFingerDetectionGetPropertyA(client.detector, "name", room.text(), &size) == 0) {
     client.take(room.bytes(), kRoom);
+  } else {
+    room.require_untouched();
   }
   client.take(&size, sizeof(size));
 }
