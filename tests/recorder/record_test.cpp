@@ -117,6 +117,12 @@ TEST_F(Record, LeavesSignalsToTheProgram) {
   EXPECT_THAT(outcome.error, HasSubstr(" calls are in "));
 }
 
+// As from a program that leaves its children to the system.
+TEST_F(Record, EndsWithTheProgramThoughEndsOfChildrenAreIgnored) {
+  const Words ignoring = {"/bin/sh", "-c", "trap '' CHLD; exec \"$@\"", "sh"};
+  EXPECT_EQ(run(join(ignoring, recording_of({"/bin/sh", "-c", "exit 7"}))).status, 7);
+}
+
 TEST_F(Record, HoldsOneProcess) {
   const std::string list =
       std::string(HVK3_BARE_TOOL) + " list --simulate --simulator " + HVK3_SIMULATOR_DIR;
